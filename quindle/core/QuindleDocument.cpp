@@ -1,0 +1,355 @@
+#include "quindle/core/QuindleDocument.h"
+
+#include "quindle/core/Numbers.h"
+#include "quindle/core/Tree.h"
+
+#include <algorithm>
+#include <span>
+
+namespace Zamt {
+
+namespace tree {
+
+template <>
+struct Shape<QuindleValue> {
+  static void eachList(auto& value, const auto& visit) { visit(value.items); }
+
+  static void copyFields(const QuindleValue& from, QuindleValue& to) {
+    to.kind = from.kind;
+    to.boolValue = from.boolValue;
+    to.numberValue = from.numberValue;
+    to.textValue = from.textValue;
+  }
+};
+
+template <>
+struct Shape<QuindleExpr> {
+  static void eachList(auto& expr, const auto& visit) { visit(expr.operands); }
+
+  static void copyFields(const QuindleExpr& from, QuindleExpr& to) {
+    to.kind = from.kind;
+    to.value = from.value;
+    to.name = from.name;
+    to.op = from.op;
+    to.argNames = from.argNames;
+    to.line = from.line;
+    to.column = from.column;
+  }
+};
+
+template <>
+struct Shape<QuindleStep> {
+  static void eachList(auto& step, const auto& visit) {
+    visit(step.body);
+    visit(step.elseBody);
+  }
+
+  static void copyFields(const QuindleStep& from, QuindleStep& to) {
+    to.kind = from.kind;
+    to.name = from.name;
+    to.source = from.source;
+    to.value = from.value;
+    to.condition = from.condition;
+    to.args = from.args;
+    to.argNames = from.argNames;
+    to.color = from.color;
+    to.classNumber = from.classNumber;
+    to.comment = from.comment;
+    to.line = from.line;
+    to.column = from.column;
+  }
+};
+
+} // namespace tree
+
+namespace {
+
+void moveOwnFields(QuindleValue& from, QuindleValue& to) noexcept {
+  to.kind = from.kind;
+  to.boolValue = from.boolValue;
+  to.numberValue = from.numberValue;
+  to.textValue.swap(from.textValue);
+}
+
+void moveOwnFields(QuindleExpr& from, QuindleExpr& to) noexcept {
+  to.kind = from.kind;
+  to.value = std::move(from.value);
+  to.name.swap(from.name);
+  to.op.swap(from.op);
+  to.argNames.swap(from.argNames);
+  to.line = from.line;
+  to.column = from.column;
+}
+
+void moveOwnFields(QuindleStep& from, QuindleStep& to) noexcept {
+  to.kind = from.kind;
+  to.name.swap(from.name);
+  to.source.swap(from.source);
+  to.value = std::move(from.value);
+  to.condition = std::move(from.condition);
+  to.args.swap(from.args);
+  to.argNames.swap(from.argNames);
+  to.color = std::move(from.color);
+  to.classNumber = std::move(from.classNumber);
+  to.comment.swap(from.comment);
+  to.line = from.line;
+  to.column = from.column;
+}
+
+std::string quoted(const std::string& text) {
+  std::string out = "\"";
+  for (const char c : text) {
+    switch (c) {
+    case '"': out += "\\\""; break;
+    case '\\': out += "\\\\"; break;
+    case '\n': out += "\\n"; break;
+    case '\t': out += "\\t"; break;
+    default: out += c;
+    }
+  }
+  return out += '"';
+}
+
+std::string leafSource(const QuindleValue& value) {
+  switch (value.kind) {
+  case QuindleValue::Kind::Number:
+    return value.textValue.empty() ? printNumber(value.numberValue) : value.textValue;
+  case QuindleValue::Kind::Text: return quoted(value.textValue);
+  case QuindleValue::Kind::Boolean: return value.boolValue ? "true" : "false";
+  case QuindleValue::Kind::Identifier: return value.textValue;
+  case QuindleValue::Kind::None:
+  case QuindleValue::Kind::Tuple: break;
+  }
+  return {};
+}
+
+using Kind = QuindleExpr::Kind;
+
+// The operand of a comparison is an atom in the grammar, so one that is not can only have stood in
+// parentheses, and needs them to be read back as the same tree.
+bool needsParentheses(const QuindleExpr& operand, const QuindleExpr* enclosing) {
+  if (!enclosing) return false;
+  const Kind inner = operand.kind;
+  switch (enclosing->kind) {
+  case Kind::And: return inner == Kind::Or;
+  case Kind::Not: return inner == Kind::Or || inner == Kind::And || inner == Kind::Compare;
+  case Kind::Compare:
+    return inner == Kind::Or || inner == Kind::And || inner == Kind::Not || inner == Kind::Compare;
+  default: return false;
+  }
+}
+
+/// The operands that are printed: all of them, but for a comparison without two sides, which prints as
+/// nothing, and for a negation, which prints one.
+std::size_t printedOperands(const QuindleExpr& expr) {
+  switch (expr.kind) {
+  case Kind::Call:
+  case Kind::And:
+  case Kind::Or: return expr.operands.size();
+  case Kind::Not: return std::min<std::size_t>(expr.operands.size(), 1);
+  case Kind::Compare: return expr.operands.size() < 2 ? 0 : 2;
+  default: return 0;
+  }
+}
+
+void printBefore(const QuindleExpr& expr, std::string& out) {
+  switch (expr.kind) {
+  case Kind::Literal: out += expr.value.toSource(); break;
+  case Kind::Reference: out += expr.name; break;
+  case Kind::Call: out += expr.name + '('; break;
+  case Kind::Not: out += expr.operands.empty() ? "not" : "not "; break;
+  default: break;
+  }
+}
+
+/// What stands in front of operand `index`, behind the operand before it.
+void printBetween(const QuindleExpr& expr, std::size_t index, std::string& out) {
+  if (index > 0) {
+    switch (expr.kind) {
+    case Kind::Call: out += ", "; break;
+    case Kind::And: out += " and "; break;
+    case Kind::Or: out += " or "; break;
+    case Kind::Compare: out += ' ' + expr.op + ' '; break;
+    default: break;
+    }
+  }
+  if (expr.kind == Kind::Call && index < expr.argNames.size() && !expr.argNames[index].empty())
+    out += expr.argNames[index] + ": ";
+}
+
+} // namespace
+
+QuindleValue::QuindleValue(const QuindleValue& other) {
+  tree::Shape<QuindleValue>::copyFields(other, *this);
+  if (!other.items.empty()) tree::copyChildren(other, *this);
+}
+
+QuindleValue& QuindleValue::operator=(const QuindleValue& other) { return *this = QuindleValue(other); }
+
+// The source may live below the target, so it is taken out before anything of the target is let go.
+QuindleValue& QuindleValue::operator=(QuindleValue&& other) noexcept {
+  QuindleValue taken(std::move(other));
+  moveOwnFields(taken, *this);
+  items.swap(taken.items);
+  return *this;
+}
+
+QuindleValue::~QuindleValue() {
+  if (!items.empty()) tree::destroyChildren(*this);
+}
+
+QuindleExpr::QuindleExpr(const QuindleExpr& other) {
+  tree::Shape<QuindleExpr>::copyFields(other, *this);
+  if (!other.operands.empty()) tree::copyChildren(other, *this);
+}
+
+QuindleExpr& QuindleExpr::operator=(const QuindleExpr& other) { return *this = QuindleExpr(other); }
+
+QuindleExpr& QuindleExpr::operator=(QuindleExpr&& other) noexcept {
+  QuindleExpr taken(std::move(other));
+  moveOwnFields(taken, *this);
+  operands.swap(taken.operands);
+  return *this;
+}
+
+QuindleExpr::~QuindleExpr() {
+  if (!operands.empty()) tree::destroyChildren(*this);
+}
+
+QuindleStep::QuindleStep(const QuindleStep& other) {
+  tree::Shape<QuindleStep>::copyFields(other, *this);
+  if (!other.body.empty() || !other.elseBody.empty()) tree::copyChildren(other, *this);
+}
+
+QuindleStep& QuindleStep::operator=(const QuindleStep& other) { return *this = QuindleStep(other); }
+
+QuindleStep& QuindleStep::operator=(QuindleStep&& other) noexcept {
+  QuindleStep taken(std::move(other));
+  moveOwnFields(taken, *this);
+  body.swap(taken.body);
+  elseBody.swap(taken.elseBody);
+  return *this;
+}
+
+QuindleStep::~QuindleStep() {
+  if (!body.empty() || !elseBody.empty()) tree::destroyChildren(*this);
+}
+
+QuindleValue QuindleValue::number(double value) {
+  QuindleValue made;
+  made.kind = Kind::Number;
+  made.numberValue = value;
+  return made;
+}
+
+QuindleValue QuindleValue::text(const std::string& value) {
+  QuindleValue made;
+  made.kind = Kind::Text;
+  made.textValue = value;
+  return made;
+}
+
+QuindleValue QuindleValue::boolean(bool value) {
+  QuindleValue made;
+  made.kind = Kind::Boolean;
+  made.boolValue = value;
+  return made;
+}
+
+QuindleValue QuindleValue::identifier(const std::string& word) {
+  QuindleValue made;
+  made.kind = Kind::Identifier;
+  made.textValue = word;
+  return made;
+}
+
+std::string QuindleValue::toSource() const {
+  if (kind != Kind::Tuple) return leafSource(*this);
+  static const std::vector<QuindleValue> none;
+  std::string out;
+  tree::walk(
+      *this,
+      [](const QuindleValue& value) -> const std::vector<QuindleValue>& {
+        return value.kind == Kind::Tuple ? value.items : none;
+      },
+      [&out](const QuindleValue& value, const QuindleValue*, std::size_t index) {
+        if (value.kind != Kind::Tuple) {
+          out += leafSource(value);
+          return;
+        }
+        if (index == 0) out += '(';
+        if (index == value.items.size())
+          out += ')';
+        else if (index > 0)
+          out += ", ";
+      });
+  return out;
+}
+
+std::string QuindleValue::toPlainText() const {
+  return kind == Kind::Text || kind == Kind::Identifier ? textValue : toSource();
+}
+
+std::string QuindleExpr::toSource() const {
+  std::string out;
+  const auto printedChildren = [](const QuindleExpr& expr) {
+    return std::span<const QuindleExpr>(expr.operands).first(printedOperands(expr));
+  };
+  tree::walk(*this, printedChildren,
+             [&out](const QuindleExpr& expr, const QuindleExpr* parent, std::size_t index) {
+               const bool wrapped = needsParentheses(expr, parent);
+               if (index == 0) {
+                 if (wrapped) out += '(';
+                 printBefore(expr, out);
+               }
+               if (index < printedOperands(expr)) {
+                 printBetween(expr, index, out);
+                 return;
+               }
+               if (expr.kind == Kind::Call) out += ')';
+               if (wrapped) out += ')';
+             });
+  return out;
+}
+
+QuindleParam* QuindleDocument::findParam(const std::string& wanted) {
+  const auto found = std::find_if(params.begin(), params.end(),
+                                  [&](const QuindleParam& param) { return param.name == wanted; });
+  return found == params.end() ? nullptr : &*found;
+}
+
+const QuindleParam* QuindleDocument::findParam(const std::string& wanted) const {
+  return const_cast<QuindleDocument*>(this)->findParam(wanted);
+}
+
+const QuindleTrigger* QuindleDocument::runTrigger() const {
+  for (const QuindleTrigger::Kind kind : {QuindleTrigger::Kind::Run, QuindleTrigger::Kind::Key})
+    for (const QuindleTrigger& trigger : triggers)
+      if (trigger.kind == kind) return &trigger;
+  return nullptr;
+}
+
+int QuindleDocument::addListener(const Listener& listener) {
+  listeners[nextListenerId] = listener;
+  return nextListenerId++;
+}
+
+void QuindleDocument::removeListener(int id) { listeners.erase(id); }
+
+void QuindleDocument::touch() {
+  ++revision;
+  const std::map<std::int32_t, Listener> current = listeners;
+  for (const auto& [id, listener] : current)
+    if (listener) listener(*this);
+}
+
+std::string quindleIdentifier(const std::string& text) {
+  std::string out = text;
+  for (char& c : out) {
+    const bool kept = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+    if (!kept) c = '_';
+  }
+  return out;
+}
+
+} // namespace Zamt

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <utility>
+#include <vector>
+
+/// The one place where trees of records are walked. Records hold records of their own kind, as deep as the
+/// input likes, so no pass may recurse: each of these keeps its own stack on the heap and costs linear time.
+///
+/// A record type takes part by a specialisation of `Shape`.
+namespace Zamt::tree {
+
+/// `Shape<Node>::eachList(node, f)` calls `f` with each vector of child records that `node` holds, const or
+/// not as the node is; `Shape<Node>::copyFields(from, to)` copies everything else.
+template <class Node>
+struct Shape;
+
+/// Destroys everything below `node` without recursion; for the destructor of a record.
+template <class Node>
+void destroyChildren(Node& node) noexcept {
+  using List = std::vector<Node>;
+  std::vector<List> pending;
+  const auto takeLists = [&pending](Node& from) {
+    Shape<Node>::eachList(from, [&pending](List& list) {
+      if (!list.empty()) pending.push_back(std::move(list));
+    });
+  };
+  // A list of leaves, by far the commonest case, is left to its own destructor: it goes no deeper.
+  const auto takeListsBelow = [&](List& list) {
+    for (Node& child : list) takeLists(child);
+  };
+  Shape<Node>::eachList(node, takeListsBelow);
+  while (!pending.empty()) {
+    List list = std::move(pending.back());
+    pending.pop_back();
+    takeListsBelow(list);
+  }
+}
+
+/// Copies everything below `from` to below `to`, whose child lists are empty; for copying a record.
+template <class Node>
+void copyChildren(const Node& from, Node& to) {
+  std::vector<std::pair<const Node*, Node*>> pending{{&from, &to}};
+  while (!pending.empty()) {
+    const auto [source, target] = pending.back();
+    pending.pop_back();
+    std::vector<const std::vector<Node>*> sources;
+    Shape<Node>::eachList(*source, [&](const std::vector<Node>& list) { sources.push_back(&list); });
+    auto next = sources.begin();
+    Shape<Node>::eachList(*target, [&](std::vector<Node>& list) {
+      const std::vector<Node>& original = **next++;
+      list.resize(original.size());
+      for (std::size_t i = 0; i < original.size(); ++i) {
+        Shape<Node>::copyFields(original[i], list[i]);
+        pending.emplace_back(&original[i], &list[i]);
+      }
+    });
+  }
+}
+
+/// Walks the tree under `root`. `childrenOf(node)` gives a node's children as a vector. `visit(node, parent,
+/// index)` is called for a node with n children n + 1 times: with each index 0 .. n - 1 before that child is
+/// walked, and with n after the last, so that text can go before, between and behind. `parent` is null at the
+/// root.
+template <class Node, class ChildrenOf, class Visit>
+void walk(const Node& root, const ChildrenOf& childrenOf, const Visit& visit) {
+  struct Frame {
+    const Node* node;
+    const Node* parent;
+    std::size_t next;
+  };
+  std::vector<Frame> stack{{&root, nullptr, 0}};
+  while (!stack.empty()) {
+    Frame& top = stack.back();
+    const auto& children = childrenOf(*top.node);
+    const std::size_t index = top.next++;
+    const Node* const node = top.node;
+    visit(*node, top.parent, index);
+    if (index < children.size())
+      stack.push_back({&children[index], node, 0});
+    else
+      stack.pop_back();
+  }
+}
+
+} // namespace Zamt::tree
