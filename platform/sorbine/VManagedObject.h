@@ -44,8 +44,8 @@ public:
   /// The name in the graph; empty before the object was added to it.
   const std::string& name() const { return name_; }
 
-  /// True for the object's own type and for those of its bases that the graph tells apart: VManagedObject,
-  /// VObject, VInputCreatorBase, VCreatorBase, VValueCreator.
+  /// True for those of its types that the graph tells apart: VManagedObject, VObject, VInputCreatorBase,
+  /// VCreatorBase, VValueCreator.
   virtual bool isA(Rethold::TypeId type) const;
 
   /// True between being added to the graph and being taken out of it.
@@ -62,7 +62,7 @@ public:
   /// The object of that type and name, or null.
   static Rethold::StrongPtr<VManagedObject> find(Rethold::TypeId type, const std::string& name);
 
-  /// The same, as a pointer to `T`.
+  /// The same, as a pointer to `T`, which is one of the types of `isA`.
   template <class T>
   static Rethold::StrongPtr<T> find(const std::string& name) {
     return std::dynamic_pointer_cast<T>(find(Rethold::typeOf<T>(), name));
