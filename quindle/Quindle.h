@@ -10,3 +10,4 @@
 #include "quindle/plan/evaluateQuindleExpr.h"
 #include "quindle/runtime/QuindleOps.h"
 #include "quindle/runtime/QuindleRuntime.h"
+#include "quindle/text/parseQuindle.h"

@@ -58,7 +58,9 @@ protected:
         if (step.writes) line += " writes";
         break;
       case QuindleRuntime::RunStep::Kind::Report: line += "report " + step.text; break;
-      case QuindleRuntime::RunStep::Kind::Let: line += "let " + step.name + " = " + step.value.toSource(); break;
+      case QuindleRuntime::RunStep::Kind::Let:
+        line += "let " + step.name + " = " + step.value.toSource();
+        break;
       case QuindleRuntime::RunStep::Kind::Run:
         line += "run " + step.name;
         for (std::size_t i = 0; i < step.args.size(); ++i)
@@ -77,7 +79,8 @@ protected:
   }
 };
 
-inline const std::string wholeNote = "note: This Quindle names no region, so it works on the whole of whatever it "
-                                     "is given rather than on a brushed area.";
+inline const std::string wholeNote =
+    "note: This Quindle names no region, so it works on the whole of whatever it "
+    "is given rather than on a brushed area.";
 
 } // namespace Zamt::Testing

@@ -17,14 +17,11 @@ TEST_F(RunProgramTest, BuildsOnceAndThenOnlyBindsAndFires) {
   EXPECT_EQ(result.settled, 3);
   EXPECT_THAT(result.report, ElementsAre("12 of 0"));
   EXPECT_EQ(diag.format(), "Test: " + wholeNote + "\nnote: Adding a class \"Noise\" with value 1.");
-  const Lines everyRun = {"set Quindle_Test_1_field1.minimum = 5",
-                          "connect Quindle_Test_2_classfield.grid <- Cloud",
-                          "fire Quindle_Test_2_classify.unselectAll",
-                          "settle",
-                          "fire Quindle_Test_2_classify.select",
-                          "settle",
-                          "fire Quindle_Test_2_classify.applySelection",
-                          "settle"};
+  const Lines everyRun = {
+      "set Quindle_Test_1_field1.minimum = 5",       "connect Quindle_Test_2_classfield.grid <- Cloud",
+      "fire Quindle_Test_2_classify.unselectAll",    "settle",
+      "fire Quindle_Test_2_classify.select",         "settle",
+      "fire Quindle_Test_2_classify.applySelection", "settle"};
   Lines firstRun = {"create Selection/BrushFilterByField Quindle_Test_1_field1",
                     "set Quindle_Test_1_field1.field = Amplitude",
                     "set Quindle_Test_1_field1.maximum = 10",
@@ -82,16 +79,17 @@ TEST_F(RunProgramTest, FiresNothingThatWritesInAPreview) {
 }
 
 TEST_F(RunProgramTest, SaysWhichBindingsHaveNoValueAndKeepsTheProgram) {
-  const QuindleDocument doc =
-      parsedRun("select field(f, low, high)\nclassify into \"Noise\"",
-                "param f : Text param low : Number = 1 param high : Number = pick param data : Grid = active");
+  const QuindleDocument doc = parsedRun(
+      "select field(f, low, high)\nclassify into \"Noise\"",
+      "param f : Text param low : Number = 1 param high : Number = pick param data : Grid = active");
   EXPECT_FALSE(run(doc));
   EXPECT_FALSE(result.ok);
-  const std::string missing =
-      "Test: error: No value for the parameter \"f\", and it has no default.\n"
-      "Test: error: The parameter \"high\" takes its value from the application, and none was supplied for this "
-      "run.\nTest: error: The parameter \"data\" takes its value from the application, and none was supplied for "
-      "this run.";
+  const std::string missing = "Test: error: No value for the parameter \"f\", and it has no default.\n"
+                              "Test: error: The parameter \"high\" takes its value from the application, and "
+                              "none was supplied for this "
+                              "run.\nTest: error: The parameter \"data\" takes its value from the "
+                              "application, and none was supplied for "
+                              "this run.";
   EXPECT_TRUE(diag.format().ends_with(missing)) << diag.format();
   calls();
   scene.refused = {"set Quindle_Test_1_field1.field = "};
@@ -104,9 +102,10 @@ TEST_F(RunProgramTest, SaysWhichBindingsHaveNoValueAndKeepsTheProgram) {
 }
 
 TEST_F(RunProgramTest, RunsOnlyTheStepsWhoseGuardHolds) {
-  const QuindleDocument doc = parsedRun("let big = n > 5\nif big { report \"big {n}\" } else { report \"small\" }\n"
-                                        "if not big {\nlet big = true\nif big { report \"now\" }\n}",
-                                        "param n : Number = 1");
+  const QuindleDocument doc =
+      parsedRun("let big = n > 5\nif big { report \"big {n}\" } else { report \"small\" }\n"
+                "if not big {\nlet big = true\nif big { report \"now\" }\n}",
+                "param n : Number = 1");
   EXPECT_TRUE(run(doc, {{"n", "7"}}));
   EXPECT_THAT(result.report, ElementsAre("big 7"));
   // The guard is worked out anew for each step, so a "let" of the block decides the steps behind it.
@@ -122,10 +121,12 @@ TEST_F(RunProgramTest, StopsAtTheFirstStepThatFails) {
   const Case cases[] = {
       {"if nope { report \"no\" }", "test.quindle:3:4: error: \"nope\" has no value here. It is neither a "
                                     "parameter of this Quindle nor set by an earlier \"let\"."},
-      {"let a = nope", "test.quindle:3:9: error: \"nope\" has no value here. It is neither a parameter of this "
-                       "Quindle nor set by an earlier \"let\"."},
+      {"let a = nope",
+       "test.quindle:3:9: error: \"nope\" has no value here. It is neither a parameter of this "
+       "Quindle nor set by an earlier \"let\"."},
       {"call Robot.go", "scene: error: refused: fire Robot.go"},
-      {"run \"X\"", "Test: error: \"Test\" runs \"X\", but nothing here knows how to find another Quindle by name."}};
+      {"run \"X\"",
+       "Test: error: \"Test\" runs \"X\", but nothing here knows how to find another Quindle by name."}};
   scene.refused = {"fire Robot.go"};
   for (const Case& one : cases) {
     runtime.forget("Test");
@@ -147,8 +148,9 @@ TEST_F(RunProgramTest, RunsNothingThatIsSwitchedOff) {
 }
 
 TEST_F(RunProgramTest, SaysWhyASelectionFailedAndWhatItsObjectsSay) {
-  const QuindleDocument doc = parsedRun("select field(\"A\", low, low) and class(kinds)\nclassify into \"Noise\"",
-                                        "param data : Field = active param low : Number = 1 param kinds : Text = a");
+  const QuindleDocument doc =
+      parsedRun("select field(\"A\", low, low) and class(kinds)\nclassify into \"Noise\"",
+                "param data : Field = active param low : Number = 1 param kinds : Text = a");
   ASSERT_TRUE(run(doc, cloud)) << diag.format();
   scene.objects["Quindle_Test_2_classify"].slots["problem"] = "There is no field A.";
   scene.objects["Quindle_Test_2_classify"].status = "never told";
@@ -166,10 +168,12 @@ TEST_F(RunProgramTest, NoticesThatTheEditorLostItsClass) {
   scene.objects["Quindle_Test_2_classify"].slots["labels"] = "LabelSet\n";
   for (const bool asPreview : {false, true}) {
     EXPECT_FALSE(run(doc, cloud, asPreview));
-    EXPECT_EQ(diag.format(),
-              "Test: error: The label set of \"Quindle_Test_2_classify\" names no class to put the points into, so "
-              "this cannot have changed anything. Something else is driving that label set: detach it, and let this "
-              "Quindle keep the one it plans for itself.");
+    EXPECT_EQ(
+        diag.format(),
+        "Test: error: The label set of \"Quindle_Test_2_classify\" names no class to put the points into, so "
+        "this cannot have changed anything. Something else is driving that label set: detach it, and let "
+        "this "
+        "Quindle keep the one it plans for itself.");
   }
   scene.objects["Quindle_Test_2_classify"].slots["labels"] = "";
   EXPECT_TRUE(run(doc, cloud));
@@ -204,20 +208,21 @@ TEST(BareSceneTest, IsEnoughToRunAndPreview) {
   BareScene bare;
   bare.full.presets["Edit/MaskedLabels"] = {{"modified", "4"}};
   QuindleRuntime runtime(bare);
-  const QuindleDocument doc =
-      parsedRun("select inside(r)\nclassify into \"Noise\"\nreport \"{selected}\"",
-                "param r : Region = brush param data : Grid = active");
+  const QuindleDocument doc = parsedRun("select inside(r)\nclassify into \"Noise\"\nreport \"{selected}\"",
+                                        "param r : Region = brush param data : Grid = active");
   QuindleRunResult result;
   Diag diag;
   EXPECT_TRUE(runtime.run(doc, cloud, false, result, diag)) << diag.format();
   EXPECT_THAT(result.report, ElementsAre("4"));
-  EXPECT_EQ(diag.format(), "QuindleBrush: warning: The brush was made but nothing is drawing into it, so there will "
-                           "be nothing to select until something does.\n"
-                           "note: Adding a class \"Noise\" with value 1.");
+  EXPECT_EQ(diag.format(),
+            "QuindleBrush: warning: The brush was made but nothing is drawing into it, so there will "
+            "be nothing to select until something does.\n"
+            "note: Adding a class \"Noise\" with value 1.");
   diag.clear();
   EXPECT_TRUE(runtime.run(doc, cloud, true, result, diag));
-  EXPECT_EQ(diag.format(), "Test: note: Nothing is displaying \"Cloud\", so there is no way to show what this would "
-                           "affect. The counts above are the whole of what this preview can tell you.");
+  EXPECT_EQ(diag.format(),
+            "Test: note: Nothing is displaying \"Cloud\", so there is no way to show what this would "
+            "affect. The counts above are the whole of what this preview can tell you.");
   diag.clear();
   EXPECT_EQ(bare.createConsumer("Cloud", "Display/Picture", "", diag), "");
   EXPECT_FALSE(bare.removeObject("Cloud", diag));
