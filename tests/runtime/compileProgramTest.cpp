@@ -11,14 +11,14 @@ using testing::IsEmpty;
 using CompileProgramTest = RuntimeTest;
 
 TEST_F(CompileProgramTest, BuildsObjectsAtOnceAndLeavesActionsBehind) {
-  const QuindleRuntime::Program program =
-      compiled(parsedRun("create tool = \"Edit/Tool\"\nset tool.size = 2.50\nset Sun.colour = (1, 0, 0)\n"
-                         "connect tool.grid <- Cloud.grid\nconnect tool.view <- View\n"
-                         "let a = 1\nif a > 0 { call tool.\"Do It.Now\"(1) } else { set tool.name = idle }\n"
-                         "run \"Other\"(b: a)\nreport \"done\""));
+  const QuindleRuntime::Program program = compiled(
+      parsedRun("create tool = \"Edit/Tool\"\nset tool.size = 2.50\nset Sun.visible = true\n"
+                "connect tool.grid <- Cloud.grid\nconnect tool.view <- View\n"
+                "let a = 1\nif a > 0 { call tool.\"Do It.Now\"(1) } else { set tool.name = \"idle\" }\n"
+                "run \"Other\"(b: a)\nreport \"done\""));
   EXPECT_THAT(calls(),
               ElementsAre("create Edit/Tool Quindle_Test_tool", "set Quindle_Test_tool.size = 2.50",
-                          "set Sun.colour = (1, 0, 0)", "connect Quindle_Test_tool.grid <- Cloud.grid",
+                          "set Sun.visible = true", "connect Quindle_Test_tool.grid <- Cloud.grid",
                           "connect Quindle_Test_tool.view <- View", "set Quindle_Test_tool.name = idle"));
   EXPECT_THAT(listed(program), ElementsAre("[] let a = 1", "[a > 0] fire tool.Do It.Now writes",
                                            "[] run Other b: a", "[] report done"));

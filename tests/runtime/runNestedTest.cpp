@@ -27,7 +27,7 @@ protected:
 
   /// Quindles Q0 to Q«last», each running the next.
   void addChain(int last) {
-    for (int i = 0; i < last; ++i) add("Q" + std::to_string(i), "run \"Q" + std::to_string(i + 1) + "\"");
+    for (int i = 0; i < last; ++i) add("Q" + std::to_string(i), "run \"Q" + std::to_string(i + 1) + "\"()");
     add("Q" + std::to_string(last), "report \"bottom\"");
   }
 };
@@ -59,8 +59,8 @@ TEST_F(RunNestedTest, SaysWhyANestedRunCannotBe) {
   library["Off"].enabled = false;
   const std::string at = "Test: error: ";
   const Case cases[] = {
-      {"run \"Gone\"", at + "\"Test\" runs \"Gone\", and there is no Quindle of that name."},
-      {"run \"Broken\"", at + "\"Test\" runs \"Broken\", which cannot be run: It has errors."},
+      {"run \"Gone\"()", at + "\"Test\" runs \"Gone\", and there is no Quindle of that name."},
+      {"run \"Broken\"()", at + "\"Test\" runs \"Broken\", which cannot be run: It has errors."},
       {"run \"Two\"(1)",
        at + "The arguments of a \"run\" step have to be named, as  run \"Two\"(margin: 0.5)."},
       {"run \"Two\"(c: nope)", at + "\"Two\" has no parameter called \"c\". It takes a, b."},
@@ -68,8 +68,8 @@ TEST_F(RunNestedTest, SaysWhyANestedRunCannotBe) {
       {"run \"Two\"(a: nope)",
        "test.quindle:2:14: error: \"nope\" has no value here. It is neither a parameter of "
        "this Quindle nor set by an earlier \"let\"."},
-      {"run \"Off\"", "Off: warning: \"Off\" is switched off.\n"
-                      "Test: note: This happened while \"Test\" was running \"Off\"."}};
+      {"run \"Off\"()", "Off: warning: \"Off\" is switched off.\n"
+                        "Test: note: This happened while \"Test\" was running \"Off\"."}};
   for (const Case& one : cases) {
     runtime.forget("Test");
     EXPECT_FALSE(run(parsedRun(one.step))) << one.step;
@@ -80,20 +80,20 @@ TEST_F(RunNestedTest, SaysWhyANestedRunCannotBe) {
 TEST_F(RunNestedTest, KeepsTheLinesOfAFailedRunAndStops) {
   add("In", "report \"one\"\nreport \"two\"\ncall Robot.go\nreport \"three\"");
   scene.refused = {"fire Robot.go"};
-  EXPECT_FALSE(run(parsedRun("run \"In\"\nreport \"after\"")));
+  EXPECT_FALSE(run(parsedRun("run \"In\"()\nreport \"after\"")));
   EXPECT_THAT(result.report, ElementsAre("one", "two"));
   EXPECT_EQ(diag.format(), "scene: error: refused: fire Robot.go\n"
                            "Test: note: This happened while \"Test\" was running \"In\".");
 }
 
 TEST_F(RunNestedTest, RefusesToGoRoundInCircles) {
-  const QuindleDocument self = add("A", "run \"A\"");
+  const QuindleDocument self = add("A", "run \"A\"()");
   EXPECT_FALSE(run(self));
   EXPECT_EQ(diag.format(), "A: error: \"A\" runs \"A\" runs \"A\" again, which would never stop.\n"
                            "A: note: This happened while \"A\" was running \"A\".");
-  const QuindleDocument first = add("B", "run \"C\"");
-  add("C", "run \"D\"");
-  add("D", "run \"C\"");
+  const QuindleDocument first = add("B", "run \"C\"()");
+  add("C", "run \"D\"()");
+  add("D", "run \"C\"()");
   EXPECT_FALSE(run(first));
   EXPECT_EQ(diag.firstError(), "\"B\" runs \"C\" runs \"D\" runs \"C\" again, which would never stop.");
 }
@@ -115,14 +115,15 @@ TEST_F(RunNestedTest, NestsSixteenDeepAndNoDeeper) {
 TEST_F(RunNestedTest, WalksOnAfterANestedRunReplacedTheProgram) {
   add("Test", "report \"inner\"");
   library["Test"].revision = 7;
-  const QuindleDocument doc = parsedRun("run \"Test\"\nreport \"outer, and long enough to lie on the heap\"");
+  const QuindleDocument doc =
+      parsedRun("run \"Test\"()\nreport \"outer, and long enough to lie on the heap\"");
   EXPECT_TRUE(run(doc)) << diag.format();
   EXPECT_THAT(result.report, ElementsAre("inner", "outer, and long enough to lie on the heap"));
 }
 
 TEST_F(RunNestedTest, KeepsTheProgramOfANestedQuindle) {
   add("In", "create tool = \"Edit/Tool\"");
-  const QuindleDocument doc = parsedRun("run \"In\"\nrun \"In\"");
+  const QuindleDocument doc = parsedRun("run \"In\"()\nrun \"In\"()");
   EXPECT_TRUE(run(doc));
   EXPECT_THAT(calls(), ElementsAre("create Edit/Tool Quindle_In_tool"));
 }

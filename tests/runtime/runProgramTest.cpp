@@ -108,7 +108,7 @@ TEST_F(RunProgramTest, RunsOnlyTheStepsWhoseGuardHolds) {
                 "param n : Number = 1");
   EXPECT_TRUE(run(doc, {{"n", "7"}}));
   EXPECT_THAT(result.report, ElementsAre("big 7"));
-  // The guard is worked out anew for each step, so a "let" of the block decides the steps behind it.
+
   EXPECT_TRUE(run(doc));
   EXPECT_THAT(result.report, ElementsAre("small"));
 }
@@ -125,7 +125,7 @@ TEST_F(RunProgramTest, StopsAtTheFirstStepThatFails) {
        "test.quindle:3:9: error: \"nope\" has no value here. It is neither a parameter of this "
        "Quindle nor set by an earlier \"let\"."},
       {"call Robot.go", "scene: error: refused: fire Robot.go"},
-      {"run \"X\"",
+      {"run \"X\"()",
        "Test: error: \"Test\" runs \"X\", but nothing here knows how to find another Quindle by name."}};
   scene.refused = {"fire Robot.go"};
   for (const Case& one : cases) {
@@ -159,7 +159,7 @@ TEST_F(RunProgramTest, SaysWhyASelectionFailedAndWhatItsObjectsSay) {
   EXPECT_FALSE(preview(doc, cloud));
   EXPECT_EQ(diag.format(),
             "Test: error: Nothing was selected, and not because nothing matched: There is no field A.\n"
-            "Test: note: \"Quindle_Test_1_field2\" says: no such field");
+            "Test: note: \"Quindle_Test_1_field1\" says: no such field");
 }
 
 TEST_F(RunProgramTest, NoticesThatTheEditorLostItsClass) {
