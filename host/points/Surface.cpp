@@ -124,7 +124,8 @@ void Surface::makeLevels(std::span<const std::uint8_t> levelOf, std::span<const 
     level.perCell = 1 / level.cell;
     // Cells farther out than this lie beyond what a double tells apart; they share the last one.
     constexpr double mostCells = 1U << 30U;
-    level.columns = static_cast<std::uint64_t>(std::min((bounds[2] - bounds[0]) * level.perCell, mostCells)) + 1;
+    level.columns =
+        static_cast<std::uint64_t>(std::min((bounds[2] - bounds[0]) * level.perCell, mostCells)) + 1;
     level.rows = static_cast<std::uint64_t>(std::min((bounds[3] - bounds[1]) * level.perCell, mostCells)) + 1;
     level.places = std::min(level.columns * level.rows, 8 * held[i] + 8);
     level.shared = level.places < level.columns * level.rows;
@@ -146,17 +147,17 @@ void Surface::buildIndex() {
   const double whole = std::max(bounds[2] - bounds[0], bounds[3] - bounds[1]);
   std::array<double, levelCount> cells{};
   for (int i = 0; i < levelCount; ++i)
-    cells[static_cast<std::size_t>(i)] =
-        std::max(*middle / cellsPerTypicalTriangle * std::pow(levelGrowth, i - levelsBelowTypical), whole * 1e-9);
+    cells[static_cast<std::size_t>(i)] = std::max(
+        *middle / cellsPerTypicalTriangle * std::pow(levelGrowth, i - levelsBelowTypical), whole * 1e-9);
   cells.back() = std::max(cells.back(), whole);
 
   // Beginning and end of a triangle may both lie in the midst of a cell, so it may reach over one cell more.
   std::vector<std::uint8_t> levelOf(triangles.size());
   for (std::size_t i = 0; i < triangles.size(); ++i)
-    levelOf[i] = static_cast<std::uint8_t>(std::find_if(cells.begin(), cells.end() - 1, [&](double cell) {
-                                             return extents[i] <= cell * (cellsPerSide - 1.01);
-                                           }) -
-                                           cells.begin());
+    levelOf[i] = static_cast<std::uint8_t>(
+        std::find_if(cells.begin(), cells.end() - 1,
+                     [&](double cell) { return extents[i] <= cell * (cellsPerSide - 1.01); }) -
+        cells.begin());
   makeLevels(levelOf, cells);
 
   // Count, add up, fill: the starts first hold the ends, and filling moves each back to its beginning.

@@ -65,7 +65,8 @@ private:
   bool addTriangle(const Mesh& mesh, const std::array<std::uint32_t, 3>& corners);
   void buildIndex();
   void makeLevels(std::span<const std::uint8_t> levelOf, std::span<const double> cellSizes);
-  template <typename Visit> void visitCells(const Triangle& triangle, const Level& level, Visit&& visit) const;
+  template <typename Visit>
+  void visitCells(const Triangle& triangle, const Level& level, Visit&& visit) const;
   bool heightAt(const Triangle& triangle, double x, double y, double& height) const;
 
   std::vector<Triangle> triangles;

@@ -34,8 +34,8 @@ public:
     const Bounds box = cloud.blockBounds(first);
     const auto& plan = surface->planBounds();
     const bool misses = box.empty() || box.high[0] < plan[0] - onSurfaceDistance ||
-                        box.high[1] < plan[1] - onSurfaceDistance || box.low[0] > plan[2] + onSurfaceDistance ||
-                        box.low[1] > plan[3] + onSurfaceDistance;
+                        box.high[1] < plan[1] - onSurfaceDistance ||
+                        box.low[0] > plan[2] + onSurfaceDistance || box.low[1] > plan[3] + onSurfaceDistance;
     return misses ? Coverage::None : Coverage::Some;
   }
 
