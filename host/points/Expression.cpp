@@ -410,8 +410,8 @@ std::optional<Expression> Expression::compile(std::string_view text, std::span<c
 }
 
 std::size_t Expression::columnLength() const {
-  constexpr std::size_t longest = 512;       // Four columns fit the nearest cache.
-  constexpr std::size_t values = 256 * 1024; // What all columns hold together, where the nesting allows it.
+  constexpr std::size_t longest = 512;    // Four columns fit the nearest cache.
+  constexpr std::size_t values = 262'144; // What all columns hold together, where the nesting allows it.
   return std::clamp<std::size_t>(values / std::max<std::size_t>(depth, 1), 1, longest);
 }
 
