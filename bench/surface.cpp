@@ -102,8 +102,19 @@ void aboveSurface(benchmark::State& state) {
   const Points& p = points(state.range(0) != 0);
   const Surface& surface = terrain();
   for (auto _ : state)
-    benchmark::DoNotOptimize(countParallel(
-        [&](std::size_t i) { return surface.verticalDistance(p.at(0, i), p.at(1, i), p.at(2, i)) > 0; }));
+    tbb::parallel_for(tbb::blocked_range<std::size_t>(0, pointCount, blockPoints), [&](const auto& range) {
+      constexpr std::size_t tile = 1024;
+      std::array<std::array<double, tile>, 3> columns;
+      std::array<double, tile> distances;
+      for (std::size_t start = range.begin(); start < range.end(); start += tile) {
+        const std::size_t count = std::min(tile, range.end() - start);
+        for (std::size_t axis = 0; axis < 3; ++axis)
+          for (std::size_t i = 0; i < count; ++i) columns[axis][i] = p.at(axis, start + i);
+        surface.verticalDistances(columns[0], columns[1], columns[2], std::span(distances).first(count));
+        benchmark::DoNotOptimize(
+            std::count_if(distances.begin(), distances.end(), [](double d) { return d > 0; }));
+      }
+    });
   report(state);
 }
 
