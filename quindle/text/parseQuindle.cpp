@@ -1,0 +1,219 @@
+#include "quindle/text/parseQuindle.h"
+
+#include "quindle/text/StepReader.h"
+#include "quindle/text/TokenReader.h"
+#include "quindle/text/readValue.h"
+
+#include <array>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
+
+namespace Zamt {
+
+namespace {
+
+struct Setting {
+  std::string_view word;
+  const char* what;
+  std::string QuindleDocument::*field;
+};
+
+constexpr std::array<Setting, 6> settings{{
+    {"description", "the description", &QuindleDocument::description},
+    {"category", "the category", &QuindleDocument::category},
+    {"icon", "the icon", &QuindleDocument::icon},
+    {"shortcut", "the shortcut", &QuindleDocument::shortcut},
+    {"author", "the author", &QuindleDocument::author},
+    {"version", "the version", &QuindleDocument::version},
+}};
+
+constexpr std::array<std::pair<std::string_view, QuindleParam::DefaultSource>, 3> defaultSources{{
+    {"pick", QuindleParam::DefaultSource::Pick},
+    {"brush", QuindleParam::DefaultSource::Brush},
+    {"active", QuindleParam::DefaultSource::Active},
+}};
+
+constexpr std::array<std::pair<std::string_view, QuindleTrigger::Kind>, 4> occasions{{
+    {"run", QuindleTrigger::Kind::Run},
+    {"key", QuindleTrigger::Kind::Key},
+    {"tile.enter", QuindleTrigger::Kind::TileEnter},
+    {"load", QuindleTrigger::Kind::Load},
+}};
+
+void replaceNamedSource(QuindleParam& param) {
+  if (param.defaultValue.kind != QuindleValue::Kind::Identifier) return;
+  for (const auto& [word, source] : defaultSources) {
+    if (param.defaultValue.textValue != word) continue;
+    param.defaultSource = source;
+    param.defaultValue = {};
+    return;
+  }
+}
+
+/// Reads the outer shape of a file: its head, settings, parameters and triggers.
+class FileReader {
+public:
+  FileReader(const std::string& source, const std::string& file, QuindleDocument& doc, Diag& diag)
+      : tokens_(source, file, diag), steps_(tokens_), file_(file), doc_(doc), diag_(diag) {}
+
+  bool read();
+
+private:
+  void readItem();
+  bool readSetting();
+  void readTags();
+  void readEnabled();
+  void readParam();
+  bool readRange(QuindleParam& param);
+  void addParam(QuindleParam&& param);
+  bool isParamName(const std::string& name);
+  void readTrigger();
+  bool readOccasion(QuindleTrigger& trigger);
+
+  TokenReader tokens_;
+  StepReader steps_;
+  const std::string& file_;
+  QuindleDocument& doc_;
+  Diag& diag_;
+  std::unordered_set<std::string> paramNames_; ///< Filled once there are too many to look through.
+};
+
+bool FileReader::read() {
+  doc_.sourceFile = file_;
+  if (!tokens_.acceptWord("quindle")) {
+    tokens_.failFound("A Quindle file starts with the word \"quindle\", but this one starts with ");
+    return false;
+  }
+  doc_.name = tokens_.expectText("the Quindle's name");
+  if (!tokens_.expectSymbol("{")) return false;
+  while (!tokens_.atBlockEnd()) readItem();
+  if (!tokens_.expectSymbol("}")) return false;
+  if (doc_.triggers.empty())
+    diag_.warning(
+        "This Quindle has no trigger, so nothing will ever run it. Add an \"on run { ... }\" block.", file_);
+  return diag_.errorCount == 0;
+}
+
+void FileReader::readItem() {
+  if (tokens_.isWord("param"))
+    readParam();
+  else if (tokens_.isWord("on"))
+    readTrigger();
+  else if (tokens_.acceptWord("tags"))
+    readTags();
+  else if (tokens_.acceptWord("enabled"))
+    readEnabled();
+  else if (!readSetting()) {
+    tokens_.failFound("Expected a setting, a parameter or a trigger, but found ");
+    tokens_.recover();
+    const bool beginsItem = tokens_.isWord("param") || tokens_.isWord("on");
+    if (!beginsItem && !tokens_.atBlockEnd()) tokens_.advance();
+  }
+}
+
+bool FileReader::readSetting() {
+  for (const Setting& setting : settings) {
+    if (!tokens_.acceptWord(setting.word)) continue;
+    doc_.*setting.field = tokens_.expectText(setting.what);
+    return true;
+  }
+  return false;
+}
+
+void FileReader::readTags() {
+  do doc_.tags.push_back(tokens_.expectText("a tag"));
+  while (tokens_.acceptSymbol(","));
+}
+
+void FileReader::readEnabled() {
+  if (tokens_.acceptWord("true"))
+    doc_.enabled = true;
+  else if (tokens_.acceptWord("false"))
+    doc_.enabled = false;
+  else
+    tokens_.fail("Expected \"true\" or \"false\" after \"enabled\".");
+}
+
+void FileReader::readParam() {
+  QuindleParam param;
+  param.line = tokens_.current().line;
+  tokens_.advance();
+  param.name = tokens_.expectWord("a parameter name");
+  if (!tokens_.expectSymbol(":")) {
+    tokens_.recover();
+    return;
+  }
+  param.type = tokens_.expectWord("the parameter's type");
+  if (tokens_.acceptSymbol("=")) {
+    readValue(tokens_, param.defaultValue);
+    replaceNamedSource(param);
+  }
+  if (tokens_.acceptSymbol("[") && !readRange(param)) {
+    tokens_.recover();
+    return;
+  }
+  if (tokens_.current().kind == Token::Kind::Text) param.help = tokens_.expectText("the help text");
+  addParam(std::move(param));
+}
+
+bool FileReader::readRange(QuindleParam& param) {
+  readValue(tokens_, param.minimum);
+  if (!tokens_.expectSymbol("..")) return false;
+  readValue(tokens_, param.maximum);
+  return tokens_.expectSymbol("]");
+}
+
+void FileReader::addParam(QuindleParam&& param) {
+  if (isParamName(param.name)) {
+    diag_.at(Diag::Severity::Error, "There is already a parameter called \"" + param.name + "\".", file_,
+             param.line, 0);
+    return;
+  }
+  if (!paramNames_.empty()) paramNames_.insert(param.name);
+  doc_.params.push_back(std::move(param));
+}
+
+bool FileReader::isParamName(const std::string& name) {
+  // Looking through a few names is faster than hashing them; looking through many costs their square.
+  constexpr std::size_t fewParams = 32;
+  if (doc_.params.size() < fewParams) return doc_.findParam(name) != nullptr;
+  if (paramNames_.empty())
+    for (const QuindleParam& param : doc_.params) paramNames_.insert(param.name);
+  return paramNames_.count(name) != 0;
+}
+
+void FileReader::readTrigger() {
+  QuindleTrigger trigger;
+  trigger.line = tokens_.current().line;
+  tokens_.advance();
+  if (!readOccasion(trigger)) {
+    tokens_.failFound("Expected \"run\", \"key\", \"tile.enter\" or \"load\" after \"on\", but found ");
+    tokens_.recover();
+  } else if (steps_.readBlock(trigger.steps)) {
+    doc_.triggers.push_back(std::move(trigger));
+  } else {
+    tokens_.recover();
+  }
+}
+
+bool FileReader::readOccasion(QuindleTrigger& trigger) {
+  for (const auto& [word, kind] : occasions) {
+    if (!tokens_.acceptWord(word)) continue;
+    trigger.kind = kind;
+    if (kind == QuindleTrigger::Kind::Key) trigger.key = tokens_.expectText("the key to bind");
+    return true;
+  }
+  return false;
+}
+
+} // namespace
+
+bool parseQuindle(const std::string& text, const std::string& file, QuindleDocument& doc, Diag& diag) {
+  // Both may be fields of the document that is about to be filled.
+  const std::string source = text;
+  const std::string fileName = file;
+  return FileReader(source, fileName, doc, diag).read();
+}
+
+} // namespace Zamt
