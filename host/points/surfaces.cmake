@@ -1,1 +1,8 @@
-target_sources(quindle-points PRIVATE)
+target_sources(quindle-points PRIVATE
+  Expression.cpp
+  ExpressionFilter.cpp
+  MeshParsers.cpp
+  Surface.cpp
+  SurfaceFile.cpp
+  SurfaceFilter.cpp
+)
