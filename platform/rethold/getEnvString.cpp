@@ -9,4 +9,8 @@ std::string getEnvString(const std::string& name, const std::string& fallback) {
   return value ? value : fallback;
 }
 
+std::string getEnvString(const std::string& name, std::nullptr_t /*fallback*/) {
+  return getEnvString(name, std::string());
+}
+
 } // namespace Rethold

@@ -1,16 +1,15 @@
 #pragma once
 
-#include <string>
+#include "rethold/Export.h"
 
-#if defined(_WIN32)
-#define QUINDLE_PLATFORM_API
-#else
-#define QUINDLE_PLATFORM_API __attribute__((visibility("default")))
-#endif
+#include <string>
 
 namespace Rethold {
 
 /// The environment variable `name`, or `fallback` if it is not set.
 QUINDLE_PLATFORM_API std::string getEnvString(const std::string& name, const std::string& fallback);
+
+/// The environment variable `name`, or empty text if it is not set.
+QUINDLE_PLATFORM_API std::string getEnvString(const std::string& name, std::nullptr_t fallback);
 
 } // namespace Rethold

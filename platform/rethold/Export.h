@@ -1,0 +1,9 @@
+#pragma once
+
+/// Marks what the platform library exports. Templates and their specialisations carry it too, so that a
+/// value's type is the same type in every library that is loaded.
+#if defined(_WIN32)
+#define QUINDLE_PLATFORM_API
+#else
+#define QUINDLE_PLATFORM_API __attribute__((visibility("default")))
+#endif

@@ -1,0 +1,140 @@
+#include "quindle/plan/compileClassify.h"
+
+#include "quindle/core/Tree.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <string_view>
+
+namespace Zamt {
+
+namespace {
+
+constexpr const char* editorCreator = "Edit/MaskedLabels";
+constexpr const char* editorBase = "classify";
+constexpr const char* fieldCreator = "Lattix/Field";
+constexpr const char* fieldBase = "classfield";
+constexpr const char* usualField = "Classification@Classification";
+constexpr const char* fieldType = "Field";
+constexpr const char* gridType = "Grid";
+constexpr const char* classCondition = "class";
+
+constexpr std::int32_t noNumber = -1;
+
+bool refuse(const QuindleStep& step, const std::string& message, Diag& diag) {
+  diag.at(Diag::Severity::Error, message, {}, step.line, 0);
+  return false;
+}
+
+/// The class number that a step asks for, negative for none. Nothing if it is no number, or none that a
+/// class can have.
+std::optional<std::int32_t> classNumberOf(const QuindleValue& written) {
+  if (written.kind == QuindleValue::Kind::None) return noNumber;
+  if (written.kind != QuindleValue::Kind::Number) return std::nullopt;
+  const double whole = std::trunc(written.numberValue);
+  using Limits = std::numeric_limits<std::int32_t>;
+  // Written so that a value that is no number at all is out of range too.
+  if (!(whole >= Limits::min() && whole <= Limits::max())) return std::nullopt;
+  return static_cast<std::int32_t>(whole);
+}
+
+const QuindleParam* firstOfType(const QuindleDocument& document, std::string_view type) {
+  const auto found = std::find_if(document.params.begin(), document.params.end(),
+                                  [&](const QuindleParam& param) { return param.type == type; });
+  return found == document.params.end() ? nullptr : &*found;
+}
+
+bool labelEditor(const std::string& editor, const std::string& className, std::int32_t number,
+                 const std::vector<std::string>& selectedClasses, const QuindleValue& colour, QuindleOps& ops,
+                 Diag& diag) {
+  // A scene with no labels to read is no fault: the set then starts empty.
+  std::string current;
+  Diag harmless;
+  if (!ops.getParam(editor, "labels", current, harmless)) current.clear();
+  std::string planned;
+  std::int32_t assigned = noNumber;
+  return planClassLabels(current, className, number, selectedClasses, colour, planned, assigned, diag) &&
+         ops.setParam(editor, "labels", planned, diag);
+}
+
+/// Makes the object that reads the usual classification of a cloud and feeds it to the editor. Returns its
+/// name, or empty text.
+std::string readUsualField(const std::string& editor, const std::string& prefix, QuindleOps& ops,
+                           Diag& diag) {
+  const std::string field = ops.create(fieldCreator, prefix + fieldBase, diag);
+  const bool wired = !field.empty() && ops.setParam(field, "fieldname", usualField, diag) &&
+                     ops.connect(editor, "labelfield", field, "field", diag);
+  return wired ? field : std::string();
+}
+
+/// Appends the pieces between commas, without the blanks around them.
+void appendPieces(std::string_view text, std::vector<std::string>& pieces) {
+  while (!text.empty()) {
+    const std::size_t comma = std::min(text.find(','), text.size());
+    const std::string_view piece = text.substr(0, comma);
+    text.remove_prefix(std::min(comma + 1, text.size()));
+    const std::size_t first = piece.find_first_not_of(' ');
+    if (first == std::string_view::npos) continue;
+    pieces.emplace_back(piece.substr(first, piece.find_last_not_of(' ') - first + 1));
+  }
+}
+
+bool namesClasses(const QuindlePlanNode& node) {
+  return node.kind == QuindlePlanNode::Kind::Condition && node.operation &&
+         node.operation->name == classCondition && !node.negated && !node.arguments.empty() &&
+         node.arguments.front().kind == QuindleExpr::Kind::Literal;
+}
+
+} // namespace
+
+bool compileClassify(const QuindleStep& step, const std::vector<std::string>& selectedClasses,
+                     const QuindleDocument& document, QuindleOps& ops, const std::string& source,
+                     const std::string& prefix, std::string& out, std::vector<QuindleBinding>& bindings,
+                     Diag& diag) {
+  if (step.value.kind != QuindleExpr::Kind::Literal || step.value.value.kind != QuindleValue::Kind::Text)
+    return refuse(step, "A classify step needs the name of a class in quotes.", diag);
+  const std::optional<std::int32_t> number = classNumberOf(step.classNumber);
+  if (!number) return refuse(step, "The class number after \"as\" has to be a plain number.", diag);
+  const QuindleParam* const field = firstOfType(document, fieldType);
+  const QuindleParam* const grid = firstOfType(document, gridType);
+  if (!field && !grid)
+    return refuse(step,
+                  "This Quindle classifies points but never says which data to classify. Add a parameter of "
+                  "type Field for the classification itself, or of type Grid for the cloud it belongs to.",
+                  diag);
+
+  const std::string editor = ops.create(editorCreator, prefix + editorBase, diag);
+  // The labels are read only when the selection is attached, since it may bring them along.
+  if (editor.empty() || !ops.connect(editor, "brush", source, "", diag) ||
+      !labelEditor(editor, step.value.value.textValue, *number, selectedClasses, step.color, ops, diag))
+    return false;
+  if (field) {
+    bindings.push_back({editor, "labelfield", field->name, true});
+  } else {
+    const std::string reader = readUsualField(editor, prefix, ops, diag);
+    if (reader.empty()) return false;
+    bindings.push_back({reader, "grid", grid->name, true});
+  }
+  out = editor;
+  return true;
+}
+
+void collectPlanClasses(const QuindlePlanNode& plan, std::vector<std::string>& classes) {
+  static const std::vector<QuindlePlanNode> none;
+  const auto required = [](const QuindlePlanNode& node) -> const std::vector<QuindlePlanNode>& {
+    return node.kind == QuindlePlanNode::Kind::And ? node.children : none;
+  };
+  tree::walk(plan, required, [&](const QuindlePlanNode& node, const QuindlePlanNode*, std::size_t) {
+    if (namesClasses(node)) appendPieces(node.arguments.front().value.textValue, classes);
+  });
+}
+
+bool isQuindleObjectType(const std::string& typeName) {
+  static constexpr std::array<std::string_view, 4> objectTypes{gridType, fieldType, "Region", "Brush"};
+  return std::find(objectTypes.begin(), objectTypes.end(), typeName) != objectTypes.end();
+}
+
+} // namespace Zamt

@@ -1,0 +1,190 @@
+#include "quindle/plan/compileSelect.h"
+
+#include "quindle/plan/compileClassify.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Zamt {
+
+namespace {
+
+constexpr const char* inputSlot = "brush";
+constexpr const char* otherInputSlot = "otherbrush";
+constexpr const char* invertSlot = "invert";
+constexpr const char* joiningCreator = "Selection/BrushFilterAny";
+constexpr const char* joiningBase = "any";
+constexpr const char* regionCondition = "inside";
+
+using PlanKind = QuindlePlanNode::Kind;
+
+/// What came of a node: the object at its end, which counts on failure too.
+struct Compiled {
+  bool ok;
+  std::string out;
+};
+
+class SelectCompiler {
+public:
+  SelectCompiler(const QuindleDocument& forDocument, QuindleOps& onScene, const std::string& namePrefix,
+                 std::vector<QuindleBinding>& allBindings, Diag& toDiag)
+      : document(forDocument), ops(onScene), prefix(namePrefix), bindings(allBindings), diag(toDiag) {}
+
+  Compiled compile(const QuindlePlanNode& root, const std::string& source) {
+    Compiled last{true, source};
+    enter(root, source, last);
+    while (!stack.empty()) {
+      Frame& top = stack.back();
+      if (!top.stopped && top.next < top.node->children.size()) {
+        const QuindlePlanNode& child = top.node->children[top.next++];
+        // A copy: entering the child may move the frames.
+        const std::string from = top.node->kind == PlanKind::And ? top.current : top.source;
+        if (!enter(child, from, last)) continue;
+      } else {
+        last = {top.ok, std::move(top.current)};
+        stack.pop_back();
+      }
+      if (!stack.empty()) fold(stack.back(), last);
+    }
+    return last;
+  }
+
+private:
+  /// An And or Or whose children are being compiled.
+  struct Frame {
+    const QuindlePlanNode* node;
+    std::string source;
+    std::string current; // end of the chain so far; of an Or, what joins the branches so far
+    std::size_t next;
+    bool ok;
+    bool hasBranch;
+    bool stopped; // nothing more is done for this node
+  };
+
+  /// Compiles a node that has no children to wait for: true, with what came of it. Otherwise a frame is
+  /// opened.
+  bool enter(const QuindlePlanNode& node, const std::string& source, Compiled& compiled) {
+    switch (node.kind) {
+    case PlanKind::And: stack.push_back({&node, source, source, 0, true, false, false}); return false;
+    case PlanKind::Or:
+      if (!node.children.empty()) {
+        stack.push_back({&node, source, {}, 0, true, false, false});
+        return false;
+      }
+      diag.at(Diag::Severity::Error, "An \"or\" with nothing in it.", {}, node.line, 0);
+      break;
+    case PlanKind::Condition:
+      if (!node.operation) break;
+      compiled = {true, source};
+      if (!startsAtBrush(node)) compileCondition(node, source, compiled);
+      return true;
+    }
+    compiled = {false, source};
+    return true;
+  }
+
+  void fold(Frame& frame, Compiled& child) {
+    if (!child.ok) {
+      frame.ok = false;
+    } else if (frame.node->kind == PlanKind::And || !frame.hasBranch) {
+      frame.current = std::move(child.out);
+      frame.hasBranch = true;
+    } else {
+      join(frame, child.out);
+    }
+  }
+
+  void join(Frame& frame, const std::string& branch) {
+    const std::string object = ops.create(joiningCreator, objectName(joiningBase), diag);
+    if (object.empty()) {
+      frame.ok = false;
+      frame.stopped = true;
+      frame.current = frame.source;
+      return;
+    }
+    if (!ops.connect(object, inputSlot, frame.current, "", diag) ||
+        !ops.connect(object, otherInputSlot, branch, "", diag))
+      frame.ok = false;
+    frame.current = object;
+  }
+
+  /// Whether a condition asks for the region that the user paints, which is where the chain starts anyway.
+  bool startsAtBrush(const QuindlePlanNode& node) const {
+    if (node.operation->name != regionCondition || node.negated || node.arguments.empty()) return false;
+    const QuindleExpr& region = node.arguments.front();
+    if (region.kind != QuindleExpr::Kind::Reference) return false;
+    const QuindleParam* const param = document.findParam(region.name);
+    return param && param->defaultSource == QuindleParam::DefaultSource::Brush;
+  }
+
+  void compileCondition(const QuindlePlanNode& node, const std::string& source, Compiled& compiled) {
+    const QuindleOperation& operation = *node.operation;
+    const std::string object = ops.create(operation.creator, objectName(operation.name), diag);
+    if (object.empty() || (!source.empty() && !ops.connect(object, inputSlot, source, "", diag))) {
+      compiled.ok = false;
+      return;
+    }
+    const auto set = [&](const std::string& slot, const std::string& value) {
+      if (!ops.setParam(object, slot, value, diag)) compiled.ok = false;
+    };
+    const std::size_t count = std::min(operation.params.size(), node.arguments.size());
+    for (std::size_t i = 0; i < count; ++i) {
+      const QuindleExpr& argument = node.arguments[i];
+      if (argument.kind == QuindleExpr::Kind::Literal)
+        set(operation.params[i].slot, argument.value.toPlainText());
+      else if (!bind(node, object, operation.params[i], argument))
+        compiled.ok = false;
+    }
+    for (const auto& [slot, value] : operation.fixed) set(slot, value.toPlainText());
+    if (node.negated) set(invertSlot, "true");
+    compiled.out = object;
+  }
+
+  /// An argument that is not written out: a parameter is bound, anything else is an error.
+  bool bind(const QuindlePlanNode& node, const std::string& object, const QuindleOpParam& target,
+            const QuindleExpr& argument) {
+    const std::string& condition = node.operation->name;
+    if (argument.kind != QuindleExpr::Kind::Reference) {
+      diag.at(Diag::Severity::Error,
+              "The \"" + target.name + "\" of \"" + condition + "\" is " + argument.toSource() +
+                  ", which cannot be worked out here.",
+              condition, node.line, 0);
+      return false;
+    }
+    const QuindleParam* const param = document.findParam(argument.name);
+    if (!param) {
+      diag.at(
+          Diag::Severity::Error,
+          "\"" + argument.name +
+              "\" is not a parameter of this Quindle. Declare it with \"param\", or put it in quotes if it "
+              "is the name of something in the data.",
+          condition, argument.line, argument.column);
+      return false;
+    }
+    bindings.push_back({object, target.slot, param->name, isQuindleObjectType(param->type)});
+    return true;
+  }
+
+  /// The name to ask for; the number serves the whole select, so that no two are alike.
+  std::string objectName(const std::string& base) { return prefix + base + std::to_string(++counter); }
+
+  const QuindleDocument& document;
+  QuindleOps& ops;
+  const std::string prefix; // a copy: the caller's text may be the one that receives the result
+  std::vector<QuindleBinding>& bindings;
+  Diag& diag;
+  std::int32_t counter = 0;
+  std::vector<Frame> stack;
+};
+
+} // namespace
+
+bool compileSelect(const QuindlePlanNode& plan, const QuindleDocument& document, QuindleOps& ops,
+                   const std::string& source, const std::string& prefix, std::string& out,
+                   std::vector<QuindleBinding>& bindings, Diag& diag) {
+  Compiled compiled = SelectCompiler(document, ops, prefix, bindings, diag).compile(plan, source);
+  out = std::move(compiled.out);
+  return compiled.ok;
+}
+
+} // namespace Zamt
