@@ -1,0 +1,47 @@
+#pragma once
+
+#include "host/points/PointCloud.h"
+#include "host/points/PointMask.h"
+
+#include "cadmer/LabelSet.h"
+#include "rethold/Pointer.h"
+#include "sorbine/VValue.h"
+
+#include <map>
+#include <memory>
+#include <string>
+
+namespace Zamt::Host {
+
+/// One point cloud as the objects of the graph see it: the points, the classes that the data brings, and the
+/// masks that editors wrote. Shared by everything that reads the cloud.
+struct Grid {
+  std::shared_ptr<PointCloud> cloud;
+
+  /// The classes of the file's lookup record, or the standard ones of a file that brings none.
+  LabelSet labels;
+
+  /// Whether `labels` came from the file.
+  bool ownLabels = false;
+
+  /// What editors selected, by the name of the field that holds it.
+  std::map<std::string, PointMask> masks;
+
+  /// Classes that points were put into and that the data has no name for yet.
+  std::map<std::uint8_t, std::string> addedClasses;
+};
+
+/// Opens the cloud at `path` with its classes. Null when it can't be used, with a sentence in `problem`.
+Rethold::StrongPtr<Grid> openGrid(const std::string& path, std::string& problem);
+
+/// One field of a cloud, which may not be there.
+struct FieldHandle {
+  Rethold::StrongPtr<Grid> grid;
+  std::string name;
+};
+
+/// What a brush publishes. Which points it keeps is worked out from the object that publishes it and the
+/// objects in front of that one, once a cloud is at hand.
+struct Brush {};
+
+} // namespace Zamt::Host
