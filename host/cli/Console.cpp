@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -57,7 +58,7 @@ void Console::printLine(std::string_view text) {
   print("\n");
 }
 
-void Console::print(const nlohmann::json& value) {
+void Console::printJson(const nlohmann::json& value) {
   printLine(value.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
 }
 
@@ -89,7 +90,8 @@ void Console::progress(std::string_view what, std::uint64_t done, std::uint64_t 
   constexpr std::size_t width = 30;
   const std::size_t filled = static_cast<std::size_t>(static_cast<double>(width) * static_cast<double>(done) /
                                                       static_cast<double>(total));
-  const std::string bar = std::string(std::min(filled, width), '=') + std::string(width - std::min(filled, width), ' ');
+  const std::string bar =
+      std::string(std::min(filled, width), '=') + std::string(width - std::min(filled, width), ' ');
   writeAll(STDERR_FILENO, fmt::format("\r[{}] {} of {}  {}\x1b[K", bar, done, total, what));
   progressShown = true;
 }

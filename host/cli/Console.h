@@ -30,7 +30,7 @@ public:
   void printLine(std::string_view text);
 
   /// Adds a JSON value as the result, indented. Bytes that are no UTF-8 become U+FFFD.
-  void print(const nlohmann::json& value);
+  void printJson(const nlohmann::json& value);
 
   /// Prints each diagnostic as one line, in its one text form.
   void report(const Diag& diag);

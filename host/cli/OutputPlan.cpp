@@ -56,15 +56,18 @@ bool refuseDoubles(const std::vector<std::string>& outputs, std::string& problem
   return true;
 }
 
-bool refuseReplacing(const OutputRequest& request, const std::vector<std::string>& outputs, std::string& problem) {
+bool refuseReplacing(const OutputRequest& request, const std::vector<std::string>& outputs,
+                     std::string& problem) {
   std::set<std::string> inputs;
   for (const std::string& input : request.inputs) inputs.insert(sameSpelling(input));
   std::error_code error;
   for (const std::string& output : outputs) {
     if (inputs.count(sameSpelling(output)) != 0)
-      problem = fmt::format("\"{}\" is one of the clouds that are read. Write --in-place to change it.", output);
+      problem =
+          fmt::format("\"{}\" is one of the clouds that are read. Write --in-place to change it.", output);
     else if (!request.force && fs::exists(output, error))
-      problem = fmt::format("There is already a file \"{}\". Name another, or write --force to replace it.", output);
+      problem = fmt::format("There is already a file \"{}\". Name another, or write --force to replace it.",
+                            output);
     if (!problem.empty()) return false;
   }
   return true;

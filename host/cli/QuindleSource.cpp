@@ -42,9 +42,11 @@ std::string readAll(int file, std::string& text) {
     const ssize_t got = ::read(file, buffer.data(), buffer.size());
     if (got == 0) return {};
     if (got < 0 && errno == EINTR) continue;
-    if (got < 0) return fmt::format("This can't be read: {}. Name a file that holds a Quindle.", std::strerror(errno));
+    if (got < 0)
+      return fmt::format("This can't be read: {}. Name a file that holds a Quindle.", std::strerror(errno));
     text.append(buffer.data(), static_cast<std::size_t>(got));
-    if (text.size() > maxQuindleBytes) return "This is too large to be a Quindle. Name a file that holds one.";
+    if (text.size() > maxQuindleBytes)
+      return "This is too large to be a Quindle. Name a file that holds one.";
   }
   return interruptedMessage;
 }

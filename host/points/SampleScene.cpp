@@ -9,7 +9,15 @@ namespace Zamt::Host {
 namespace {
 
 /// The standard classes that occur.
-enum Class : std::uint8_t { Unclassified = 1, Ground = 2, LowPlants = 3, MediumPlants = 4, HighPlants = 5, Building = 6, Water = 9 };
+enum Class : std::uint8_t {
+  Unclassified = 1,
+  Ground = 2,
+  LowPlants = 3,
+  MediumPlants = 4,
+  HighPlants = 5,
+  Building = 6,
+  Water = 9
+};
 
 /// splitmix64, by Steele, Lea and Flood, "Fast splittable pseudorandom number generators", 2014.
 std::uint64_t mix(std::uint64_t value) {
@@ -109,7 +117,7 @@ constexpr double shrubShare = 0.10;
 /// Positions here are relative to the scene's corner.
 class Maker {
 public:
-  explicit Maker(std::uint64_t seed) : seed(mix(seed ^ 0x5175696e646c65ULL)), random(this->seed) {
+  explicit Maker(std::uint64_t start) : seed(mix(start)), random(seed) {
     placeHouses();
     placeTrees();
   }
@@ -178,8 +186,8 @@ private:
   }
 
   /// A single return at a place, with what its material does to the light.
-  SamplePoint make(double x, double y, double z, const std::array<double, 3>& normal, std::uint8_t classNumber,
-                   double amplitude, double spread) {
+  SamplePoint make(double x, double y, double z, const std::array<double, 3>& normal,
+                   std::uint8_t classNumber, double amplitude, double spread) {
     SamplePoint point;
     point.x = sampleOrigin[0] + std::clamp(x, 0.0, sampleSize[0]);
     point.y = sampleOrigin[1] + std::clamp(y, 0.0, sampleSize[1]);
@@ -194,16 +202,18 @@ private:
 
   void setReturns(SamplePoint& point, double last) {
     point.returns = static_cast<std::uint8_t>(2 + static_cast<int>(3 * random.unit()));
-    point.returnNumber = random.chance(last)
-                             ? point.returns
-                             : static_cast<std::uint8_t>(1 + static_cast<int>((point.returns - 1) * random.unit()));
+    point.returnNumber =
+        random.chance(last)
+            ? point.returns
+            : static_cast<std::uint8_t>(1 + static_cast<int>((point.returns - 1) * random.unit()));
   }
 
   SamplePoint noise() {
     const double x = random.between(0, sampleSize[0]);
     const double y = random.between(0, sampleSize[1]);
     const double off = random.chance(0.6) ? random.between(30, 120) : -random.between(8, 40);
-    return make(x, y, groundAt(x, y) + off, random.direction(), random.chance(0.5) ? Unclassified : Ground, 6, 3);
+    return make(x, y, groundAt(x, y) + off, random.direction(), random.chance(0.5) ? Unclassified : Ground, 6,
+                3);
   }
 
   SamplePoint wall() {
@@ -215,7 +225,8 @@ private:
     const double y = alongX ? house.south + (far ? house.depth : 0) : house.south + side - house.width;
     const double top = alongX ? house.roofAt(x) : house.eaves;
     const double outward = far ? 1 : -1;
-    const std::array<double, 3> normal{alongX ? 0 : outward, alongX ? outward : 0, random.between(-0.05, 0.05)};
+    const std::array<double, 3> normal{alongX ? 0 : outward, alongX ? outward : 0,
+                                       random.between(-0.05, 0.05)};
     const std::uint8_t classNumber = random.chance(0.85) ? Unclassified : HighPlants;
     const double foot = groundAt(x, y);
     return make(x, y, random.between(std::min(foot, top), top), normal, classNumber, 120, 12);
@@ -291,7 +302,9 @@ void flyStrips(std::vector<SamplePoint>& points) {
   constexpr double speed = 50;
   constexpr double stripSeconds = 60;
   constexpr double start = 350'000'000;
-  const auto stripOf = [](const SamplePoint& point) { return std::floor((point.y - sampleOrigin[1]) / stripWidth); };
+  const auto stripOf = [](const SamplePoint& point) {
+    return std::floor((point.y - sampleOrigin[1]) / stripWidth);
+  };
   std::stable_sort(points.begin(), points.end(), [&](const SamplePoint& a, const SamplePoint& b) {
     return stripOf(a) != stripOf(b) ? stripOf(a) < stripOf(b) : a.x < b.x;
   });

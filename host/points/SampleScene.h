@@ -22,8 +22,8 @@ struct SamplePoint {
   double gpsTime = 0;           ///< Adjusted standard time.
 };
 
-/// A made-up scene to try Quindles on: rolling ground with a lake, low, medium and high plants, buildings with
-/// roofs and walls, and noise far above and below.
+/// A made-up scene to try Quindles on: rolling ground with a lake, low, medium and high plants, buildings
+/// with roofs and walls, and noise far above and below.
 struct SampleScene {
   std::vector<SamplePoint> points; ///< Strip by strip, as they would be flown.
   Mesh water;                      ///< The lake's surface, a little wider than the lake.
@@ -37,8 +37,8 @@ inline constexpr double sampleWaterLevel = 412.5;
 /// Makes a scene of exactly `points` points. The same numbers give the same scene, to the last bit, on every
 /// machine: only operations that round alike everywhere are used.
 ///
-/// What is wrong in it, for a Quindle to put right: the lake's bottom is class 2 (Ground); most wall points are
-/// class 1 (Unclassified), some 5; a tenth of the low plants is class 2; noise is class 1 or 2.
+/// What is wrong in it, for a Quindle to put right: the lake's bottom is class 2 (Ground); most wall points
+/// are class 1 (Unclassified), some 5; a tenth of the low plants is class 2; noise is class 1 or 2.
 SampleScene makeSampleScene(std::uint64_t points, std::uint64_t seed);
 
 } // namespace Zamt::Host

@@ -91,7 +91,8 @@ inline CommandResult runCommand(const std::vector<std::string>& words, const Com
   CommandResult result;
   if (failed != 0) return result;
 
-  if (!how.input.empty() && ::write(in[1], how.input.data(), how.input.size()) < 0) result.err = "no input taken";
+  if (!how.input.empty() && ::write(in[1], how.input.data(), how.input.size()) < 0)
+    result.err = "no input taken";
   if (!how.waitOnInput) ::close(in[1]);
   std::array<pollfd, 2> ends{{{out[0], POLLIN, 0}, {err[0], POLLIN, 0}}};
   std::array<std::string*, 2> texts{&result.out, &result.err};

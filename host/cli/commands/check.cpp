@@ -71,7 +71,7 @@ Exit check(const CheckOptions& options, Console& console) {
     console.report(diag);
     console.printLine(verdict(finding));
   }
-  if (options.json) console.print({{"quindles", quindles}, {"diagnostics", diagnosticsJson(all)}});
+  if (options.json) console.printJson({{"quindles", quindles}, {"diagnostics", diagnosticsJson(all)}});
   return all.errorCount == 0 && !interrupted ? Exit::Done : Exit::Failed;
 }
 
@@ -79,10 +79,12 @@ Exit check(const CheckOptions& options, Console& console) {
 
 void addCheckCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<CheckOptions>();
-  CLI::App* verb = app.add_subcommand("check", "Say what is wrong or doubtful in Quindles, all of it at once.");
+  CLI::App* verb =
+      app.add_subcommand("check", "Say what is wrong or doubtful in Quindles, all of it at once.");
   verb->add_option("Q", options->quindles, "The Quindles: files, or - for standard input.")->required();
-  verb->add_flag("--json", options->json,
-                 "Print JSON: \"quindles\" with file, name, ok, errors and warnings of each, and \"diagnostics\".");
+  verb->add_flag(
+      "--json", options->json,
+      "Print JSON: \"quindles\" with file, name, ok, errors and warnings of each, and \"diagnostics\".");
   verb->footer("Ends with 1 when there are errors. Example:\n  quindle check examples/*.quindle");
   verb->callback([options, &session] { session.exit = check(*options, session.console); });
 }

@@ -38,7 +38,8 @@ struct CostWord {
   std::uint32_t cost; ///< The highest that the word is used for.
   std::string_view word;
 };
-constexpr std::array<CostWord, 4> costWords{{{1, "free"}, {10, "cheap"}, {100, "moderate"}, {10000, "expensive"}}};
+constexpr std::array<CostWord, 4> costWords{
+    {{1, "free"}, {10, "cheap"}, {100, "moderate"}, {10000, "expensive"}}};
 
 /// Deeper nodes are shown at this depth, as indentation would otherwise cost the square of the depth.
 constexpr std::size_t maxShownDepth = 32;
@@ -67,21 +68,22 @@ std::vector<PlanLine> linesOf(const QuindlePlanNode& plan) {
   std::vector<PlanLine> lines;
   std::vector<std::size_t> open; // the lines of the nodes being walked, outermost first
   const auto childrenOf = [](const QuindlePlanNode& node) -> const auto& { return node.children; };
-  tree::walk(plan, childrenOf, [&](const QuindlePlanNode& node, const QuindlePlanNode* parent, std::size_t index) {
-    if (index == 0) {
-      open.push_back(lines.size());
-      lines.push_back(lineOf(node, open.size() - 1));
-    }
-    if (index < node.children.size()) return;
-    const std::uint32_t cost = lines[open.back()].cost;
-    open.pop_back();
-    if (parent == nullptr) return;
-    std::uint32_t& above = lines[open.back()].cost;
-    if (parent->kind == QuindlePlanNode::Kind::Or)
-      above = std::max(above, cost);
-    else
-      above = above == 0 ? cost : std::min(above, cost);
-  });
+  tree::walk(plan, childrenOf,
+             [&](const QuindlePlanNode& node, const QuindlePlanNode* parent, std::size_t index) {
+               if (index == 0) {
+                 open.push_back(lines.size());
+                 lines.push_back(lineOf(node, open.size() - 1));
+               }
+               if (index < node.children.size()) return;
+               const std::uint32_t cost = lines[open.back()].cost;
+               open.pop_back();
+               if (parent == nullptr) return;
+               std::uint32_t& above = lines[open.back()].cost;
+               if (parent->kind == QuindlePlanNode::Kind::Or)
+                 above = std::max(above, cost);
+               else
+                 above = above == 0 ? cost : std::min(above, cost);
+             });
   return lines;
 }
 
@@ -122,12 +124,13 @@ Exit plan(const PlanOptions& options, Console& console) {
   if (options.json) {
     nlohmann::json list = nlohmann::json::array();
     for (const PlannedSelect& select : selects) list.push_back(planJson(select));
-    console.print({{"name", document.name}, {"selects", list}, {"diagnostics", diagnosticsJson(diag)}});
+    console.printJson({{"name", document.name}, {"selects", list}, {"diagnostics", diagnosticsJson(diag)}});
   } else {
     console.report(diag);
     for (const PlannedSelect& select : selects)
       if (select.good) printPlan(document, select, console);
-    if (selects.empty() && diag.errorCount == 0) console.note("This Quindle selects nothing, so there is no plan.");
+    if (selects.empty() && diag.errorCount == 0)
+      console.note("This Quindle selects nothing, so there is no plan.");
   }
   return diag.errorCount == 0 ? Exit::Done : Exit::Failed;
 }
@@ -136,12 +139,14 @@ Exit plan(const PlanOptions& options, Console& console) {
 
 void addPlanCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<PlanOptions>();
-  CLI::App* verb = app.add_subcommand("plan", "Show the conditions of each \"select\" in the order in which they are "
-                                              "worked out, with their costs.");
+  CLI::App* verb =
+      app.add_subcommand("plan", "Show the conditions of each \"select\" in the order in which they are "
+                                 "worked out, with their costs.");
   verb->add_option("Q", options->quindle, "The Quindle: a file, or - for standard input.")->required();
-  verb->add_flag("--json", options->json,
-                 "Print JSON: \"name\", \"selects\" with line, ok and nodes (depth, kind, text, cost, costWord, line) "
-                 "of each, and \"diagnostics\".");
+  verb->add_flag(
+      "--json", options->json,
+      "Print JSON: \"name\", \"selects\" with line, ok and nodes (depth, kind, text, cost, costWord, line) "
+      "of each, and \"diagnostics\".");
   verb->footer("Example:\n  quindle plan examples/underwater-ground.quindle");
   verb->callback([options, &session] { session.exit = plan(*options, session.console); });
 }

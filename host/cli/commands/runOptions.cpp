@@ -48,9 +48,10 @@ void addRunOptions(CLI::App& verb, RunOptions& options) {
   verb.add_option("--set", options.settings, "NAME=VALUE: the value of a parameter. May be given again.")
       ->allow_extra_args(false)
       ->type_name("NAME=VALUE");
-  verb.add_option("--region", options.region,
-                  "Where to work: a box of four or six numbers, a polygon as WKT or GeoJSON, or @FILE with one of "
-                  "these in it.")
+  verb.add_option(
+          "--region", options.region,
+          "Where to work: a box of four or six numbers, a polygon as WKT or GeoJSON, or @FILE with one of "
+          "these in it.")
       ->type_name("REGION");
   verb.add_option("--threads", options.threads, "How many threads to use.")
       ->check(CLI::Range(1U, maxThreads))
