@@ -97,8 +97,11 @@ public:
   /// The names of the file's classification lookup record, in number order; empty if it has none.
   const std::vector<ClassName>& classNames() const;
 
-private:
+  /// The cloud's inner parts; known to the code that reads and writes the file, see CloudAccess.h.
   struct State;
+  const State& inner() const { return *state; }
+
+private:
   explicit PointCloud(std::unique_ptr<State> state);
   std::unique_ptr<State> state;
 };

@@ -1,1 +1,4 @@
-target_sources(quindle-points PRIVATE)
+target_sources(quindle-points PRIVATE
+  LasLayout.cpp
+  MappedFile.cpp
+  PointCloud.cpp)

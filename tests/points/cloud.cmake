@@ -1,0 +1,1 @@
+target_sources(tests-points PRIVATE PointCloudTest.cpp)
