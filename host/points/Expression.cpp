@@ -14,11 +14,13 @@ namespace {
 using UnaryColumn = void (*)(double*, std::size_t);
 using BinaryColumn = void (*)(double*, const double*, std::size_t);
 
-template <auto F> void eachOne(double* values, std::size_t count) {
+template <auto F>
+void eachOne(double* values, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) values[i] = F(values[i]);
 }
 
-template <auto F> void eachTwo(double* left, const double* right, std::size_t count) {
+template <auto F>
+void eachTwo(double* left, const double* right, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) left[i] = F(left[i], right[i]);
 }
 
@@ -42,8 +44,8 @@ constexpr std::array operators{
     Operator{"and", 2, eachTwo<[](double a, double b) { return holds(a) && holds(b) ? 1.0 : 0.0; }>},
     Operator{"<=", compareRank, eachTwo<[](double a, double b) { return a <= b ? 1.0 : 0.0; }>},
     Operator{"<", compareRank, eachTwo<[](double a, double b) { return a < b ? 1.0 : 0.0; }>},
-    Operator{">=", compareRank, eachTwo<[](double a, double b) { return a >= b ? 1.0 : 0.0; }>},
-    Operator{">", compareRank, eachTwo<[](double a, double b) { return a > b ? 1.0 : 0.0; }>},
+    Operator{">=", compareRank, eachTwo<[](double a, double b) { return b <= a ? 1.0 : 0.0; }>},
+    Operator{">", compareRank, eachTwo<[](double a, double b) { return b < a ? 1.0 : 0.0; }>},
     Operator{"==", compareRank, eachTwo<[](double a, double b) { return a == b ? 1.0 : 0.0; }>},
     Operator{"!=", compareRank, eachTwo<[](double a, double b) { return a != b ? 1.0 : 0.0; }>},
     Operator{"+", 5, eachTwo<[](double a, double b) { return a + b; }>},
@@ -61,7 +63,10 @@ struct Function {
   bool many;        ///< or one and more, worked on from the left.
 };
 
-#define QUINDLE_UNARY(name) Function{#name, eachOne<[](double a) { return std::name(a); }>, nullptr, false}
+#define QUINDLE_UNARY(name)                                                                                  \
+  Function {                                                                                                 \
+#name, eachOne < [](double a) { return std::name(a); }>, nullptr, false                                  \
+  }
 constexpr std::array functions{
     Function{"abs", eachOne<[](double a) { return std::abs(a); }>, nullptr, false},
     QUINDLE_UNARY(sqrt),
@@ -82,7 +87,9 @@ constexpr std::array functions{
     QUINDLE_UNARY(ceil),
     QUINDLE_UNARY(round),
     QUINDLE_UNARY(trunc),
-    Function{"sign", eachOne<[](double a) { return a > 0 ? 1.0 : a < 0 ? -1.0 : a; }>, nullptr, false},
+    Function{"sign", eachOne<[](double a) { return 0 < a   ? 1.0
+                                                   : a < 0 ? -1.0
+                                                           : a; }>, nullptr, false},
     Function{"atan2", nullptr, eachTwo<[](double a, double b) { return std::atan2(a, b); }>, false},
     Function{"pow", nullptr, eachTwo<[](double a, double b) { return std::pow(a, b); }>, false},
     Function{"hypot", nullptr, eachTwo<[](double a, double b) { return std::hypot(a, b); }>, false},
@@ -101,7 +108,8 @@ bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// Bytes of other alphabets are letters, as fields may be named in any language.
 bool isLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<unsigned char>(c) >= 0x80;
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
+         static_cast<unsigned char>(c) >= 0x80;
 }
 
 std::string quoted(std::string_view text) {
@@ -111,7 +119,8 @@ std::string quoted(std::string_view text) {
   return '"' + std::string(text.substr(0, longest)) + "...\"";
 }
 
-template <typename Table> std::string listed(const Table& table) {
+template <typename Table>
+std::string listed(const Table& table) {
   std::string list;
   for (const auto& entry : table) list += (list.empty() ? "" : ", ") + std::string(entry.name);
   return list;
@@ -192,8 +201,8 @@ private:
     const char* end = text.data() + text.size();
     const auto read = std::from_chars(text.data() + at, end, value);
     const auto length = static_cast<std::size_t>(read.ptr - (text.data() + at));
-    if (read.ec != std::errc{} || (at + length < text.size() &&
-                                   (isLetter(text[at + length]) || text[at + length] == '.')))
+    if (read.ec != std::errc{} ||
+        (at + length < text.size() && (isLetter(text[at + length]) || text[at + length] == '.')))
       return fail(at, "there is no number that can be read. Write it as in 12, 0.5 or 1e-3.");
     at += length;
     pushConstant(value);
@@ -258,7 +267,8 @@ private:
   }
 
   void failComponent(std::size_t start, const ExpressionName& name) {
-    const std::string last = name.components > 1 ? " to " + name.name + "[" + std::to_string(name.components - 1) + "]" : "";
+    const std::string last =
+        name.components > 1 ? " to " + name.name + "[" + std::to_string(name.components - 1) + "]" : "";
     fail(start, quoted(name.name) + " has " + std::to_string(name.components) +
                     (name.components == 1 ? " value" : " values") + " a point. Write " + name.name + "[0]" +
                     last + ".");
@@ -280,7 +290,8 @@ private:
     if (accept(",")) return nextArgument(start);
     const std::string_view word = wordAt(at);
     for (const Operator& op : operators) {
-      if (isLetter(op.spelling[0]) ? word != op.spelling : !text.substr(at).starts_with(op.spelling)) continue;
+      if (isLetter(op.spelling[0]) ? word != op.spelling : !text.substr(at).starts_with(op.spelling))
+        continue;
       at += op.spelling.size();
       return pushOperator(start, op);
     }
@@ -343,7 +354,8 @@ private:
     const std::size_t wanted = function.one ? 1 : 2;
     if (!function.many && call.arguments != wanted)
       return fail(call.at, quoted(function.name) + " takes " + (wanted == 1 ? "one value" : "two values") +
-                               " and has " + std::to_string(call.arguments) + ". Separate values with commas.");
+                               " and has " + std::to_string(call.arguments) +
+                               ". Separate values with commas.");
     if (function.one)
       pushUnary(function.one);
     else if (call.arguments > 1)
@@ -398,8 +410,8 @@ std::optional<Expression> Expression::compile(std::string_view text, std::span<c
 }
 
 std::size_t Expression::columnLength() const {
-  constexpr std::size_t longest = 512;      // Four columns fit the nearest cache.
-  constexpr std::size_t values = 256 * 1024; // What all columns hold together, where the nesting allows it.
+  constexpr std::size_t longest = 512;    // Four columns fit the nearest cache.
+  constexpr std::size_t values = 262'144; // What all columns hold together, where the nesting allows it.
   return std::clamp<std::size_t>(values / std::max<std::size_t>(depth, 1), 1, longest);
 }
 
@@ -409,8 +421,14 @@ void Expression::evaluate(std::span<const std::span<const double>> columns, std:
   if (scratch.size() < depth * count) scratch.resize(depth * count);
   double* top = scratch.data();
   for (const Step& step : steps) switch (step.kind) {
-    case Step::Kind::Constant: std::fill_n(top, count, step.constant); top += count; break;
-    case Step::Kind::Input: std::copy_n(columns[step.input].data(), count, top); top += count; break;
+    case Step::Kind::Constant:
+      std::fill_n(top, count, step.constant);
+      top += count;
+      break;
+    case Step::Kind::Input:
+      std::copy_n(columns[step.input].data(), count, top);
+      top += count;
+      break;
     case Step::Kind::Unary: step.unary(top - count, count); break;
     case Step::Kind::Binary:
       top -= count;

@@ -33,8 +33,8 @@ struct ExpressionInput {
 /// excepted.
 class Expression {
 public:
-  /// Nothing, with a sentence in `problem` that names the place, when the text has a fault. The names x, y and
-  /// z stand for those of X, Y and Z.
+  /// Nothing, with a sentence in `problem` that names the place, when the text has a fault. The names x, y
+  /// and z stand for those of X, Y and Z.
   static std::optional<Expression> compile(std::string_view text, std::span<const ExpressionName> names,
                                            std::string& problem);
 
@@ -45,8 +45,8 @@ public:
   /// columns in between stay in proportion to the text.
   std::size_t columnLength() const;
 
-  /// Works out the values of `out.size()` points, at most `columnLength()`; `columns` holds as many values for
-  /// each of `inputs()`, and `scratch` is room that calls may share one after the other.
+  /// Works out the values of `out.size()` points, at most `columnLength()`; `columns` holds as many values
+  /// for each of `inputs()`, and `scratch` is room that calls may share one after the other.
   void evaluate(std::span<const std::span<const double>> columns, std::vector<double>& scratch,
                 std::span<double> out) const;
 

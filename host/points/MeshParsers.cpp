@@ -52,7 +52,8 @@ private:
   std::size_t number = 0;
 };
 
-template <typename Number> std::optional<Number> numberOf(std::string_view word) {
+template <typename Number>
+std::optional<Number> numberOf(std::string_view word) {
   if (word.starts_with('+') && !word.starts_with("+-")) word.remove_prefix(1);
   Number value{};
   const auto read = std::from_chars(word.data(), word.data() + word.size(), value);
@@ -67,12 +68,14 @@ template <typename Number> std::optional<Number> numberOf(std::string_view word)
 std::string shown(std::string_view word) {
   constexpr std::size_t longest = 40;
   std::string text(word.substr(0, longest));
-  std::replace_if(text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c >= 0x7F; }, '?');
+  std::replace_if(
+      text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c >= 0x7F; }, '?');
   return '"' + text + '"';
 }
 
 std::string noNumber(const Lines& lines, std::string_view word) {
-  return lines.at(word.empty() ? "ends where a number belongs" : "has " + shown(word) + " where a number belongs");
+  return lines.at(word.empty() ? "ends where a number belongs"
+                               : "has " + shown(word) + " where a number belongs");
 }
 
 /// Cuts a polygon into a fan around its first corner.
@@ -113,14 +116,14 @@ struct PlyTypeName {
 };
 
 constexpr std::array plyTypes{
-    PlyTypeName{"char", PlyType::I8, 1},     PlyTypeName{"int8", PlyType::I8, 1},
-    PlyTypeName{"uchar", PlyType::U8, 1},    PlyTypeName{"uint8", PlyType::U8, 1},
-    PlyTypeName{"short", PlyType::I16, 2},   PlyTypeName{"int16", PlyType::I16, 2},
-    PlyTypeName{"ushort", PlyType::U16, 2},  PlyTypeName{"uint16", PlyType::U16, 2},
-    PlyTypeName{"int", PlyType::I32, 4},     PlyTypeName{"int32", PlyType::I32, 4},
-    PlyTypeName{"uint", PlyType::U32, 4},    PlyTypeName{"uint32", PlyType::U32, 4},
-    PlyTypeName{"float", PlyType::F32, 4},   PlyTypeName{"float32", PlyType::F32, 4},
-    PlyTypeName{"double", PlyType::F64, 8},  PlyTypeName{"float64", PlyType::F64, 8},
+    PlyTypeName{"char", PlyType::I8, 1},    PlyTypeName{"int8", PlyType::I8, 1},
+    PlyTypeName{"uchar", PlyType::U8, 1},   PlyTypeName{"uint8", PlyType::U8, 1},
+    PlyTypeName{"short", PlyType::I16, 2},  PlyTypeName{"int16", PlyType::I16, 2},
+    PlyTypeName{"ushort", PlyType::U16, 2}, PlyTypeName{"uint16", PlyType::U16, 2},
+    PlyTypeName{"int", PlyType::I32, 4},    PlyTypeName{"int32", PlyType::I32, 4},
+    PlyTypeName{"uint", PlyType::U32, 4},   PlyTypeName{"uint32", PlyType::U32, 4},
+    PlyTypeName{"float", PlyType::F32, 4},  PlyTypeName{"float32", PlyType::F32, 4},
+    PlyTypeName{"double", PlyType::F64, 8}, PlyTypeName{"float64", PlyType::F64, 8},
 };
 
 const PlyTypeName* plyType(std::string_view name) {
@@ -141,7 +144,8 @@ struct PlyElement {
   std::vector<PlyProperty> properties;
 };
 
-template <typename Number> double fromBytes(std::array<char, 8> bytes, bool swap) {
+template <typename Number>
+double fromBytes(std::array<char, 8> bytes, bool swap) {
   if (swap) std::reverse(bytes.begin(), bytes.begin() + sizeof(Number));
   Number value;
   std::memcpy(&value, bytes.data(), sizeof value);
@@ -265,8 +269,8 @@ private:
         if (!readNumber(*property.type, row[i])) return false;
         continue;
       }
-      const bool corners = element.name == "face" &&
-                           (property.name == "vertex_indices" || property.name == "vertex_index");
+      const bool corners =
+          element.name == "face" && (property.name == "vertex_indices" || property.name == "vertex_index");
       if (!readList(property, corners)) return false;
     }
     return true;
@@ -275,20 +279,20 @@ private:
   bool readList(const PlyProperty& property, bool corners) {
     double length = 0;
     if (!readNumber(*property.count, length)) return false;
-    if (!(length >= 0) || length > static_cast<double>(lines.rest.size() + lineRest()))
+    // In text the list ends with its line at the latest.
+    if (!(length >= 0) || length >= noVertex ||
+        (format != Format::Text && length > static_cast<double>(lines.rest.size())))
       return fail("a list in it announces a length that it has no bytes for");
     list.clear();
     for (auto i = static_cast<std::uint64_t>(length); i > 0; --i) {
       double value = 0;
       if (!readNumber(*property.type, value)) return false;
-      if (corners) list.push_back(value >= 0 && value < noVertex ? static_cast<std::uint32_t>(value) : noVertex);
+      if (corners)
+        list.push_back(value >= 0 && value < noVertex ? static_cast<std::uint32_t>(value) : noVertex);
     }
     if (corners) addFan(mesh, list);
     return true;
   }
-
-  /// The line that is being read is no longer part of what lies ahead.
-  std::size_t lineRest() const { return format == Format::Text ? std::size_t{1} << 32U : 0; }
 
   bool readNumber(const PlyTypeName& type, double& value) {
     if (format != Format::Text) return readBinary(type, value);
@@ -356,7 +360,10 @@ std::string parseObj(std::string_view bytes, Mesh& mesh) {
     if (keyword != "f") continue;
     corners.clear();
     for (std::string_view word = lines.word(); !word.empty() && word[0] != '#'; word = lines.word()) {
-      if (word == "\\" && lines.next()) continue;
+      // A backslash at the end of a line takes the next one in.
+      const bool goesOn = word.back() == '\\' && lines.next();
+      if (goesOn) word.remove_suffix(1);
+      if (goesOn && word.empty()) continue;
       const auto corner = objCorner(word, mesh.vertices.size());
       if (!corner) return lines.at("has " + shown(word) + " where the number of a vertex belongs");
       corners.push_back(*corner);
@@ -388,7 +395,8 @@ std::string parseTextStl(std::string_view bytes, Mesh& mesh) {
 }
 
 bool isBinaryStl(std::string_view bytes) {
-  return bytes.size() >= stlHeader && bytes.size() == stlHeader + stlRecord * littleWord(bytes, stlHeader - 4);
+  return bytes.size() >= stlHeader &&
+         bytes.size() == stlHeader + stlRecord * littleWord(bytes, stlHeader - 4);
 }
 
 std::string parseBinaryStl(std::string_view bytes, Mesh& mesh) {

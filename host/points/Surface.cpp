@@ -124,7 +124,8 @@ void Surface::makeLevels(std::span<const std::uint8_t> levelOf, std::span<const 
     level.perCell = 1 / level.cell;
     // Cells farther out than this lie beyond what a double tells apart; they share the last one.
     constexpr double mostCells = 1U << 30U;
-    level.columns = static_cast<std::uint64_t>(std::min((bounds[2] - bounds[0]) * level.perCell, mostCells)) + 1;
+    level.columns =
+        static_cast<std::uint64_t>(std::min((bounds[2] - bounds[0]) * level.perCell, mostCells)) + 1;
     level.rows = static_cast<std::uint64_t>(std::min((bounds[3] - bounds[1]) * level.perCell, mostCells)) + 1;
     level.places = std::min(level.columns * level.rows, 8 * held[i] + 8);
     level.shared = level.places < level.columns * level.rows;
@@ -146,17 +147,17 @@ void Surface::buildIndex() {
   const double whole = std::max(bounds[2] - bounds[0], bounds[3] - bounds[1]);
   std::array<double, levelCount> cells{};
   for (int i = 0; i < levelCount; ++i)
-    cells[static_cast<std::size_t>(i)] =
-        std::max(*middle / cellsPerTypicalTriangle * std::pow(levelGrowth, i - levelsBelowTypical), whole * 1e-9);
+    cells[static_cast<std::size_t>(i)] = std::max(
+        *middle / cellsPerTypicalTriangle * std::pow(levelGrowth, i - levelsBelowTypical), whole * 1e-9);
   cells.back() = std::max(cells.back(), whole);
 
   // Beginning and end of a triangle may both lie in the midst of a cell, so it may reach over one cell more.
   std::vector<std::uint8_t> levelOf(triangles.size());
   for (std::size_t i = 0; i < triangles.size(); ++i)
-    levelOf[i] = static_cast<std::uint8_t>(std::find_if(cells.begin(), cells.end() - 1, [&](double cell) {
-                                             return extents[i] <= cell * (cellsPerSide - 1.01);
-                                           }) -
-                                           cells.begin());
+    levelOf[i] = static_cast<std::uint8_t>(
+        std::find_if(cells.begin(), cells.end() - 1,
+                     [&](double cell) { return extents[i] <= cell * (cellsPerSide - 1.01); }) -
+        cells.begin());
   makeLevels(levelOf, cells);
 
   // Count, add up, fill: the starts first hold the ends, and filling moves each back to its beginning.
@@ -193,25 +194,56 @@ bool Surface::heightAt(const Triangle& t, double x, double y, double& height) co
   return true;
 }
 
+std::uint64_t Surface::placeAt(const Level& level, double x, double y) const {
+  return level.placeOf(cellIndex(x - bounds[0], level.perCell, level.columns),
+                       cellIndex(y - bounds[1], level.perCell, level.rows));
+}
+
+/// Takes into `best`, NaN at first, the smallest distance to the sheets of one place.
+void Surface::searchPlace(std::uint64_t place, double x, double y, double z, double& best) const {
+  for (std::uint32_t i = placeStarts[place]; i < placeStarts[place + 1]; ++i) {
+    double height = 0;
+    if (!heightAt(triangles[entries[i]], x, y, height)) continue;
+    if (!(std::abs(z - height) >= std::abs(best))) best = z - height;
+  }
+}
+
 double Surface::verticalDistance(double x, double y, double z) const {
-  double best = std::numeric_limits<double>::quiet_NaN();
-  if (triangles.empty() || !(x >= bounds[0] - rounding && x <= bounds[2] + rounding &&
-                             y >= bounds[1] - rounding && y <= bounds[3] + rounding))
-    return best;
-  double nearest = std::numeric_limits<double>::infinity();
-  for (const Level& level : levels) {
-    const std::uint64_t place = level.placeOf(cellIndex(x - bounds[0], level.perCell, level.columns),
-                                              cellIndex(y - bounds[1], level.perCell, level.rows));
-    for (std::uint32_t i = placeStarts[place]; i < placeStarts[place + 1]; ++i) {
-      double height = 0;
-      if (!heightAt(triangles[entries[i]], x, y, height)) continue;
-      const double distance = z - height;
-      if (std::abs(distance) >= nearest) continue;
-      nearest = std::abs(distance);
-      best = distance;
+  double best = 0;
+  verticalDistances({&x, 1}, {&y, 1}, {&z, 1}, {&best, 1});
+  return best;
+}
+
+void Surface::verticalDistances(std::span<const double> x, std::span<const double> y,
+                                std::span<const double> z, std::span<double> out) const {
+  std::fill(out.begin(), out.end(), std::numeric_limits<double>::quiet_NaN());
+  if (triangles.empty()) return;
+  // As many as a core has requests to memory under way.
+  constexpr std::size_t ahead = 32;
+  std::array<std::uint64_t, ahead> places{};
+  std::array<std::size_t, ahead> asked{};
+  for (std::size_t start = 0; start < out.size(); start += ahead) {
+    std::size_t count = 0;
+    for (std::size_t i = start; i < std::min(start + ahead, out.size()); ++i)
+      if (x[i] >= bounds[0] - rounding && x[i] <= bounds[2] + rounding && y[i] >= bounds[1] - rounding &&
+          y[i] <= bounds[3] + rounding)
+        asked[count++] = i;
+    for (const Level& level : levels) {
+      for (std::size_t k = 0; k < count; ++k) {
+        places[k] = placeAt(level, x[asked[k]], y[asked[k]]);
+        __builtin_prefetch(&placeStarts[places[k]]);
+      }
+      for (std::size_t k = 0; k < count; ++k) __builtin_prefetch(entries.data() + placeStarts[places[k]]);
+      for (std::size_t k = 0; k < count; ++k)
+        for (std::uint32_t i = placeStarts[places[k]]; i < placeStarts[places[k] + 1]; ++i) {
+          const Triangle* triangle = &triangles[entries[i]];
+          __builtin_prefetch(triangle);
+          __builtin_prefetch(&triangle->cz);
+        }
+      for (std::size_t k = 0; k < count; ++k)
+        searchPlace(places[k], x[asked[k]], y[asked[k]], z[asked[k]], out[asked[k]]);
     }
   }
-  return best;
 }
 
 } // namespace Zamt::Host

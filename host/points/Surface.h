@@ -35,6 +35,11 @@ public:
   /// surface does not reach. Edges and vertices belong to the triangles on either side.
   double verticalDistance(double x, double y, double z) const;
 
+  /// The same for many points at once, one for each place of `out`. The index is asked ahead of its use, so
+  /// that points in no order at all don't wait for memory one after the other.
+  void verticalDistances(std::span<const double> x, std::span<const double> y, std::span<const double> z,
+                         std::span<double> out) const;
+
   /// How many triangles bear a height.
   std::size_t size() const { return triangles.size(); }
 
@@ -65,7 +70,10 @@ private:
   bool addTriangle(const Mesh& mesh, const std::array<std::uint32_t, 3>& corners);
   void buildIndex();
   void makeLevels(std::span<const std::uint8_t> levelOf, std::span<const double> cellSizes);
-  template <typename Visit> void visitCells(const Triangle& triangle, const Level& level, Visit&& visit) const;
+  template <typename Visit>
+  void visitCells(const Triangle& triangle, const Level& level, Visit&& visit) const;
+  std::uint64_t placeAt(const Level& level, double x, double y) const;
+  void searchPlace(std::uint64_t place, double x, double y, double z, double& best) const;
   bool heightAt(const Triangle& triangle, double x, double y, double& height) const;
 
   std::vector<Triangle> triangles;

@@ -64,12 +64,14 @@ std::string faultOf(const Mesh& mesh) {
   if (mesh.triangles.size() > maxSurfaceTriangles)
     return "it has more than " + std::to_string(maxSurfaceTriangles) + " triangles";
   const bool sound = std::all_of(mesh.triangles.begin(), mesh.triangles.end(), [&](const auto& corners) {
-    return std::all_of(corners.begin(), corners.end(), [&](auto corner) { return corner < mesh.vertices.size(); });
+    return std::all_of(corners.begin(), corners.end(),
+                       [&](auto corner) { return corner < mesh.vertices.size(); });
   });
   return sound ? std::string() : "one of its faces names a vertex that it does not have";
 }
 
-template <typename Number> void append(std::string& bytes, Number value) {
+template <typename Number>
+void append(std::string& bytes, Number value) {
   std::array<char, sizeof(Number)> raw;
   std::memcpy(raw.data(), &value, sizeof value);
   if constexpr (std::endian::native == std::endian::big) std::reverse(raw.begin(), raw.end());
@@ -90,11 +92,14 @@ bool parseMesh(std::string_view bytes, const std::string& path, Mesh& mesh, std:
 
 bool readMesh(const std::string& path, Mesh& mesh, std::string& problem) {
   std::error_code error;
-  const std::uintmax_t size = std::filesystem::is_regular_file(path, error) ? std::filesystem::file_size(path, error) : 0;
+  const std::uintmax_t size =
+      std::filesystem::is_regular_file(path, error) ? std::filesystem::file_size(path, error) : 0;
   std::ifstream file(path, std::ios::binary);
   if (error || size == 0 || !file) {
     problem = "The surface \"" + path + "\" can't be read: " +
-              (error ? error.message() : file && size == 0 ? "it is empty or no plain file" : "it can't be opened") +
+              (error               ? error.message()
+               : file && size == 0 ? "it is empty or no plain file"
+                                   : "it can't be opened") +
               ". Check its name and that it may be read.";
     return false;
   }
@@ -104,10 +109,36 @@ bool readMesh(const std::string& path, Mesh& mesh, std::string& problem) {
   return parseMesh(bytes, path, mesh, problem);
 }
 
+bool writePly(const std::string& path, const Mesh& mesh, std::string& problem) {
+  std::string bytes =
+      "ply\nformat binary_little_endian 1.0\nelement vertex " + std::to_string(mesh.vertices.size()) +
+      "\nproperty double x\nproperty double y\nproperty double z\nelement face " +
+      std::to_string(mesh.triangles.size()) + "\nproperty list uchar uint vertex_indices\nend_header\n";
+  for (const auto& vertex : mesh.vertices)
+    for (const double value : vertex) append(bytes, value);
+  for (const auto& corners : mesh.triangles) {
+    append(bytes, std::uint8_t{3});
+    for (const std::uint32_t corner : corners) append(bytes, corner);
+  }
+  const std::string temporary = path + ".part";
+  std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
+  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  file.close();
+  std::error_code error;
+  if (file) std::filesystem::rename(temporary, path, error);
+  if (file && !error) return true;
+  std::filesystem::remove(temporary, error);
+  problem = "The surface \"" + path +
+            "\" can't be written. Check that its folder is there, may be written to "
+            "and has room.";
+  return false;
+}
+
 std::shared_ptr<const Surface> SurfaceCache::load(const std::string& path, std::string& problem) {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
-  const auto changed = error ? std::filesystem::file_time_type() : std::filesystem::last_write_time(path, error);
+  const auto changed =
+      error ? std::filesystem::file_time_type() : std::filesystem::last_write_time(path, error);
   const auto known = entries.find(path);
   if (!error && known != entries.end() && known->second.size == size && known->second.changed == changed)
     return known->second.surface;

@@ -12,9 +12,9 @@
 namespace Zamt::Host {
 
 /// Reads a triangle mesh from the bytes of a PLY (text, or binary of either byte order), OBJ or STL (text or
-/// binary) file. What the bytes are is told by themselves, and only in doubt by the ending of `path`. Polygons
-/// are cut into fans. False when the bytes can't be used, with a sentence in `problem` that names `path`.
-/// Memory stays in proportion to the bytes, whatever counts they claim.
+/// binary) file. What the bytes are is told by themselves, and only in doubt by the ending of `path`.
+/// Polygons are cut into fans. False when the bytes can't be used, with a sentence in `problem` that names
+/// `path`. Memory stays in proportion to the bytes, whatever counts they claim.
 bool parseMesh(std::string_view bytes, const std::string& path, Mesh& mesh, std::string& problem);
 
 /// Reads the file at `path` as `parseMesh` does.
@@ -24,8 +24,8 @@ bool readMesh(const std::string& path, Mesh& mesh, std::string& problem);
 /// `problem`, what was at `path` stays.
 bool writePly(const std::string& path, const Mesh& mesh, std::string& problem);
 
-/// The surfaces of one host, each read once for as long as its file stays the same. Not for several threads at
-/// once; the surfaces themselves are.
+/// The surfaces of one host, each read once for as long as its file stays the same. Not for several threads
+/// at once; the surfaces themselves are.
 class SurfaceCache {
 public:
   /// The surface of the file at `path`; null when it can't be used, with a sentence in `problem`.

@@ -1,5 +1,6 @@
 #include "host/points/SurfaceFilter.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
@@ -24,8 +25,11 @@ public:
       const auto part = indices.subspan(start, std::min(tile, indices.size() - start));
       for (std::size_t axis = 0; axis < 3; ++axis)
         cloud.gather(*axes[axis], 0, first, part, std::span(columns[axis]).first(part.size()));
-      for (std::size_t i = 0; i < part.size(); ++i)
-        holds[start + i] = matches(surface->verticalDistance(columns[0][i], columns[1][i], columns[2][i]));
+      std::array<double, tile> distances;
+      const std::span<double> found = std::span(distances).first(part.size());
+      surface->verticalDistances(columns[0], columns[1], columns[2], found);
+      std::transform(found.begin(), found.end(), holds.begin() + static_cast<std::ptrdiff_t>(start),
+                     [this](double distance) { return matches(distance); });
     }
   }
 
@@ -34,8 +38,8 @@ public:
     const Bounds box = cloud.blockBounds(first);
     const auto& plan = surface->planBounds();
     const bool misses = box.empty() || box.high[0] < plan[0] - onSurfaceDistance ||
-                        box.high[1] < plan[1] - onSurfaceDistance || box.low[0] > plan[2] + onSurfaceDistance ||
-                        box.low[1] > plan[3] + onSurfaceDistance;
+                        box.high[1] < plan[1] - onSurfaceDistance ||
+                        box.low[0] > plan[2] + onSurfaceDistance || box.low[1] > plan[3] + onSurfaceDistance;
     return misses ? Coverage::None : Coverage::Some;
   }
 

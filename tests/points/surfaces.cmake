@@ -1,0 +1,5 @@
+target_sources(tests-points PRIVATE
+  ExpressionTest.cpp
+  SurfaceFileTest.cpp
+  SurfaceTest.cpp
+)
