@@ -47,6 +47,12 @@ public:
   /// The caller initialises the new object.
   Rethold::StrongPtr<VObject> createChild(const VAcception& acception, const Rethold::Intercube& context);
 
+  /// Attaches the input called `slot` to an output of `source`, which has to publish the type that the input
+  /// reads: the one called `sourceSlot`, or, if that is empty, the one called like the input, if its type
+  /// fits, or else the first whose type does. False, with nothing changed, if there is no such input or
+  /// output or if the object does not accept it; `reason` then says why in a sentence, if it is known.
+  bool attach(const std::string& slot, VObject& source, const std::string& sourceSlot, std::string& reason);
+
   /// Whether the object lets `output`, whose type fits, feed its `input`; if not, `reason` may say why in a
   /// sentence. For what types cannot express.
   virtual bool accepts(const VSlot& input, const VSlot& output, std::string& reason) const;
@@ -106,7 +112,6 @@ private:
   Rethold::WeakPtr<VCreatorBase> creator_;
   std::uint64_t computedAt_ = 0; ///< Tick at which the last compute began; 0 before the first.
   std::uint64_t round_ = 0;      ///< The last round of the scheduler that ran the object.
-  bool initialized_ = false;
 };
 
 } // namespace Zamt

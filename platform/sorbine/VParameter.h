@@ -62,6 +62,7 @@ private:
   friend class VSlot;
   friend class VObject;
 
+  void detachUsers();
   Rethold::StrongPtr<VValueBase> find(const std::string& member) const;
 
   Rethold::StrongPtr<VValueBase> value_;

@@ -1,0 +1,166 @@
+#include "quindle/plan/compileSelect.h"
+
+#include "tests/plan/planText.h"
+#include "tests/support/RecordingScene.h"
+
+#include <gmock/gmock.h>
+
+namespace Zamt {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Testing::RecordingScene;
+
+const char* const params = "param tile : Region\nparam painted : Region = brush\nparam kinds : Text\n";
+
+struct Select {
+  RecordingScene scene;
+  Diag diag;
+  std::vector<std::string> bindings;
+  std::string out;
+  bool ok = false;
+
+  explicit Select(const std::string& condition, const std::string& source = "S",
+                  const std::set<std::string>& refused = {}) {
+    scene.refused = refused;
+    std::vector<QuindleBinding> made;
+    const QuindleDocument document = Testing::documentOf("select " + condition, params);
+    out = source;
+    ok = compileSelect(Testing::planOf(condition), document, scene, out, "P_", out, made, diag);
+    for (const QuindleBinding& binding : made)
+      bindings.push_back(binding.object + '.' + binding.slot + (binding.connect ? " <- " : " = ") +
+                         binding.param);
+  }
+};
+
+TEST(compileSelect, ChainsTheFiltersOfAPlan) {
+  const Select select(
+      "class(\"Ground\") and (neighbours(0.5) < 3 or inside(tile)) and not (Amplitude > 120)");
+  EXPECT_TRUE(select.ok) << select.diag.format();
+  EXPECT_EQ(select.out, "P_any5");
+  EXPECT_THAT(select.scene.calls,
+              ElementsAre("create Selection/BrushFilterByClass P_class1", "connect P_class1.brush <- S",
+                          "set P_class1.classes = Ground", "set P_class1.classfield = Classification",
+                          "create Selection/BrushFilterByField P_field2",
+                          "connect P_field2.brush <- P_class1", "set P_field2.field = Amplitude",
+                          "set P_field2.minimum = 120", "set P_field2.maximum = 1e+300",
+                          "set P_field2.component = 0", "set P_field2.invert = true",
+                          "create Selection/BrushFilterByNeighbours P_neighbours3",
+                          "connect P_neighbours3.brush <- P_field2", "set P_neighbours3.radius = 0.5",
+                          "set P_neighbours3.minneighbours = 0", "set P_neighbours3.maxneighbours = 2",
+                          "create Selection/BrushFilterByBox P_inside4",
+                          "connect P_inside4.brush <- P_field2", "create Selection/BrushFilterAny P_any5",
+                          "connect P_any5.brush <- P_neighbours3", "connect P_any5.otherbrush <- P_inside4"));
+  EXPECT_THAT(select.bindings, ElementsAre("P_inside4.box <- tile"));
+}
+
+TEST(compileSelect, StartsAtThePaintedRegionWithoutAFilter) {
+  const Select select("inside(painted)");
+  EXPECT_TRUE(select.ok);
+  EXPECT_EQ(select.out, "S");
+  EXPECT_THAT(select.scene.calls, IsEmpty());
+  EXPECT_THAT(select.bindings, IsEmpty());
+}
+
+TEST(compileSelect, ExcludesThePaintedRegionWhenNegated) {
+  const Select select("not inside(painted)");
+  EXPECT_EQ(select.out, "P_inside1");
+  EXPECT_THAT(select.scene.calls, ElementsAre("create Selection/BrushFilterByBox P_inside1",
+                                              "connect P_inside1.brush <- S", "set P_inside1.invert = true"));
+  EXPECT_THAT(select.bindings, ElementsAre("P_inside1.box <- painted"));
+}
+
+TEST(compileSelect, SetsWhatTellsConditionsOfOneCreatorApartAndLeavesAnEmptySourceAlone) {
+  const Select select("not above(\"w.m8\", 0.2)", "");
+  EXPECT_THAT(select.scene.calls, ElementsAre("create Selection/BrushFilterByTin P_above1",
+                                              "set P_above1.surface = w.m8", "set P_above1.margin = 0.2",
+                                              "set P_above1.side = above", "set P_above1.invert = true"));
+}
+
+TEST(compileSelect, WritesParametersThatAreNoObjects) {
+  EXPECT_THAT(Select("class(kinds)").bindings, ElementsAre("P_class1.classes = kinds"));
+}
+
+TEST(compileSelect, JoinsBranchesInPairs) {
+  const Select select("expr(\"a\") or expr(\"b\") or expr(\"c\")");
+  EXPECT_EQ(select.out, "P_any5");
+  EXPECT_EQ(select.scene.objects.at("P_any3").sources.at("otherbrush"), "P_expr2");
+  EXPECT_EQ(select.scene.objects.at("P_expr4").sources.at("brush"), "S");
+  EXPECT_EQ(select.scene.objects.at("P_any5").sources.at("brush"), "P_any3");
+}
+
+TEST(compileSelect, ReportsEveryArgumentThatCannotBeUsed) {
+  const Select select("field(Amplitude, f(1), 1)");
+  EXPECT_FALSE(select.ok);
+  EXPECT_EQ(select.out, "P_field1");
+  EXPECT_EQ(
+      select.diag.format(),
+      "field:8:14: error: \"Amplitude\" is not a parameter of this Quindle. Declare it with \"param\", or "
+      "put it in quotes if it is the name of something in the data.\n"
+      "field:8: error: The \"minimum\" of \"field\" is f(1), which cannot be worked out here.");
+}
+
+TEST(compileSelect, GoesOnFromTheLastFilterThatWasMade) {
+  const Select chain("inside(\"a\") and expr(\"b\") and expr(\"c\")", "S",
+                     {"create Selection/BrushFilterByExpression P_expr2"});
+  EXPECT_FALSE(chain.ok);
+  EXPECT_EQ(chain.out, "P_expr3");
+  EXPECT_EQ(chain.scene.objects.at("P_expr3").sources.at("brush"), "P_inside1");
+
+  const Select branches("expr(\"a\") or expr(\"b\") or expr(\"c\")", "S", {"connect P_expr1.brush <- S"});
+  EXPECT_FALSE(branches.ok);
+  EXPECT_EQ(branches.out, "P_any4");
+  EXPECT_EQ(branches.scene.objects.at("P_any4").sources.at("brush"), "P_expr2");
+
+  const Select unjoined("expr(\"a\") or expr(\"b\") or expr(\"c\")", "S",
+                        {"create Selection/BrushFilterAny P_any3"});
+  EXPECT_FALSE(unjoined.ok);
+  EXPECT_EQ(unjoined.out, "S");
+  EXPECT_FALSE(unjoined.scene.objects.contains("P_expr4"));
+
+  const Select halfJoined("expr(\"a\") or expr(\"b\")", "S", {"connect P_any3.brush <- P_expr1"});
+  EXPECT_FALSE(halfJoined.ok);
+  EXPECT_EQ(halfJoined.out, "P_any3");
+  EXPECT_EQ(halfJoined.scene.calls.back(), "connect P_any3.brush <- P_expr1");
+}
+
+TEST(compileSelect, UsesTheNamesThatTheSceneGives) {
+  RecordingScene scene;
+  scene.add("P_inside1", "taken");
+  std::vector<QuindleBinding> bindings;
+  Diag diag;
+  std::string out;
+  EXPECT_TRUE(compileSelect(Testing::planOf("inside(\"a\") and expr(\"b\")"), {}, scene, "", "P_", out,
+                            bindings, diag));
+  EXPECT_EQ(scene.objects.at("P_expr2").sources.at("brush"), "P_inside1_2");
+}
+
+TEST(compileSelect, RefusesNodesWithNothingInThem) {
+  RecordingScene scene;
+  std::vector<QuindleBinding> bindings;
+  Diag diag;
+  std::string out;
+  QuindlePlanNode plan;
+  EXPECT_FALSE(compileSelect(plan, {}, scene, "S", "P_", out, bindings, diag));
+  EXPECT_EQ(out, "S");
+  EXPECT_EQ(diag.format(), "");
+  plan.kind = QuindlePlanNode::Kind::Or;
+  plan.line = 4;
+  EXPECT_FALSE(compileSelect(plan, {}, scene, "S", "P_", out, bindings, diag));
+  EXPECT_EQ(diag.format(), ":4: error: An \"or\" with nothing in it.");
+}
+
+TEST(compileSelect, TakesAMillionLevels) {
+  QuindlePlanNode plan;
+  Diag diag;
+  ASSERT_TRUE(planPredicate(Testing::deepChain(), plan, diag, "t"));
+  RecordingScene scene;
+  std::vector<QuindleBinding> bindings;
+  std::string out;
+  EXPECT_TRUE(compileSelect(plan, {}, scene, "S", "P_", out, bindings, diag));
+  EXPECT_EQ(out, "P_vertical1");
+}
+
+} // namespace
+} // namespace Zamt

@@ -1,0 +1,147 @@
+#include "quindle/plan/evaluateQuindleExpr.h"
+
+#include "tests/plan/planText.h"
+
+namespace Zamt {
+namespace {
+
+const QuindleDocument& document() {
+  static const QuindleDocument made =
+      Testing::documentOf("report \"x\"", "param limit : Number = 5\nparam word : Text = \"abc\"\n"
+                                          "param region : Region = brush\nparam bare : Number\n"
+                                          "param rgb : Text = (1, 0, 0)\nparam flag : Text = true\n");
+  return made;
+}
+
+const std::map<std::string, std::string> supplied{{"given", "0.50"}, {"metres", "0.5m"}, {"empty", ""},
+                                                  {"word", "7"},     {"nan", "nan"},     {"both", "1"}};
+
+const std::map<std::string, QuindleValue>& lets() {
+  static const std::map<std::string, QuindleValue> made{{"both", QuindleValue::text("let")},
+                                                        {"limit", QuindleValue::number(8)}};
+  return made;
+}
+
+/// The value as source text, or the faults.
+std::string outcome(const QuindleExpr& expr) {
+  QuindleValue value;
+  Diag diag;
+  if (!evaluateQuindleExpr(expr, document(), supplied, lets(), value, diag)) return diag.format();
+  EXPECT_EQ(diag.format(), "");
+  return value.toSource();
+}
+
+TEST(evaluateQuindleExpr, WorksOutValuesOrSaysWhyNot) {
+  const std::string notNumber =
+      "t.quindle:11:1: error: A number cannot be compared with something that is not "
+      "one.";
+  const struct {
+    const char* expression;
+    std::string outcome;
+  } cases[] = {
+      {"1.50", "1.50"},
+      {"both", "\"let\""},
+      {"limit", "8"},
+      {"word > 5", "true"},
+      {"given", "0.5"},
+      {"metres", "\"0.5m\""},
+      {"empty", "\"\""},
+      {"not empty", "true"},
+      {"2 < 3 and nothing",
+       "t.quindle:11:11: error: \"nothing\" has no value here. It is neither a parameter of "
+       "this Quindle nor set by an earlier \"let\"."},
+      {"3 < 2 and nothing", "false"},
+      {"2 and \"x\" and rgb", "true"},
+      {"3 or nothing", "true"},
+      {"0 or \"\" or false", "false"},
+      {"not (1 and not (0 or 2))", "false"},
+      {"region",
+       "t.quindle:11:1: error: The parameter \"region\" takes its value from the application, and none "
+       "was supplied for this run."},
+      {"bare", "t.quindle:11:1: error: No value for the parameter \"bare\", and it has no default."},
+      {"(1 < class(\"Ground\")) or 1", "t.quindle:11:6: error: \"class\" cannot be worked out here: a "
+                                       "\"let\" or an \"if\" is decided before the "
+                                       "data is touched, and this needs the data."},
+      {"limit == \"a\"", notNumber},
+      {"flag != 1", notNumber},
+      {"nan == 1", "true"},
+      {"nan != 1", "false"},
+      {"nan <= 1", "false"},
+      {"\"a\" < \"ab\"", "true"},
+      {"\"B\" >= \"a\"", "false"},
+      {"\"\xc3\xa4\" > \"z\"", "true"},
+      {"\"10\" < \"9\"", "true"},
+      {"true == true", "true"},
+      {"flag == false", "false"},
+      {"flag == \"true\"", "false"},
+      {"rgb == rgb", "true"},
+      {"rgb != flag", "true"},
+      {"(1 < 2) == (4 > 3)", "true"},
+  };
+  for (const auto& [expression, result] : cases)
+    EXPECT_EQ(outcome(Testing::documentOf("select\n" + std::string(expression), "\n\n\n\n\n\n")
+                          .triggers[0]
+                          .steps[0]
+                          .condition),
+              result)
+        << expression;
+}
+
+TEST(evaluateQuindleExpr, RefusesTreesThatNoTextGives) {
+  EXPECT_EQ(outcome({}), "t.quindle: error: There is nothing to work out here.");
+  QuindleExpr compare = Testing::expressionOf("1 < 2");
+  compare.op = "=";
+  EXPECT_EQ(outcome(compare), "t.quindle:5:1: error: \"=\" is not a comparison.");
+  compare.operands.pop_back();
+  EXPECT_EQ(outcome(compare), "");
+  EXPECT_EQ(outcome(Testing::junction(QuindleExpr::Kind::And, {})), "true");
+  EXPECT_EQ(outcome(Testing::junction(QuindleExpr::Kind::Or, {})), "false");
+  EXPECT_EQ(outcome(Testing::junction(QuindleExpr::Kind::Not, {})), "");
+}
+
+TEST(evaluateQuindleCondition, TakesTextsForTrueWhateverTheySay) {
+  const struct {
+    const char* expression;
+    bool truth;
+  } cases[] = {{"\"false\"", true}, {"\"0\"", true}, {"0", false},
+               {"-0.1", true},      {"rgb", true},   {"empty", false}};
+  for (const auto& [expression, truth] : cases) {
+    bool result = !truth;
+    Diag diag;
+    EXPECT_TRUE(evaluateQuindleCondition(Testing::expressionOf(expression), document(), supplied, lets(),
+                                         result, diag));
+    EXPECT_EQ(result, truth) << expression;
+  }
+  bool kept = true;
+  Diag diag;
+  EXPECT_FALSE(
+      evaluateQuindleCondition(Testing::expressionOf("bare"), document(), supplied, lets(), kept, diag));
+  EXPECT_TRUE(kept);
+}
+
+TEST(evaluateQuindleExpr, TakesAMillionLevels) {
+  QuindleExpr expr = Testing::expressionOf("1");
+  for (int level = 0; level < Testing::deep; ++level) {
+    std::vector<QuindleExpr> operands;
+    operands.push_back(std::move(expr));
+    expr = Testing::junction(QuindleExpr::Kind::Not, std::move(operands));
+  }
+  EXPECT_EQ(outcome(expr), "true");
+}
+
+TEST(evaluateQuindleExpr, TakesDeepComparisonsOnEitherSide) {
+  for (const std::size_t side : {0U, 1U}) {
+    QuindleExpr expr = Testing::expressionOf("1 == 1");
+    const QuindleExpr other = Testing::expressionOf("true");
+    for (int level = 0; level < 200000; ++level) {
+      std::vector<QuindleExpr> operands(2, other);
+      operands[side] = std::move(expr);
+      expr = Testing::junction(QuindleExpr::Kind::Compare, std::move(operands));
+      expr.op = "==";
+    }
+    EXPECT_EQ(outcome(expr), "true");
+  }
+}
+
+} // namespace
+} // namespace Zamt
