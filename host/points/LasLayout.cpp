@@ -248,7 +248,7 @@ void readAllRecords(std::span<const std::byte> bytes, LasLayout& layout) {
   layout.vlrEnd = readRecords(bytes, layout.headerSize, std::min(layout.pointOffset, bytes.size()),
                               readAt<std::uint32_t>(header + HeaderAt::vlrCount), false, layout.records);
   layout.vlrCount = static_cast<std::uint32_t>(layout.records.size());
-  if (layout.headerSize < headerOf14) return;
+  if (layout.versionMinor < 4 || layout.headerSize < headerOf14) return;
   const auto start = readAt<std::uint64_t>(header + HeaderAt::evlrStart);
   if (start < layout.pointOffset || start > bytes.size()) return;
   readRecords(bytes, static_cast<std::size_t>(start), bytes.size(),

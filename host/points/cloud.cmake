@@ -1,4 +1,9 @@
 target_sources(quindle-points PRIVATE
+  AtomicFile.cpp
+  CloudWriter.cpp
+  LasBuilder.cpp
   LasLayout.cpp
   MappedFile.cpp
-  PointCloud.cpp)
+  PointCloud.cpp
+  StandardClasses.cpp
+  cloudInfo.cpp)
