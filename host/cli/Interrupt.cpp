@@ -1,5 +1,6 @@
 #include "host/cli/Interrupt.h"
 
+#include "host/points/AtomicFile.h"
 #include "host/points/Interruption.h"
 
 #include <csignal>
@@ -11,7 +12,9 @@ static_assert(std::atomic<bool>::is_always_lock_free, "the handler may only touc
 
 extern "C" {
 static void onInterrupt(int /*signal*/) {
-  if (interrupted.exchange(true)) _exit(1);
+  if (!interrupted.exchange(true)) return;
+  removeTemporaries();
+  _exit(1);
 }
 }
 

@@ -36,6 +36,12 @@ std::string typeText(const FieldRange& field) {
   return field.components == 1 ? name : fmt::format("{}[{}]", name, field.components);
 }
 
+/// With the digits that the type means, without those that only rounding brings.
+std::string valueText(const FieldRange& field, double value) {
+  if (!field.hasValues) return "-";
+  return field.type == FieldType::F32 ? fmt::format("{:.7g}", value) : fmt::format("{:.12g}", value);
+}
+
 void printFields(const CloudInfo& info, Console& console) {
   std::size_t names = 5;
   std::size_t types = 4;
@@ -46,8 +52,8 @@ void printFields(const CloudInfo& info, Console& console) {
   console.printLine(
       fmt::format("  {:<{}}  {:<{}}  {:>20}  {:>20}", "field", names, "type", types, "lowest", "highest"));
   for (const FieldRange& field : info.fields) {
-    const std::string low = field.hasValues ? fmt::format("{}", field.low) : "-";
-    const std::string high = field.hasValues ? fmt::format("{}", field.high) : "-";
+    const std::string low = valueText(field, field.low);
+    const std::string high = valueText(field, field.high);
     console.printLine(fmt::format("  {:<{}}  {:<{}}  {:>20}  {:>20}", field.name, names, typeText(field),
                                   types, low, high));
   }
@@ -59,7 +65,7 @@ void printInfo(const std::string& path, const CloudInfo& info, Console& console)
   if (!info.bounds.empty())
     for (std::size_t axis = 0; axis < 3; ++axis)
       console.printLine(
-          fmt::format("  {}  {} .. {}", "xyz"[axis], info.bounds.low[axis], info.bounds.high[axis]));
+          fmt::format("  {}  {:.12g} .. {:.12g}", "xyz"[axis], info.bounds.low[axis], info.bounds.high[axis]));
   printFields(info, console);
   if (info.classes.empty()) return;
   console.printLine(fmt::format("  {:>5}  {:>15}  {}", "class", "points", "name"));
