@@ -2,6 +2,8 @@
 
 #include "host/points/StandardClasses.h"
 
+#include <set>
+
 namespace Zamt::Host {
 
 namespace {
@@ -15,17 +17,27 @@ void addLabel(LabelSet& set, const ClassName& named) {
   label.name = named.name;
 }
 
+/// The names of the file's lookup record, and the standard ones for the numbers that it leaves open: a record
+/// may name just the classes that somebody added.
+LabelSet labelsOf(const PointCloud& cloud) {
+  LabelSet labels;
+  std::set<std::string> taken;
+  for (const ClassName& named : cloud.classNames()) {
+    addLabel(labels, named);
+    taken.insert(named.name);
+  }
+  for (const ClassName& named : standardClasses(cloud.pointFormat()))
+    if (!labels.labels.contains(named.number) && !taken.contains(named.name)) addLabel(labels, named);
+  return labels;
+}
+
 } // namespace
 
 Rethold::StrongPtr<Grid> openGrid(const std::string& path, std::string& problem) {
   std::shared_ptr<PointCloud> cloud = PointCloud::open(path, problem);
   if (!cloud) return nullptr;
   auto grid = std::make_shared<Grid>();
-  grid->ownLabels = !cloud->classNames().empty();
-  if (grid->ownLabels)
-    for (const ClassName& named : cloud->classNames()) addLabel(grid->labels, named);
-  else
-    for (const ClassName& named : standardClasses(cloud->pointFormat())) addLabel(grid->labels, named);
+  grid->labels = labelsOf(*cloud);
   grid->cloud = std::move(cloud);
   return grid;
 }

@@ -18,11 +18,8 @@ namespace Zamt::Host {
 struct Grid {
   std::shared_ptr<PointCloud> cloud;
 
-  /// The classes of the file's lookup record, or the standard ones of a file that brings none.
+  /// The classes of the file's lookup record, and the standard ones for numbers that it does not name.
   LabelSet labels;
-
-  /// Whether `labels` came from the file.
-  bool ownLabels = false;
 
   /// What editors selected, by the name of the field that holds it.
   std::map<std::string, PointMask> masks;

@@ -21,7 +21,7 @@ constexpr int levelsAboveTypical = 20;
 constexpr int levelCount = levelsBelowTypical + 1 + levelsAboveTypical;
 
 /// Cells of the typical level are this part of a typical triangle.
-constexpr double cellsPerTypicalTriangle = 2;
+constexpr double cellsPerTypicalTriangle = 3;
 
 bool usable(const std::array<double, 3>& vertex) {
   return std::all_of(vertex.begin(), vertex.end(),

@@ -68,7 +68,7 @@ bool VObject::attach(const std::string& slotName, VObject& source, const std::st
   }
   if (!output || !output->parameter() || typeBehind(*output) != typeBehind(*slot)) {
     reason = quoted(source.name()) + " publishes nothing " + (sourceSlot.empty() ? "" : "there ") +
-             "of type " + Typename(typeBehind(*slot)) + ".";
+             "of type " + Rethold::Typename(typeBehind(*slot)) + ".";
     return false;
   }
   if (!accepts(*slot, *output, reason)) return false;

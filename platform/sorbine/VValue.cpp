@@ -30,7 +30,7 @@ bool readNumber(Number& value, std::string_view text) {
 constexpr std::size_t NumberLength = 32;
 
 std::string printed(const char* begin, const std::to_chars_result& result) {
-  return result.ec == std::errc() ? std::string(begin, result.ptr) : std::string();
+  return result.ec == std::errc() ? std::string(begin, static_cast<const char*>(result.ptr)) : std::string();
 }
 
 template <class Number>

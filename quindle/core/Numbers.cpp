@@ -26,8 +26,9 @@ double readWithCLibrary(std::string_view text, std::size_t& length) {
 double readNumber(std::string_view text, std::size_t& length) {
   const char* const begin = text.data();
   const char* const end = begin + text.size();
-  const bool plain = !text.empty() && text[0] >= '0' && text[0] <= '9' &&
-                     (text.size() < 2 || (text[1] != 'x' && text[1] != 'X'));
+  const std::size_t first = text.starts_with('-') ? 1 : 0;
+  const bool plain = text.size() > first && text[first] >= '0' && text[first] <= '9' &&
+                     (text.size() < first + 2 || (text[first + 1] != 'x' && text[first + 1] != 'X'));
   if (plain) {
     double value = 0;
     const auto [stop, fault] = std::from_chars(begin, end, value);

@@ -14,7 +14,11 @@ namespace Zamt::tree {
 template <class Node>
 struct Shape;
 
-/// Destroys everything below `node` without recursion; for the destructor of a record.
+// A record's destructor calls this, and the lists destroyed here call that of their records, but of records
+// whose own lists have been taken: it never goes deeper than that.
+// NOLINTBEGIN(misc-no-recursion)
+
+/// Destroys everything below `node` in bounded stack; for the destructor of a record.
 template <class Node>
 void destroyChildren(Node& node) noexcept {
   using List = std::vector<Node>;
@@ -36,6 +40,16 @@ void destroyChildren(Node& node) noexcept {
   }
 }
 
+// NOLINTEND(misc-no-recursion)
+
+/// Whether any list of `node` holds a child.
+template <class Node>
+bool hasChildren(const Node& node) {
+  bool found = false;
+  Shape<Node>::eachList(node, [&found](const std::vector<Node>& list) { found = found || !list.empty(); });
+  return found;
+}
+
 /// Copies everything below `from` to below `to`, whose child lists are empty; for copying a record.
 template <class Node>
 void copyChildren(const Node& from, Node& to) {
@@ -51,7 +65,7 @@ void copyChildren(const Node& from, Node& to) {
       list.resize(original.size());
       for (std::size_t i = 0; i < original.size(); ++i) {
         Shape<Node>::copyFields(original[i], list[i]);
-        pending.emplace_back(&original[i], &list[i]);
+        if (hasChildren(original[i])) pending.emplace_back(&original[i], &list[i]);
       }
     });
   }

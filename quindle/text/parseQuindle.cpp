@@ -54,8 +54,14 @@ void replaceNamedSource(QuindleParam& param) {
 /// Reads the outer shape of a file: its head, settings, parameters and triggers.
 class FileReader {
 public:
+  // Copies, for both may be fields of the document that is about to be filled.
   FileReader(const std::string& source, const std::string& file, QuindleDocument& doc, Diag& diag)
-      : tokens_(source, file, diag), steps_(tokens_), file_(file), doc_(doc), diag_(diag) {}
+      : source_(source),
+        file_(file),
+        tokens_(source_, file_, diag),
+        steps_(tokens_),
+        doc_(doc),
+        diag_(diag) {}
 
   bool read();
 
@@ -71,9 +77,10 @@ private:
   void readTrigger();
   bool readOccasion(QuindleTrigger& trigger);
 
+  const std::string source_;
+  const std::string file_;
   TokenReader tokens_;
   StepReader steps_;
-  const std::string& file_;
   QuindleDocument& doc_;
   Diag& diag_;
   std::unordered_set<std::string> paramNames_; ///< Filled once there are too many to look through.
@@ -210,10 +217,7 @@ bool FileReader::readOccasion(QuindleTrigger& trigger) {
 } // namespace
 
 bool parseQuindle(const std::string& text, const std::string& file, QuindleDocument& doc, Diag& diag) {
-  // Both may be fields of the document that is about to be filled.
-  const std::string source = text;
-  const std::string fileName = file;
-  return FileReader(source, fileName, doc, diag).read();
+  return FileReader(text, file, doc, diag).read();
 }
 
 } // namespace Zamt

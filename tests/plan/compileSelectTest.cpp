@@ -96,9 +96,9 @@ TEST(compileSelect, ReportsEveryArgumentThatCannotBeUsed) {
   EXPECT_EQ(select.out, "P_field1");
   EXPECT_EQ(
       select.diag.format(),
-      "field:8:14: error: \"Amplitude\" is not a parameter of this Quindle. Declare it with \"param\", or "
+      "field:5:7: error: \"Amplitude\" is not a parameter of this Quindle. Declare it with \"param\", or "
       "put it in quotes if it is the name of something in the data.\n"
-      "field:8: error: The \"minimum\" of \"field\" is f(1), which cannot be worked out here.");
+      "field:5: error: The \"minimum\" of \"field\" is f(1), which cannot be worked out here.");
 }
 
 TEST(compileSelect, GoesOnFromTheLastFilterThatWasMade) {

@@ -1,5 +1,6 @@
 target_sources(tests-points PRIVATE
   ExpressionTest.cpp
   SurfaceFileTest.cpp
+  SurfaceFilterTest.cpp
   SurfaceTest.cpp
 )

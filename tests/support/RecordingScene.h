@@ -27,6 +27,10 @@ public:
   std::map<std::string, Object> objects; ///< fill before a run to stand for the user's scene
   std::vector<std::string> order;        ///< names in order of creation; for objectsPublishing
   std::set<std::string> refused;         ///< calls, as they would be written down, that fail
+  /// What the slots of a new object hold from the start, by creator.
+  std::map<std::string, std::map<std::string, std::string>> presets;
+  /// What the slots of a new object connect themselves to, by creator.
+  std::map<std::string, std::map<std::string, std::string>> feeds;
   int settleResult = 1;
 
   /// Puts an object of the user's into the scene.
@@ -45,7 +49,9 @@ public:
     if (!record("create " + creator + " " + name, diag)) return {};
     std::string given = name;
     for (int n = 2; objects.contains(given); ++n) given = name + "_" + std::to_string(n);
-    add(given, creator);
+    Object& object = add(given, creator);
+    object.slots = presets[creator];
+    object.sources = feeds[creator];
     return given;
   }
 

@@ -1,0 +1,69 @@
+#include "host/objects/PictureDisplay.h"
+
+#include "host/objects/Grid.h"
+#include "host/objects/renderCloud.h"
+
+#include "sorbine/VCreator.h"
+#include "sorbine/VObject.h"
+
+namespace Zamt::Host {
+
+namespace {
+
+class PictureDisplay : public VObject {
+  using GridPtr = Rethold::StrongPtr<Grid>;
+  using FieldPtr = Rethold::StrongPtr<FieldHandle>;
+
+  VInput<GridPtr> grid_ = input<GridPtr>("grid", "The cloud to draw.");
+  VInput<FieldPtr> mask_ = input<FieldPtr>("mask", "The points to draw in the mask colour.");
+  VInput<std::string> maskdisplay_ =
+      input<std::string>("maskdisplay", "How to draw masked points: fill or outline.", "fill");
+  VInput<double> width_ = input<double>("width", "The width in pixels.", View{}.width);
+  VInput<double> azimuth_ = input<double>("azimuth", "Where to look, in degrees from north.", View{}.azimuth);
+  VInput<double> elevation_ =
+      input<double>("elevation", "How far above the horizon to look from, in degrees.", View{}.elevation);
+  VInput<std::string> file_ = input<std::string>("file", "The PNG file to write.");
+  Rethold::StrongPtr<VSlot> save_ = action("save", "Draws the picture and writes it.", [this] { save(); });
+  VOutput<std::string> problem_ = output<std::string>("problem", "Why there is no picture.");
+  VOutput<std::string> status_ = output<std::string>("status", "What was drawn.");
+
+  void save() {
+    const GridPtr& grid = grid_.get();
+    std::string problem;
+    if (!grid) {
+      problem = "No cloud is attached to draw.";
+    } else {
+      View view;
+      view.width =
+          width_.get() >= 1 && width_.get() <= 1e6 ? static_cast<unsigned>(width_.get()) : view.width;
+      view.azimuth = azimuth_.get();
+      view.elevation = elevation_.get();
+      view.outlineMask = maskdisplay_.get() == "outline";
+      writePng(renderCloud(*grid->cloud, mask(), view), file_.get(), problem);
+    }
+    problem_.publish(problem);
+    status_.publish(problem.empty() ? "Drew " + file_.get() + "." : problem);
+  }
+
+  /// The attached mask, if an editor wrote one for this cloud.
+  const PointMask* mask() const {
+    const FieldPtr& field = mask_.get();
+    if (!field || field->grid != grid_.get()) return nullptr;
+    const auto found = field->grid->masks.find(field->name);
+    return found == field->grid->masks.end() ? nullptr : &found->second;
+  }
+};
+
+} // namespace
+
+void registerPictureDisplay() {
+  registerCreator<PictureDisplay>(
+      "Display", "Picture",
+      {.rank = 2000,
+       .shortHelp = "Draws a cloud into a PNG file.",
+       .longHelp = "Draws every point in the colour of its class, seen from above or from the side, and the "
+                   "points of a mask in front of all others.",
+       .accepts = {VAcceptInfo::of<Rethold::StrongPtr<Grid>>("grid")}});
+}
+
+} // namespace Zamt::Host

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "host/objects/CloudObjects.h"
+#include "host/objects/MaskedLabels.h"
+#include "quindle/core/Diag.h"
+#include "quindle/core/QuindleDocument.h"
+#include "quindle/runtime/QuindleRuntime.h"
+#include "quindle/scene/TolvenQuindleOps.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Zamt::Host {
+
+/// A scene around one cloud at a time, and the runtime that runs Quindles in it: what the command line needs,
+/// and nothing that it could not do through the graph. There is one graph for the process, so one Scene at a
+/// time; it belongs to the thread that made it.
+class Scene {
+public:
+  /// Starts from an empty graph.
+  Scene();
+  ~Scene();
+  Scene(const Scene&) = delete;
+  Scene& operator=(const Scene&) = delete;
+
+  /// Names the region to work in: everything that runs from then on is kept to it, and parameters that ask
+  /// the application for a region or a brush get it. False with a sentence in `problem` if `text` is no
+  /// region.
+  bool setRegion(const std::string& text, std::string& problem);
+
+  /// Opens the cloud at `path` in place of the one before. What was compiled stays, unless the new cloud
+  /// brings other classes, for which it was not made. False with an error in `diag` if it can't be used.
+  bool openCloud(const std::string& path, const QuindleDocument& document, Diag& diag);
+
+  /// Runs or previews `document` on the open cloud. `values` are parameter values as the user wrote them;
+  /// those that the application supplies, and a cloud that nobody named, are added here.
+  bool run(const QuindleDocument& document, const std::map<std::string, std::string>& values, bool preview,
+           QuindleRunResult& result, Diag& diag);
+
+  /// What the editors of the last run changed, or would have, one entry for each that selected points.
+  std::vector<ClassChange> changes() const;
+
+  /// Writes the open cloud with the classes as they are now. False with an error in `diag`, and nothing
+  /// written, on failure; notes in `diag` say what the file could not hold as it was.
+  bool writeCloud(const std::string& path, Diag& diag);
+
+  /// Adds a display of the cloud, so that a preview has something to show its selection on.
+  bool addDisplay(Diag& diag);
+
+  /// Draws that display into a PNG file.
+  bool savePicture(const std::string& path, Diag& diag);
+
+  /// The open cloud; null if there is none.
+  Rethold::StrongPtr<Grid> grid() const;
+
+  /// For the resolver, and for hosts that ask what the scene holds.
+  QuindleRuntime& runtime() { return *runtime_; }
+
+private:
+  bool checkValues(const QuindleDocument& document, const std::map<std::string, std::string>& values,
+                   Diag& diag) const;
+  bool supply(const QuindleParam& param, std::map<std::string, std::string>& args, Diag& diag);
+  bool makeField(const QuindleParam& param, const std::string& field, std::string& object, Diag& diag);
+  bool makeRegion(const QuindleParam& param, const std::string& text, std::string& object, Diag& diag);
+  void forgetCompiled();
+
+  std::unique_ptr<TolvenQuindleOps> ops_;
+  std::unique_ptr<QuindleRuntime> runtime_;
+  std::string cloud_;                       ///< The name of the cloud's object.
+  std::string region_;                      ///< The name of the region's object; empty if none was named.
+  std::string display_;                     ///< Likewise of the display.
+  std::map<std::string, std::string> made_; ///< Objects made for parameter values, by what they stand for.
+  LabelSet compiledFor_;                    ///< The classes that the cached programs were compiled with.
+};
+
+} // namespace Zamt::Host

@@ -1,0 +1,13 @@
+#pragma once
+
+/// Everything that a host of Quindles includes.
+#include "quindle/core/Diag.h"
+#include "quindle/core/QuindleDocument.h"
+#include "quindle/plan/QuindleOperation.h"
+#include "quindle/plan/QuindlePlanNode.h"
+#include "quindle/plan/compileClassify.h"
+#include "quindle/plan/compileSelect.h"
+#include "quindle/plan/evaluateQuindleExpr.h"
+#include "quindle/runtime/QuindleOps.h"
+#include "quindle/runtime/QuindleRuntime.h"
+#include "quindle/text/parseQuindle.h"

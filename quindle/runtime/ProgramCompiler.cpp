@@ -1,0 +1,202 @@
+#include "quindle/runtime/ProgramCompiler.h"
+
+#include "quindle/plan/compileClassify.h"
+
+#include <optional>
+#include <utility>
+
+namespace Zamt {
+
+namespace {
+
+/// An object and what stands behind the last dot: a slot or an action.
+struct Target {
+  std::string object;
+  std::string member;
+};
+
+std::optional<Target> splitTarget(const std::string& text) {
+  const std::size_t dot = text.rfind('.');
+  if (dot == std::string::npos) return std::nullopt;
+  return Target{text.substr(0, dot), text.substr(dot + 1)};
+}
+
+std::string noSlot(const std::string& target) {
+  return "\"" + target + "\" does not name a slot. Write it as Object.slot.";
+}
+
+} // namespace
+
+QuindleRuntime::ProgramCompiler::ProgramCompiler(QuindleRuntime& owner, const QuindleDocument& document,
+                                                 const std::string& start, Program& target, Diag& messages)
+    : runtime(owner),
+      doc(document),
+      program(target),
+      diag(messages),
+      prefix("Quindle_" + quindleIdentifier(document.name) + "_"),
+      chain(start) {}
+
+bool QuindleRuntime::ProgramCompiler::compileBody(const std::vector<QuindleStep>& steps) {
+  bool ok = true;
+  enter(steps, nullptr, false);
+  while (!bodies.empty() && !guardsFull) {
+    Body& body = bodies.back();
+    if (body.next == body.steps->size()) {
+      leave();
+      continue;
+    }
+    const QuindleStep& step = (*body.steps)[body.next++];
+    if (step.kind == QuindleStep::Kind::If)
+      enter(step.body, &step, false);
+    else if (!compileStep(step))
+      ok = false;
+  }
+  return ok;
+}
+
+void QuindleRuntime::ProgramCompiler::enter(const std::vector<QuindleStep>& steps, const QuindleStep* owner,
+                                            bool isElse) {
+  if (owner) guards.enter(owner->condition, isElse);
+  bodies.push_back({&steps, owner, isElse, 0, {}, false});
+}
+
+void QuindleRuntime::ProgramCompiler::leave() {
+  const QuindleStep* const owner = bodies.back().owner;
+  const bool wasElse = bodies.back().isElse;
+  bodies.pop_back();
+  if (!owner) return;
+  guards.leave();
+  if (!wasElse && !owner->elseBody.empty()) enter(owner->elseBody, owner, true);
+}
+
+bool QuindleRuntime::ProgramCompiler::compileStep(const QuindleStep& step) {
+  switch (step.kind) {
+  case QuindleStep::Kind::Comment:
+  case QuindleStep::Kind::If: return true;
+  case QuindleStep::Kind::Let: return compileLet(step);
+  case QuindleStep::Kind::Create: return compileCreate(step);
+  case QuindleStep::Kind::Select: return compileSelectStep(step);
+  case QuindleStep::Kind::Classify: return compileClassifyStep(step);
+  case QuindleStep::Kind::Set: return compileSet(step);
+  case QuindleStep::Kind::Connect: return compileConnect(step);
+  case QuindleStep::Kind::Call: return compileCall(step);
+  case QuindleStep::Kind::Report: return compileReport(step);
+  case QuindleStep::Kind::Run: return compileRun(step);
+  case QuindleStep::Kind::ForEach:
+  case QuindleStep::Kind::Unparsed: break;
+  }
+  return fail(step, "This kind of step cannot be run yet.");
+}
+
+bool QuindleRuntime::ProgramCompiler::compileCreate(const QuindleStep& step) {
+  if (step.value.kind != QuindleExpr::Kind::Literal || step.value.value.textValue.empty())
+    return fail(step, "This does not say what to make \"" + step.name +
+                          "\" from. Write the creator as \"Category/Identifier\".");
+  const std::string made = runtime.ops.create(step.value.value.textValue, prefix + step.name, diag);
+  if (made.empty()) return false;
+  runtime.objectNames[step.name] = made;
+  return true;
+}
+
+bool QuindleRuntime::ProgramCompiler::compileSelectStep(const QuindleStep& step) {
+  Body& body = bodies.back();
+  if (!planPredicate(step.condition, body.plan, diag, doc.sourceFile)) return false;
+  if (!compileSelect(body.plan, doc, runtime.ops, chain, nextPrefix(), chain, program.bindings, diag))
+    return false;
+  body.selected = true;
+  return true;
+}
+
+bool QuindleRuntime::ProgramCompiler::compileClassifyStep(const QuindleStep& step) {
+  std::vector<std::string> classes;
+  if (bodies.back().selected) collectPlanClasses(bodies.back().plan, classes);
+  std::string editor;
+  if (!compileClassify(step, classes, doc, runtime.ops, chain, nextPrefix(), editor, program.bindings, diag))
+    return false;
+  program.editorObject = editor;
+  return appendFire(editor, "unselectAll", false, false, step) &&
+         appendFire(editor, "select", false, true, step) &&
+         appendFire(editor, "applySelection", true, false, step);
+}
+
+bool QuindleRuntime::ProgramCompiler::compileSet(const QuindleStep& step) {
+  if (step.value.kind != QuindleExpr::Kind::Literal)
+    return fail(step, "Only a written-out value can be set for now.");
+  const std::optional<Target> target = splitTarget(step.name);
+  if (!target) return fail(step, noSlot(step.name));
+  return runtime.ops.setParam(runtime.objectNamed(target->object), target->member,
+                              step.value.value.toPlainText(), diag);
+}
+
+bool QuindleRuntime::ProgramCompiler::compileConnect(const QuindleStep& step) {
+  const std::optional<Target> target = splitTarget(step.name);
+  if (!target) return fail(step, noSlot(step.name));
+  const Target source = splitTarget(step.source).value_or(Target{step.source, {}});
+  return runtime.ops.connect(runtime.objectNamed(target->object), target->member,
+                             runtime.objectNamed(source.object), source.member, diag);
+}
+
+bool QuindleRuntime::ProgramCompiler::compileCall(const QuindleStep& step) {
+  const std::optional<Target> target = splitTarget(step.name);
+  if (!target) return fail(step, "\"" + step.name + "\" does not name an action. Write it as Object.action.");
+  return appendFire(runtime.objectNamed(target->object), target->member, true, false, step);
+}
+
+bool QuindleRuntime::ProgramCompiler::compileReport(const QuindleStep& step) {
+  RunStep report;
+  report.kind = RunStep::Kind::Report;
+  report.text =
+      step.value.kind == QuindleExpr::Kind::Literal ? step.value.value.toPlainText() : step.value.toSource();
+  return append(std::move(report), step);
+}
+
+bool QuindleRuntime::ProgramCompiler::compileLet(const QuindleStep& step) {
+  RunStep let;
+  let.kind = RunStep::Kind::Let;
+  let.name = step.name;
+  let.value = step.value;
+  return append(std::move(let), step);
+}
+
+bool QuindleRuntime::ProgramCompiler::compileRun(const QuindleStep& step) {
+  RunStep nested;
+  nested.kind = RunStep::Kind::Run;
+  nested.name = step.name;
+  nested.args = step.args;
+  nested.argNames = step.argNames;
+  return append(std::move(nested), step);
+}
+
+std::string QuindleRuntime::ProgramCompiler::nextPrefix() {
+  return prefix + std::to_string(++runtime.objectCounter) + "_";
+}
+
+bool QuindleRuntime::ProgramCompiler::append(RunStep&& runStep, const QuindleStep& step) {
+  if (!guards.build(runStep.guard)) {
+    guardsFull = true;
+    return fail(step,
+                "The conditions of the \"if\" blocks around the steps of this Quindle add up to more than "
+                "can be kept, since every step carries all those around it. Nest the blocks less deeply, "
+                "or move some of the steps to a Quindle of their own and \"run\" that.");
+  }
+  program.steps.push_back(std::move(runStep));
+  return true;
+}
+
+bool QuindleRuntime::ProgramCompiler::appendFire(const std::string& object, const std::string& action,
+                                                 bool writes, bool counts, const QuindleStep& step) {
+  RunStep fire;
+  fire.kind = RunStep::Kind::Fire;
+  fire.object = object;
+  fire.action = action;
+  fire.writes = writes;
+  fire.counts = counts;
+  return append(std::move(fire), step);
+}
+
+bool QuindleRuntime::ProgramCompiler::fail(const QuindleStep& step, const std::string& message) {
+  diag.at(Diag::Severity::Error, message, doc.sourceFile, step.line, 0);
+  return false;
+}
+
+} // namespace Zamt

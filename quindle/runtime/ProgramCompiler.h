@@ -1,0 +1,67 @@
+#pragma once
+
+#include "quindle/plan/QuindlePlanNode.h"
+#include "quindle/runtime/QuindleRuntime.h"
+#include "quindle/runtime/StepGuards.h"
+
+#include <string>
+#include <vector>
+
+namespace Zamt {
+
+/// Compiles the blocks of one document into one program. Blocks nest as deep as the input likes, so those
+/// that are open stand on a stack of their own. A step that fails does not stop the others, so that one
+/// compilation reports every fault.
+class QuindleRuntime::ProgramCompiler {
+public:
+  /// `start` is the object that the first "select" reads, empty for none.
+  ProgramCompiler(QuindleRuntime& runtime, const QuindleDocument& doc, const std::string& start,
+                  Program& program, Diag& diag);
+
+  bool compileBody(const std::vector<QuindleStep>& steps);
+
+private:
+  /// A block that is being compiled.
+  struct Body {
+    const std::vector<QuindleStep>* steps;
+    const QuindleStep* owner; ///< The "if" that it belongs to; null for the trigger's.
+    bool isElse;
+    std::size_t next = 0;
+    QuindlePlanNode plan;  ///< Of the latest "select" in this very block.
+    bool selected = false; ///< Whether there is one that was compiled.
+  };
+
+  void enter(const std::vector<QuindleStep>& steps, const QuindleStep* owner, bool isElse);
+  void leave();
+  bool compileStep(const QuindleStep& step);
+  bool compileCreate(const QuindleStep& step);
+  bool compileSelectStep(const QuindleStep& step);
+  bool compileClassifyStep(const QuindleStep& step);
+  bool compileSet(const QuindleStep& step);
+  bool compileConnect(const QuindleStep& step);
+  bool compileCall(const QuindleStep& step);
+  bool compileReport(const QuindleStep& step);
+  bool compileLet(const QuindleStep& step);
+  bool compileRun(const QuindleStep& step);
+
+  /// The prefix of the names of the next "select" or "classify into".
+  std::string nextPrefix();
+  /// Gives the step its guard and appends it; fails once the guards have grown too large.
+  bool append(RunStep&& runStep, const QuindleStep& step);
+  bool appendFire(const std::string& object, const std::string& action, bool writes, bool counts,
+                  const QuindleStep& step);
+  /// Reports an error at the step; always false.
+  bool fail(const QuindleStep& step, const std::string& message);
+
+  QuindleRuntime& runtime;
+  const QuindleDocument& doc;
+  Program& program;
+  Diag& diag;
+  const std::string prefix;
+  std::string chain; ///< The end of the filter chain so far: one for all blocks.
+  std::vector<Body> bodies;
+  StepGuards guards;
+  bool guardsFull = false;
+};
+
+} // namespace Zamt

@@ -1,0 +1,109 @@
+#include "quindle/runtime/QuindleRuntime.h"
+#include "quindle/runtime/parameterValue.h"
+
+#include <utility>
+
+namespace Zamt {
+
+namespace {
+
+const std::string maskName = "Quindle_PreviewMask";
+const std::string maskCreator = "Lattix/Field";
+const std::string defaultMaskField = "mask";
+const std::string displayPrefix = "Display/";
+
+/// The first parameter that names the data and has a value; empty if there is none.
+std::string dataOf(const QuindleDocument& doc, const std::map<std::string, std::string>& args) {
+  for (const QuindleParam& param : doc.params) {
+    if (param.type != "Grid" && param.type != "Field") continue;
+    std::string value = parameterValue(doc, args, param.name).value_or("");
+    if (!value.empty()) return value;
+  }
+  return {};
+}
+
+std::vector<std::string> displaysOf(QuindleOps& ops, const std::string& target) {
+  std::vector<std::string> names = ops.consumersOf(target);
+  std::erase_if(names,
+                [&](const std::string& name) { return !ops.creatorOf(name).starts_with(displayPrefix); });
+  return names;
+}
+
+std::string maskFieldOf(QuindleOps& ops, const std::string& editor) {
+  std::string field;
+  Diag unread;
+  return ops.getParam(editor, "maskfield", field, unread) && !field.empty() ? field : defaultMaskField;
+}
+
+/// Whether any of the displays took the mask. One that refuses does not stop the others; the errors go to
+/// `attempts`.
+bool attachMask(QuindleOps& ops, const std::vector<std::string>& displays, const std::string& mask,
+                Diag& attempts) {
+  bool attached = false;
+  for (const std::string& display : displays) {
+    Diag attempt;
+    if (ops.connect(display, "mask", mask, {}, attempt)) attached = true;
+    attempts.absorb(attempt);
+  }
+  return attached;
+}
+
+} // namespace
+
+void QuindleRuntime::showWhatWouldChange(const QuindleDocument& doc,
+                                         const std::map<std::string, std::string>& args,
+                                         const std::string& editor, Diag& diag) {
+  if (editor.empty()) return;
+  const std::string target = dataOf(doc, args);
+  if (target.empty()) return;
+  const std::vector<std::string> displays = displaysOf(ops, target);
+  if (displays.empty()) {
+    diag.note("Nothing is displaying \"" + target +
+                  "\", so there is no way to show what this would affect. The counts above are the whole of "
+                  "what this preview can tell you.",
+              doc.name);
+    return;
+  }
+
+  const std::string field = maskFieldOf(ops, editor);
+  Diag local;
+  const std::string mask = ops.create(maskCreator, maskName, local);
+  if (mask.empty()) {
+    diag.note("The preview was worked out, but the mask could not be published for a display to show: " +
+                  local.firstError(),
+              doc.name);
+    return;
+  }
+  // Kept at once, so that the next run removes it whatever happens to it here.
+  previewObjects.push_back(mask);
+  if (!ops.connect(mask, "grid", target, {}, local) ||
+      !ops.setParam(mask, "fieldname", field + "@" + field, local)) {
+    diag.note("The preview was worked out, but the mask could not be pointed at \"" + target +
+                  "\": " + local.firstError(),
+              doc.name);
+    return;
+  }
+
+  Diag attempts;
+  if (attachMask(ops, displays, mask, attempts))
+    diag.note("The selection is attached to the display of \"" + target +
+                  "\" as its mask, so the affected points are drawn in its mask colour. If nothing looks "
+                  "different, that display is not drawing the mask: its \"maskdisplay\" decides whether a "
+                  "masked point is filled or only outlined, and an outline does not show on a distant dot. "
+                  "The counts above are exact either way. It goes away on the next run.",
+              doc.name);
+  else
+    diag.note("The preview was worked out, but nothing displaying \"" + target +
+                  "\" would take the mask, so there is no picture of it: " + attempts.firstError(),
+              doc.name);
+}
+
+void QuindleRuntime::forgetPreviewDisplay(Diag& /*diag*/) {
+  const std::vector<std::string> names = std::exchange(previewObjects, {});
+  for (auto name = names.rbegin(); name != names.rend(); ++name) {
+    Diag unread;
+    ops.removeObject(*name, unread);
+  }
+}
+
+} // namespace Zamt

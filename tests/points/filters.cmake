@@ -1,0 +1,5 @@
+target_sources(tests-points PRIVATE
+  FiltersTest.cpp
+  NeighbourFilterTest.cpp
+  RegionTest.cpp
+  SelectionTest.cpp)

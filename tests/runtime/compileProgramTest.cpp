@@ -1,0 +1,164 @@
+#include "quindle/runtime/StepGuards.h"
+#include "tests/runtime/RuntimeTest.h"
+
+#include <utility>
+
+namespace Zamt::Testing {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using CompileProgramTest = RuntimeTest;
+
+TEST_F(CompileProgramTest, BuildsObjectsAtOnceAndLeavesActionsBehind) {
+  const QuindleRuntime::Program program = compiled(
+      parsedRun("create tool = \"Edit/Tool\"\nset tool.size = 2.50\nset Sun.visible = true\n"
+                "connect tool.grid <- Cloud.grid\nconnect tool.view <- View\n"
+                "let a = 1\nif a > 0 { call tool.\"Do It.Now\"(1) } else { set tool.name = \"idle\" }\n"
+                "run \"Other\"(b: a)\nreport \"done\""));
+  EXPECT_THAT(calls(),
+              ElementsAre("create Edit/Tool Quindle_Test_tool", "set Quindle_Test_tool.size = 2.50",
+                          "set Sun.visible = true", "connect Quindle_Test_tool.grid <- Cloud.grid",
+                          "connect Quindle_Test_tool.view <- View", "set Quindle_Test_tool.name = idle"));
+  EXPECT_THAT(listed(program), ElementsAre("[] let a = 1", "[a > 0] fire tool.Do It.Now writes",
+                                           "[] run Other b: a", "[] report done"));
+  EXPECT_EQ(diag.format(), "");
+}
+
+TEST_F(CompileProgramTest, NarrowsOneChainThroughAllBlocksAndNumbersWhatItMakes) {
+  const QuindleRuntime::Program program = compiled(parsedRun(
+      "select field(\"A\", 0, 1)\nif on { select field(\"B\", 0, 1) } else { classify into \"X\" }\n"
+      "classify into \"Y\"",
+      "param on : Number = 1 param data : Field = active"));
+  EXPECT_THAT(calls(),
+              ElementsAre("create Selection/BrushFilterByField Quindle_Test_1_field1",
+                          "set Quindle_Test_1_field1.field = A", "set Quindle_Test_1_field1.minimum = 0",
+                          "set Quindle_Test_1_field1.maximum = 1", "set Quindle_Test_1_field1.component = 0",
+                          "create Selection/BrushFilterByField Quindle_Test_2_field1",
+                          "connect Quindle_Test_2_field1.brush <- Quindle_Test_1_field1",
+                          "set Quindle_Test_2_field1.field = B", "set Quindle_Test_2_field1.minimum = 0",
+                          "set Quindle_Test_2_field1.maximum = 1", "set Quindle_Test_2_field1.component = 0",
+                          "create Edit/MaskedLabels Quindle_Test_3_classify",
+                          "connect Quindle_Test_3_classify.brush <- Quindle_Test_2_field1",
+                          "set Quindle_Test_3_classify.labels = ...",
+                          "create Edit/MaskedLabels Quindle_Test_4_classify",
+                          "connect Quindle_Test_4_classify.brush <- Quindle_Test_2_field1",
+                          "set Quindle_Test_4_classify.labels = ..."));
+  EXPECT_THAT(listed(program), ElementsAre("[not on] fire Quindle_Test_3_classify.unselectAll",
+                                           "[not on] fire Quindle_Test_3_classify.select counts",
+                                           "[not on] fire Quindle_Test_3_classify.applySelection writes",
+                                           "[] fire Quindle_Test_4_classify.unselectAll",
+                                           "[] fire Quindle_Test_4_classify.select counts",
+                                           "[] fire Quindle_Test_4_classify.applySelection writes"));
+  EXPECT_EQ(program.editorObject, "Quindle_Test_4_classify");
+}
+
+TEST_F(CompileProgramTest, NestsGuardsToTheLeft) {
+  const QuindleRuntime::Program program =
+      compiled(parsedRun("if a {\n} else { if b { if c { report \"x\" } else { report \"y\" } } }"));
+  EXPECT_THAT(listed(program),
+              ElementsAre("[not a and b and c] report x", "[not a and b and not c] report y"));
+  const QuindleExpr& guard = program.steps.at(0).guard;
+  ASSERT_EQ(guard.operands.size(), 2U);
+  EXPECT_EQ(guard.operands[0].toSource(), "not a and b");
+  EXPECT_EQ(guard.operands[0].operands.at(0).line, 2);
+}
+
+TEST_F(CompileProgramTest, ReportsEveryFaultAtItsStep) {
+  QuindleDocument doc = parsedRun("set a.b = c\nset noslot = 1\nconnect noslot <- a\ncall noaction\n"
+                                  "for each x in y { report \"never\" }\nif a {\nset lost.slot = 1\n}\n"
+                                  "create gone = \"A/B\"\ncreate empty = \"C/D\"\nreport \"kept\"");
+  doc.triggers[0].steps.at(7).value.value.textValue.clear();
+  scene.refused = {"set lost.slot = 1", "create A/B Quindle_Test_gone"};
+  EXPECT_THAT(listed(compiled(doc, false)), ElementsAre("[] report kept"));
+  EXPECT_EQ(diag.format(),
+            "test.quindle:2: error: Only a written-out value can be set for now.\n"
+            "test.quindle:3: error: \"noslot\" does not name a slot. Write it as Object.slot.\n"
+            "test.quindle:4: error: \"noslot\" does not name a slot. Write it as Object.slot.\n"
+            "test.quindle:5: error: \"noaction\" does not name an action. Write it as Object.action.\n"
+            "test.quindle:6: error: This kind of step cannot be run yet.\n"
+            "scene: error: refused: set lost.slot = 1\n"
+            "scene: error: refused: create A/B Quindle_Test_gone\n"
+            "test.quindle:11: error: This does not say what to make \"empty\" from. Write the creator as "
+            "\"Category/Identifier\".");
+}
+
+TEST_F(CompileProgramTest, RefusesADocumentWithNothingToRunAndKeepsTheNamesOfTheOneBefore) {
+  compiled(parsedRun("create tool = \"Edit/Tool\""));
+  compiled(parsed("quindle \"Idle\" { on load { report \"x\" } }"), false);
+  EXPECT_EQ(diag.format(), "Idle: error: This Quindle has nothing to run.");
+  EXPECT_EQ(runtime.objectNamed("tool"), "Quindle_Test_tool");
+  compiled(parsedRun("report \"x\""));
+  EXPECT_EQ(runtime.objectNamed("tool"), "tool");
+}
+
+TEST_F(CompileProgramTest, StartsFromTheBrushOnlyWhenASelectNamesIt) {
+  struct Case {
+    std::string steps;
+    bool brushed;
+    std::string diag;
+  };
+  const Case cases[] = {
+      {"report \"{r}\"", false, ""},
+      {"select field(\"A\", 0, 1)\nif 1 { select field(\"A\", 0, 1) }", false, "Test: " + wholeNote},
+      {"if 1 { if 2 { } else { select field(\"A\", 0, 1) and not (class(2) or inside(r)) } }", true, ""}};
+  scene.add("TheBrush", "Any/Brush");
+  for (const Case& one : cases) {
+    compiled(parsedRun(one.steps, "param r : Region = brush"));
+    EXPECT_EQ(diag.format(), one.diag) << one.steps;
+    EXPECT_EQ(!scene.consumersOf("TheBrush").empty(), one.brushed) << one.steps;
+  }
+}
+
+TEST_F(CompileProgramTest, UsesTheNameThatTheSceneGave) {
+  scene.add("Quindle_Test_tool", "Any/Thing");
+  compiled(parsedRun("create tool = \"Edit/Tool\"\nset tool.size = 1"));
+  EXPECT_THAT(calls(), ElementsAre("create Edit/Tool Quindle_Test_tool", "set Quindle_Test_tool_2.size = 1"));
+}
+
+/// `steps` under an "if" whose condition weighs one less than `weight`, which counts the block itself too.
+QuindleStep block(std::size_t weight, std::vector<QuindleStep> steps) {
+  QuindleStep step;
+  step.kind = QuindleStep::Kind::If;
+  step.condition.kind = QuindleExpr::Kind::Literal;
+  step.condition.value = QuindleValue::text(std::string((weight - 2) * 16, 'x'));
+  step.body = std::move(steps);
+  return step;
+}
+
+TEST_F(CompileProgramTest, BoundsWhatAllGuardsTogetherWeigh) {
+  QuindleStep report;
+  report.kind = QuindleStep::Kind::Report;
+  report.value.kind = QuindleExpr::Kind::Literal;
+  report.line = 7;
+  QuindleDocument doc = parsedRun("");
+  std::vector<QuindleStep>& steps = doc.triggers[0].steps;
+  constexpr std::size_t tenth = maxGuardWeight / 10;
+  steps = {block(tenth, std::vector<QuindleStep>(9, report)), block(tenth, {report})};
+  EXPECT_EQ(compiled(doc).steps.size(), 10U);
+  steps[1] = block(tenth + 1, {report, report});
+  EXPECT_EQ(compiled(doc, false).steps.size(), 9U);
+  EXPECT_EQ(
+      diag.format(),
+      "test.quindle:7: error: The conditions of the \"if\" blocks around the steps of this Quindle add up to "
+      "more than can be kept, since every step carries all those around it. Nest the blocks less deeply, or "
+      "move some of the steps to a Quindle of their own and \"run\" that.");
+}
+
+TEST_F(CompileProgramTest, CompilesAndRunsAMillionNestedBlocks) {
+  QuindleDocument doc = parsedRun("if on { report \"deep\" }", "param on : Number = 1");
+  std::vector<QuindleStep>& steps = doc.triggers[0].steps;
+  for (int depth = 1; depth < 1'000'000; ++depth) {
+    QuindleStep outer;
+    outer.kind = QuindleStep::Kind::If;
+    outer.condition = steps[0].condition;
+    outer.body = std::move(steps);
+    steps.clear();
+    steps.push_back(std::move(outer));
+  }
+  EXPECT_TRUE(run(doc)) << diag.format();
+  EXPECT_THAT(result.report, ElementsAre("deep"));
+}
+
+} // namespace
+} // namespace Zamt::Testing

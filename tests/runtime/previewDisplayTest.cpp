@@ -1,0 +1,110 @@
+#include "tests/runtime/RuntimeTest.h"
+
+namespace Zamt::Testing {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class PreviewDisplayTest : public RuntimeTest {
+protected:
+  const std::string createMask = "create Lattix/Field Quindle_PreviewMask";
+  const std::string connectGrid = "connect Quindle_PreviewMask.grid <- Cloud";
+  const std::string setField = "set Quindle_PreviewMask.fieldname = mask@mask";
+  const std::string connectLeft = "connect Left.mask <- Quindle_PreviewMask";
+  const std::string connectRight = "connect Right.mask <- Quindle_PreviewMask";
+  const QuindleDocument doc =
+      parsedRun("", "param n : Number = 1 param other : Field = pick param data : Grid");
+
+  PreviewDisplayTest() {
+    scene.add("Left", "Display/Picture").sources["grid"] = "Cloud";
+    scene.add("Right", "Display/Picture").sources["grid"] = "Cloud.grid";
+    scene.add("Writer", "Output/Display").sources["grid"] = "Cloud";
+    scene.add("Far", "Display/Picture").sources["grid"] = "Other";
+  }
+
+  std::string show(const std::map<std::string, std::string>& args = {{"data", "Cloud"}},
+                   const std::string& editor = "Editor") {
+    Diag notes;
+    runtime.showWhatWouldChange(doc, args, editor, notes);
+    return notes.format();
+  }
+};
+
+TEST_F(PreviewDisplayTest, TellsHowTheMaskWasTaken) {
+  struct Case {
+    std::set<std::string> refused;
+    std::string note;
+    Lines calls;
+  };
+  const std::string attached = "The selection is attached to the display of \"Cloud\" as its mask, so the "
+                               "affected points are drawn in its "
+                               "mask colour. If nothing looks different, that display is not drawing the "
+                               "mask: its \"maskdisplay\" decides "
+                               "whether a masked point is filled or only outlined, and an outline does not "
+                               "show on a distant dot. The counts "
+                               "above are exact either way. It goes away on the next run.";
+  const Case cases[] = {
+      {{}, attached, {createMask, connectGrid, setField, connectLeft, connectRight}},
+      {{connectLeft}, attached, {createMask, connectGrid, setField, connectLeft, connectRight}},
+      {{connectLeft, connectRight},
+       "The preview was worked out, but nothing displaying \"Cloud\" would take the mask, so there is no "
+       "picture of "
+       "it: refused: connect Left.mask <- Quindle_PreviewMask",
+       {createMask, connectGrid, setField, connectLeft, connectRight}},
+      {{setField},
+       "The preview was worked out, but the mask could not be pointed at \"Cloud\": refused: set "
+       "Quindle_PreviewMask.fieldname = mask@mask",
+       {createMask, connectGrid, setField}},
+      {{connectGrid},
+       "The preview was worked out, but the mask could not be pointed at \"Cloud\": refused: connect "
+       "Quindle_PreviewMask.grid <- Cloud",
+       {createMask, connectGrid}},
+      {{createMask},
+       "The preview was worked out, but the mask could not be published for a display to show: refused: "
+       "create "
+       "Lattix/Field Quindle_PreviewMask",
+       {createMask}}};
+  for (const Case& one : cases) {
+    scene.refused = one.refused;
+    EXPECT_EQ(show(), "Test: note: " + one.note);
+    EXPECT_EQ(calls(), one.calls);
+    runtime.forgetPreviewDisplay(diag);
+    EXPECT_EQ(calls(), one.calls.size() > 1 ? Lines{"remove Quindle_PreviewMask"} : Lines{});
+  }
+}
+
+TEST_F(PreviewDisplayTest, DoesNothingWithoutAnEditorOrDataAndSaysSoWithoutADisplay) {
+  EXPECT_EQ(show({{"data", "Cloud"}}, ""), "");
+  EXPECT_EQ(show({}), "");
+  EXPECT_EQ(
+      show({{"data", "Cloud"}, {"other", "Unseen"}}),
+      "Test: note: Nothing is displaying \"Unseen\", so there is no way to show what this would affect. The "
+      "counts above are the whole of what this preview can tell you.");
+  EXPECT_THAT(calls(), IsEmpty());
+}
+
+TEST_F(PreviewDisplayTest, TakesTheFieldFromTheEditorAndGoesWithTheNextRun) {
+  scene.add("Editor", "Edit/MaskedLabels").slots["maskfield"] = "marked";
+  show();
+  EXPECT_EQ(scene.objects["Quindle_PreviewMask"].slots["fieldname"], "marked@marked");
+  calls();
+  QuindleDocument off = parsedRun("");
+  off.enabled = false;
+  scene.refused = {"remove Quindle_PreviewMask"};
+  run(off);
+  EXPECT_EQ(diag.format(), "Test: warning: \"Test\" is switched off.");
+  run(off);
+  EXPECT_THAT(calls(), ElementsAre("remove Quindle_PreviewMask"));
+}
+
+TEST_F(PreviewDisplayTest, EndsAPreviewThatCounted) {
+  ASSERT_TRUE(preview(classifying(), {{"data", "Cloud"}}));
+  EXPECT_THAT(diag.entries.back().message,
+              testing::StartsWith("The selection is attached to the display of"));
+  Lines made = calls();
+  EXPECT_EQ(made.back(), connectRight);
+}
+
+} // namespace
+} // namespace Zamt::Testing
