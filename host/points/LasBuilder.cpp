@@ -97,12 +97,15 @@ public:
     if (format == 3) colourAt = 28;
     if (format >= 7) colourAt = 30;
     for (const NewField& field : cloud.extraFields) {
-      extraAt.push_back(length);
-      length += sizeOf(field.type);
+      for (unsigned component = 0; component < field.components; ++component) {
+        extra.push_back({length, field.type});
+        length += sizeOf(field.type);
+      }
     }
   }
 
   std::size_t recordLength() const { return length; }
+  std::size_t extraCount() const { return extra.size(); }
   std::size_t pointOffset() const { return headerOf14 + records().size(); }
 
   void writePoint(const NewPoint& point, std::byte* at, Summary& summary) const;
@@ -116,7 +119,11 @@ private:
   std::size_t length;
   std::size_t gpsAt = 0;    ///< 0 for a format without it,
   std::size_t colourAt = 0; ///< likewise.
-  std::vector<std::size_t> extraAt;
+  struct Component {
+    std::size_t at;
+    FieldType type;
+  };
+  std::vector<Component> extra;
 };
 
 void Builder::writePoint(const NewPoint& point, std::byte* at, Summary& summary) const {
@@ -135,8 +142,7 @@ void Builder::writePoint(const NewPoint& point, std::byte* at, Summary& summary)
   if (gpsAt != 0) writeAt(at + gpsAt, point.gpsTime);
   if (colourAt != 0) writeAt(at + colourAt, point.colour);
   if (description.pointFormat == 8) writeAt(at + 36, point.infrared);
-  for (std::size_t i = 0; i < extraAt.size(); ++i)
-    writeNumber(at + extraAt[i], description.extraFields[i].type, point.extra[i]);
+  for (std::size_t i = 0; i < extra.size(); ++i) writeNumber(at + extra[i].at, extra[i].type, point.extra[i]);
   if (point.returnNumber >= 1 && point.returnNumber <= 15) ++summary.byReturn[point.returnNumber - 1U];
 }
 
@@ -155,8 +161,9 @@ std::vector<std::byte> Builder::records() const {
     std::vector<std::byte> data(description.extraFields.size() * extraEntrySize);
     for (std::size_t i = 0; i < description.extraFields.size(); ++i) {
       std::byte* const entry = data.data() + i * extraEntrySize;
-      entry[2] = static_cast<std::byte>(static_cast<unsigned>(description.extraFields[i].type) + 1);
-      std::memcpy(entry + 4, description.extraFields[i].name.data(), description.extraFields[i].name.size());
+      const NewField& field = description.extraFields[i];
+      entry[2] = static_cast<std::byte>(static_cast<unsigned>(field.type) + 1 + 10 * (field.components - 1));
+      std::memcpy(entry + 4, field.name.data(), field.name.size());
     }
     addRecord(extraBytesId, data, result);
   }
@@ -219,9 +226,12 @@ std::string descriptionProblem(const NewCloud& cloud) {
     return "Points of format " + std::to_string(format) + " can't be made. Choose 0, 1, 2, 3, 6, 7 or 8.";
   if (std::ranges::any_of(cloud.scale, [](double scale) { return !(scale > 0) || std::isinf(scale); }))
     return "The scale of new points must be a positive number. Choose one such as 0.001.";
-  for (const NewField& field : cloud.extraFields)
+  for (const NewField& field : cloud.extraFields) {
     if (field.name.size() > longestFieldName)
       return "The field name \"" + field.name + "\" is longer than 32 bytes. Choose a shorter one.";
+    if (field.components < 1 || field.components > 3)
+      return "The field \"" + field.name + "\" must have one, two or three components.";
+  }
   constexpr std::size_t mostFields = std::numeric_limits<std::uint16_t>::max() / extraEntrySize;
   if (cloud.extraFields.size() > mostFields)
     return "A LAS file can't describe more than " + std::to_string(mostFields) + " extra fields. Use fewer.";
@@ -234,14 +244,14 @@ std::string descriptionProblem(const NewCloud& cloud) {
 }
 
 /// Fills and writes the points, block by block and blocks in parallel.
-bool writePoints(const Builder& builder, const NewCloud& description, std::uint64_t points,
+bool writePoints(const Builder& builder, std::uint64_t points,
                  const std::function<void(std::uint64_t, NewPoint&)>& fill, AtomicFile& file,
                  Summary& summary, std::string& error) {
   std::mutex gathering;
   std::atomic<bool> failed{false};
   const NewPoint blank = [&] {
     NewPoint point;
-    point.extra.resize(description.extraFields.size());
+    point.extra.resize(builder.extraCount());
     return point;
   }();
   const std::uint64_t blocks = (points + blockPoints - 1) / blockPoints;
@@ -277,7 +287,7 @@ bool buildLas(const NewCloud& description, std::uint64_t points,
   const auto file = AtomicFile::create(path, error);
   if (!file || !file->reserve(builder.pointOffset() + points * builder.recordLength(), error)) return false;
   Summary summary;
-  if (!writePoints(builder, description, points, fill, *file, summary, error)) return false;
+  if (!writePoints(builder, points, fill, *file, summary, error)) return false;
   return file->write(0, builder.head(points, summary), error) && file->commit(error);
 }
 

@@ -10,10 +10,11 @@
 
 namespace Zamt::Host {
 
-/// A field of one value a point that is stored as extra bytes, unscaled.
+/// A field that is stored as extra bytes, unscaled.
 struct NewField {
   std::string name; ///< At most 32 bytes.
   FieldType type = FieldType::F32;
+  unsigned components = 1; ///< 1, 2 or 3 values a point.
 };
 
 /// What a new LAS 1.4 file is like.
@@ -38,7 +39,7 @@ struct NewPoint {
   double gpsTime = 0;
   std::array<std::uint16_t, 3> colour{0, 0, 0};
   std::uint16_t infrared = 0;
-  std::vector<double> extra; ///< One for each extra field, in order; zeros to begin with.
+  std::vector<double> extra; ///< One for each component of each extra field, in order; zeros to begin with.
 };
 
 /// Writes a file of that many points to `path`, each as `fill` leaves it when given its number and a point

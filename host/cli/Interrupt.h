@@ -1,0 +1,10 @@
+#pragma once
+
+namespace Zamt::Host {
+
+/// From now on Ctrl-C, and being asked to end, only raise `interrupted`, so that the work at hand ends by
+/// itself and tidies up. Asked a second time, the process ends at once. Writing to a reader that went away
+/// becomes an error of the write.
+void handleSignals();
+
+} // namespace Zamt::Host

@@ -1,0 +1,74 @@
+#include "host/cli/QuindleSource.h"
+
+#include "host/points/Interruption.h"
+#include "quindle/text/parseQuindle.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace Zamt::Host {
+
+namespace {
+
+/// A Quindle is a page or two of text. What is larger than this (inclusive) is the wrong file, or a device
+/// that never ends.
+constexpr std::size_t maxQuindleBytes = 256 * 1024 * 1024;
+
+/// An open file that is closed when done with; standard input is left open.
+class Input {
+public:
+  explicit Input(const std::string& which)
+      : file(which == "-" ? STDIN_FILENO : ::open(which.c_str(), O_RDONLY | O_CLOEXEC)) {}
+  Input(const Input&) = delete;
+  Input& operator=(const Input&) = delete;
+  ~Input() {
+    if (file > STDIN_FILENO) ::close(file);
+  }
+  int handle() const { return file; }
+
+private:
+  int file;
+};
+
+/// Empty when everything was read, otherwise what went wrong.
+std::string readAll(int file, std::string& text) {
+  std::array<char, 65536> buffer;
+  while (!interrupted) {
+    const ssize_t got = ::read(file, buffer.data(), buffer.size());
+    if (got == 0) return {};
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0)
+      return fmt::format("This can't be read: {}. Name a file that holds a Quindle.", std::strerror(errno));
+    text.append(buffer.data(), static_cast<std::size_t>(got));
+    if (text.size() > maxQuindleBytes)
+      return "This is too large to be a Quindle. Name a file that holds one.";
+  }
+  return interruptedMessage;
+}
+
+} // namespace
+
+bool readQuindleSource(const std::string& which, QuindleSource& source, Diag& diag) {
+  source.label = which == "-" ? "<stdin>" : which;
+  source.text.clear();
+  const Input input(which);
+  if (input.handle() < 0) {
+    diag.error(fmt::format("This can't be opened: {}. Check the path.", std::strerror(errno)), source.label);
+    return false;
+  }
+  const std::string problem = readAll(input.handle(), source.text);
+  if (!problem.empty()) diag.error(problem, source.label);
+  return problem.empty();
+}
+
+bool loadQuindle(const std::string& which, QuindleDocument& document, Diag& diag) {
+  QuindleSource source;
+  return readQuindleSource(which, source, diag) && parseQuindle(source.text, source.label, document, diag);
+}
+
+} // namespace Zamt::Host

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "host/cli/Console.h"
+
+#include <CLI/App.hpp>
+
+namespace Zamt::Host {
+
+/// What the verbs share: where to print, and how it ended.
+struct Session {
+  Console console;
+  Exit exit = Exit::Done;
+};
+
+/// Each adds one verb with its options to `app`. The verb runs when the command line is parsed, prints to
+/// `session.console` and leaves its end in `session.exit`; `session` must outlive `app`.
+void addRunCommand(CLI::App& app, Session& session);
+void addPreviewCommand(CLI::App& app, Session& session);
+void addCheckCommand(CLI::App& app, Session& session);
+void addPlanCommand(CLI::App& app, Session& session);
+void addInfoCommand(CLI::App& app, Session& session);
+void addSampleCommand(CLI::App& app, Session& session);
+
+} // namespace Zamt::Host

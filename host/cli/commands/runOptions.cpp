@@ -1,0 +1,91 @@
+#include "host/cli/commands/runOptions.h"
+
+#include "host/points/Region.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <fstream>
+#include <iterator>
+
+namespace Zamt::Host {
+
+namespace {
+
+/// No run gains from more; a larger number is a slip.
+constexpr unsigned maxThreads = 1024;
+
+/// What a region's file may hold, inclusive: far more than any outline drawn by hand or taken from a map.
+constexpr std::size_t maxRegionBytes = 64 * 1024 * 1024;
+
+std::string parameterList(const QuindleDocument& document) {
+  if (document.params.empty()) return "This Quindle takes none";
+  std::vector<std::string> names;
+  for (const QuindleParam& param : document.params) names.push_back(param.name);
+  return fmt::format("This Quindle takes {}", fmt::join(names, ", "));
+}
+
+bool readText(const std::string& path, std::string& text, std::string& problem) {
+  std::ifstream file(path, std::ios::binary);
+  std::vector<char> piece(65536);
+  while (file && text.size() <= maxRegionBytes) {
+    file.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+    text.append(piece.data(), static_cast<std::size_t>(file.gcount()));
+  }
+  if (file.eof()) return true;
+  problem = fmt::format("The region's file \"{}\" can't be read. Check the path.", path);
+  return false;
+}
+
+} // namespace
+
+void addRunOptions(CLI::App& verb, RunOptions& options) {
+  verb.add_option("Q", options.quindle, "The Quindle: a file, or - for standard input.")->required();
+  verb.add_option("CLOUD", options.clouds, "The clouds, LAS files; each is worked on by itself.")->required();
+  verb.add_option("--set", options.settings, "NAME=VALUE: the value of a parameter. May be given again.")
+      ->allow_extra_args(false)
+      ->type_name("NAME=VALUE");
+  verb.add_option(
+          "--region", options.region,
+          "Where to work: a box of four or six numbers, a polygon as WKT or GeoJSON, or @FILE with one of "
+          "these in it.")
+      ->type_name("REGION");
+  verb.add_option("--threads", options.threads, "How many threads to use.")
+      ->check(CLI::Range(1U, maxThreads))
+      ->type_name("N");
+}
+
+bool readSettings(const RunOptions& options, const QuindleDocument& document,
+                  std::map<std::string, std::string>& values, std::string& problem) {
+  for (const std::string& setting : options.settings) {
+    const std::size_t equals = setting.find('=');
+    if (equals == std::string::npos || equals == 0) {
+      problem = fmt::format("\"{}\" sets nothing. Write --set NAME=VALUE.", setting);
+      return false;
+    }
+    const std::string name = setting.substr(0, equals);
+    if (document.findParam(name) == nullptr) {
+      problem = fmt::format("There is no parameter called \"{}\". {}.", name, parameterList(document));
+      return false;
+    }
+    values[name] = setting.substr(equals + 1);
+  }
+  return true;
+}
+
+bool readRegionText(const RunOptions& options, std::string& text, std::string& problem) {
+  text = options.region;
+  if (text.empty()) return true;
+  if (text[0] == '@') {
+    const std::string path = text.substr(1);
+    text.clear();
+    if (!readText(path, text, problem)) return false;
+  }
+  Region region;
+  return parseRegion(text, region, problem);
+}
+
+} // namespace Zamt::Host

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "quindle/core/QuindleDocument.h"
+
+#include <CLI/App.hpp>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Zamt::Host {
+
+/// What "run" and "preview" have in common.
+struct RunOptions {
+  std::string quindle;
+  std::vector<std::string> clouds;
+  std::vector<std::string> settings; ///< "name=value", as written.
+  std::string region;                ///< The text of a region, or "@" and the file that holds it.
+  unsigned threads = 0;              ///< 0 for as many as the machine has.
+  bool json = false;
+};
+
+/// Adds the options to a verb; `options` must outlive it.
+void addRunOptions(CLI::App& verb, RunOptions& options);
+
+/// The values of "--set" by parameter. False, with a sentence in `problem`, when one is no "name=value" or
+/// names no parameter of the document.
+bool readSettings(const RunOptions& options, const QuindleDocument& document,
+                  std::map<std::string, std::string>& values, std::string& problem);
+
+/// The text of "--region", read from its file if it names one; empty if there is none. False, with a sentence
+/// in `problem`, when it is no region.
+bool readRegionText(const RunOptions& options, std::string& text, std::string& problem);
+
+} // namespace Zamt::Host

@@ -1,0 +1,90 @@
+#include "tests/cli/quindle.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace Zamt::Testing;
+using testing::HasSubstr;
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+TEST(Command, WrongUsageEndsWithTwoAndDoesNothing) {
+  const TemporaryDirectory directory;
+  const std::string good =
+      directory.write("good.quindle", "quindle \"A\" { param p : Number = 1 on run { } }");
+  const std::string here = directory.path();
+  const std::vector<std::pair<Words, std::string>> cases{
+      {{}, "A subcommand is required"},
+      {{"frobnicate"}, "A subcommand is required"},
+      {{"check"}, "Q is required"},
+      {{"check", "--frob", good}, "--frob"},
+      {{"plan", good, good}, "The following argument was not expected"},
+      {{"sample", directory.path("a.las"), "--points", "-5"}, "--points"},
+      {{"run", good}, "CLOUD is required"},
+      {{"run", good, "a.las"}, "Write -o with a file or a directory, or --in-place."},
+      {{"run", good, "a.las", "-o", "b.las", "--in-place"}, "--in-place"},
+      {{"run", good, "a.las", "b.las", "-o", here + "/c.las"}, "several clouds need one"},
+      {{"run", good, "x/a.las", "y/a.las", "-o", here}, "Two of the clouds would be written to"},
+      {{"run", good, "a.las", "-o", here + "/none/b.las"}, "The directory"},
+      {{"run", good, "a.las", "-o", good}, "There is already a file"},
+      {{"run", good, good, "-o", good}, "is one of the clouds that are read"},
+      {{"run", good, "a.las", "./a.las", "--in-place"}, "Two of the clouds would be written to"},
+      {{"preview", good, "a.las", "--set", "p"}, "Write --set NAME=VALUE."},
+      {{"preview", good, "a.las", "--set", "q=1"},
+       "There is no parameter called \"q\". This Quindle takes p."},
+      {{"preview", good, "a.las", "--region", "nowhere"}, "region"},
+  };
+  for (const auto& [words, said] : cases) {
+    SCOPED_TRACE(testing::PrintToString(words));
+    const CommandResult result = quindle(words);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, HasSubstr(said));
+  }
+}
+
+TEST(Command, HelpIsThereForEveryVerbWithAnExample) {
+  for (const Words& words : std::vector<Words>{{"--help"},
+                                               {"run", "--help"},
+                                               {"preview", "--help"},
+                                               {"check", "--help"},
+                                               {"plan", "--help"},
+                                               {"info", "--help"},
+                                               {"sample", "--help"}}) {
+    SCOPED_TRACE(words[0]);
+    const CommandResult result = quindle(words);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.out, HasSubstr("Example:\n  quindle "));
+    EXPECT_EQ(result.err, "");
+  }
+}
+
+TEST(Command, SaysItsVersion) {
+  const CommandResult result = quindle({"--version"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out, "quindle 0.1.0\n");
+}
+
+TEST(Command, AFullDiskUnderTheResultsIsAFailure) {
+  const CommandResult result = quindle({"--help"}, {.outputFile = "/dev/full"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err,
+            "error: The results could not be written to standard output: No space left on device.\n");
+}
+
+TEST(Command, AReaderThatWentAwayEndsItQuietly) {
+  const CommandResult result = quindle({"--help"}, {.closeOutput = true});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, "");
+}
+
+TEST(Command, AnInterruptEndsItInOneSentence) {
+  const CommandResult result =
+      quindle({"check", "-"}, {.waitOnInput = true, .interruptAfter = std::chrono::milliseconds(300)});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, "<stdin>: error: Interrupted, nothing was written.\n");
+}
+
+} // namespace

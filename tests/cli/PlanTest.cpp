@@ -1,0 +1,64 @@
+#include "tests/cli/quindle.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+using namespace Zamt::Testing;
+
+namespace {
+
+const std::string ordered = "quindle \"Ordered\" {\n"
+                            "  param tile : Region\n"
+                            "  on run {\n"
+                            "    select class(\"Ground\") and (neighbours(0.5) < 3 or inside(tile))\n"
+                            "      and not (Amplitude > 120)\n"
+                            "  }\n"
+                            "}\n";
+
+TEST(Plan, PutsCheapConditionsFirstAsATree) {
+  const CommandResult result = quindle({"plan", "-"}, {.input = ordered});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.out, "<stdin>:4: select\n"
+                        "  and                                         cheap\n"
+                        "    class(\"Ground\", \"Classification\")         cheap\n"
+                        "    not field(\"Amplitude\", 120, 1e+300, 0)    cheap\n"
+                        "    or                                        expensive\n"
+                        "      neighbours(0.5, 0, 2)                   expensive\n"
+                        "      inside(tile)                            free\n");
+}
+
+TEST(Plan, GivesMachinesAFlatListWithDepths) {
+  const CommandResult result = quindle({"plan", "--json", "-"}, {.input = ordered});
+  ASSERT_EQ(result.exitCode, 0);
+  const nlohmann::json plan = nlohmann::json::parse(result.out, nullptr, false);
+  ASSERT_EQ(plan["selects"][0]["nodes"].size(), 6U);
+  EXPECT_EQ(plan["selects"][0]["nodes"][4], (nlohmann::json{{"depth", 2},
+                                                            {"kind", "condition"},
+                                                            {"text", "neighbours(0.5, 0, 2)"},
+                                                            {"cost", 10000},
+                                                            {"costWord", "expensive"},
+                                                            {"line", 4}}));
+  EXPECT_EQ(plan["diagnostics"], nlohmann::json::array());
+}
+
+/// One text alternating "and" and "or", as deep as asked.
+std::string deepQuindle(int depth) {
+  std::string condition;
+  for (int i = 0; i < depth; ++i) condition += i % 2 == 0 ? "a < 1 and (" : "a < 1 or (";
+  return "quindle \"Deep\" { on run { select " + condition + "a < 1" +
+         std::string(static_cast<std::size_t>(depth), ')') + " } }";
+}
+
+TEST(Plan, ShowsAPlanOfAnyDepth) {
+  const TemporaryDirectory directory;
+  const std::string deep = directory.write("deep.quindle", deepQuindle(200000));
+  for (const bool json : {false, true}) {
+    const CommandResult result = quindle(json ? std::vector<std::string>{"plan", "--json", deep}
+                                              : std::vector<std::string>{"plan", deep});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_GT(result.out.size(), 200000U);
+  }
+}
+
+} // namespace

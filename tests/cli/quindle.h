@@ -1,0 +1,17 @@
+#pragma once
+
+#include "tests/support/runCommand.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Zamt::Testing {
+
+/// Runs the built command with these arguments.
+inline CommandResult quindle(std::vector<std::string> words, const CommandInput& how = {}) {
+  words.insert(words.begin(), QUINDLE_COMMAND);
+  return runCommand(words, how);
+}
+
+} // namespace Zamt::Testing
