@@ -1,8 +1,6 @@
 #include "host/cli/commands/commands.h"
 #include "host/points/Interruption.h"
-#include "host/points/LasBuilder.h"
-#include "host/points/SampleScene.h"
-#include "host/points/SurfaceFile.h"
+#include "host/points/SampleFiles.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -35,28 +33,6 @@ struct SampleOptions {
 std::string waterPath(const std::string& output) {
   const std::filesystem::path path(output);
   return (path.parent_path() / (path.stem().string() + "-water.ply")).string();
-}
-
-void fillPoint(const SamplePoint& from, NewPoint& to) {
-  to.position = {from.x, from.y, from.z};
-  to.intensity = from.intensity;
-  to.returnNumber = from.returnNumber;
-  to.numberOfReturns = from.returns;
-  to.classification = from.classNumber;
-  to.gpsTime = from.gpsTime;
-  to.pointSourceId = 1;
-  to.extra = {static_cast<double>(from.amplitude), static_cast<double>(from.normal[0]),
-              static_cast<double>(from.normal[1]), static_cast<double>(from.normal[2])};
-}
-
-bool writeScene(const SampleScene& scene, const std::string& cloudPath, const std::string& surfacePath,
-                std::string& problem) {
-  NewCloud cloud;
-  cloud.origin = {sampleOrigin[0], sampleOrigin[1], 0};
-  cloud.extraFields = {{"Amplitude", FieldType::F32, 1}, {"NormalVector", FieldType::F32, 3}};
-  const auto fill = [&scene](std::uint64_t index, NewPoint& point) { fillPoint(scene.points[index], point); };
-  return writePly(surfacePath, scene.water, problem) &&
-         buildLas(cloud, scene.points.size(), fill, cloudPath, problem);
 }
 
 /// Empty when the scene may be written to these files.
@@ -98,7 +74,7 @@ Exit makeSample(const SampleOptions& options, Console& console) {
   const SampleScene scene = makeSampleScene(options.points, options.seed);
   if (interrupted)
     problem = interruptedMessage;
-  else if (writeScene(scene, options.output, surfacePath, problem)) {
+  else if (writeSample(scene, options.output, surfacePath, problem)) {
     printMade(options, surfacePath, console);
     return Exit::Done;
   }

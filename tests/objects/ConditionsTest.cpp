@@ -1,0 +1,251 @@
+#include "host/points/Surface.h"
+#include "host/points/SurfaceFile.h"
+#include "tests/objects/scenes.h"
+
+#include <cmath>
+#include <functional>
+#include <numbers>
+#include <random>
+
+// The chain of objects that a planned condition becomes has to select what the condition says when it is worked
+// out point by point, as it stands, without plan, chain, index or blocks.
+namespace Zamt::Testing {
+namespace {
+
+using Truth = std::vector<bool>;
+
+/// A condition as text, and the points for which it is true.
+struct Condition {
+  std::string text;
+  Truth truth;
+};
+
+Truth combine(const Truth& a, const Truth& b, const std::function<bool(bool, bool)>& with) {
+  Truth out(a.size());
+  for (std::size_t i = 0; i < a.size(); ++i) out[i] = with(a[i], b[i]);
+  return out;
+}
+
+class NaiveCloud {
+public:
+  explicit NaiveCloud(const Host::PointCloud& source) : cloud(source) {}
+
+  double field(const std::string& name, std::uint64_t point, unsigned component = 0) const {
+    const Host::Field* const found = cloud.findField(name);
+    EXPECT_NE(found, nullptr) << name;
+    const std::uint32_t index = 0;
+    double value = 0;
+    if (found) cloud.gather(*found, component, point, {&index, 1}, {&value, 1});
+    return value;
+  }
+
+  Condition where(const std::string& text, const std::function<bool(std::uint64_t)>& holds) const {
+    Condition condition{text, Truth(cloud.size())};
+    for (std::uint64_t point = 0; point < cloud.size(); ++point) condition.truth[point] = holds(point);
+    return condition;
+  }
+
+  Condition neighbours(double radius, double most) const {
+    const auto count = [&](std::uint64_t point) {
+      const auto a = cloud.position(point);
+      double found = 0;
+      for (std::uint64_t other = 0; other < cloud.size(); ++other) {
+        if (other == point) continue;
+        const auto b = cloud.position(other);
+        const double dx = a[0] - b[0];
+        const double dy = a[1] - b[1];
+        const double dz = a[2] - b[2];
+        if (dx * dx + dy * dy + dz * dz <= radius * radius) ++found;
+      }
+      return found;
+    };
+    return where("neighbours(" + std::to_string(radius) + ", 0, " + std::to_string(most) + ")",
+                 [&](std::uint64_t point) { return count(point) <= most; });
+  }
+
+  Condition surface(const std::string& path, bool above, double margin) const {
+    Host::Mesh mesh;
+    std::string problem;
+    EXPECT_TRUE(Host::readMesh(path, mesh, problem)) << problem;
+    const std::string name = above ? "above" : "below";
+    return where(name + "(\"" + path + "\", " + std::to_string(margin) + ")", [&](std::uint64_t point) {
+      const double past = distance(mesh, cloud.position(point));
+      return above ? past > margin : -past > margin; // false where there is no surface
+    });
+  }
+
+  const Host::PointCloud& cloud;
+
+private:
+  /// Signed vertical distance to the nearest sheet; NaN where there is none.
+  static double distance(const Host::Mesh& mesh, const std::array<double, 3>& at) {
+    double nearest = std::nan("");
+    for (const auto& corners : mesh.triangles) {
+      const auto& a = mesh.vertices[corners[0]];
+      const auto& b = mesh.vertices[corners[1]];
+      const auto& c = mesh.vertices[corners[2]];
+      const auto side = [&at](const auto& from, const auto& to) {
+        return (to[0] - from[0]) * (at[1] - from[1]) - (to[1] - from[1]) * (at[0] - from[0]);
+      };
+      const double u = side(b, c);
+      const double v = side(c, a);
+      const double w = side(a, b);
+      const double area = u + v + w;
+      if (area == 0 || !((u >= 0 && v >= 0 && w >= 0) || (u <= 0 && v <= 0 && w <= 0))) continue;
+      const double gap = at[2] - (u * a[2] + v * b[2] + w * c[2]) / area;
+      if (std::isnan(nearest) || std::fabs(gap) < std::fabs(nearest)) nearest = gap;
+    }
+    return std::fabs(nearest) <= 1e-6 ? 0 : nearest;
+  }
+};
+
+/// A random combination of `atoms`, with as many parentheses as it takes.
+Condition randomCondition(const std::vector<Condition>& atoms, std::mt19937& random, int depth) {
+  std::vector<Condition> level;
+  for (int i = 0; i < (1 << depth); ++i) level.push_back(atoms[random() % atoms.size()]);
+  while (level.size() > 1) {
+    std::vector<Condition> next;
+    for (std::size_t i = 0; i + 1 < level.size(); i += 2) {
+      const bool both = random() % 2 == 0;
+      Condition joined{"(" + level[i].text + (both ? " and " : " or ") + level[i + 1].text + ")",
+                       combine(level[i].truth, level[i + 1].truth,
+                               [both](bool a, bool b) { return both ? a && b : a || b; })};
+      if (random() % 3 == 0) {
+        joined.text = "not " + joined.text;
+        joined.truth.flip();
+      }
+      next.push_back(std::move(joined));
+    }
+    level = std::move(next);
+  }
+  return level.front();
+}
+
+class ConditionsTest : public SceneTest {
+public:
+  void open(const std::string& file) {
+    Diag diag;
+    ASSERT_TRUE(scene.openCloud(file, {}, diag)) << diag.format();
+  }
+
+  /// What a Quindle with that condition selects.
+  Truth selected(const std::string& condition) {
+    const QuindleDocument doc =
+        parsedRun("select " + condition + "\nclassify into \"Probe\" as 31", "param cloud : Grid = active");
+    scene.runtime().forget(doc.name);
+    QuindleRunResult result;
+    Diag diag;
+    EXPECT_TRUE(scene.run(doc, {}, true, result, diag)) << condition << '\n' << diag.format();
+    const Host::PointMask& mask = scene.grid()->masks["mask"];
+    Truth truth(scene.grid()->cloud->size());
+    for (std::size_t i = 0; i < truth.size() && i < mask.size(); ++i) truth[i] = mask.test(i);
+    return truth;
+  }
+
+  void expectAgreement(const std::vector<Condition>& atoms) {
+    for (const Condition& atom : atoms) {
+      const auto kept = std::count(atom.truth.begin(), atom.truth.end(), true);
+      EXPECT_GT(kept, 0) << atom.text << " keeps nothing and so proves nothing";
+      EXPECT_LT(kept, static_cast<std::ptrdiff_t>(atom.truth.size())) << atom.text;
+      Truth negated = atom.truth;
+      negated.flip();
+      EXPECT_EQ(selected(atom.text), atom.truth) << atom.text;
+      EXPECT_EQ(selected("not " + atom.text), negated) << atom.text;
+    }
+    std::mt19937 random(20240607);
+    for (int round = 0; round < 25; ++round) {
+      const Condition condition = randomCondition(atoms, random, 1 + round % 3);
+      EXPECT_EQ(selected(condition.text), condition.truth) << condition.text;
+    }
+  }
+
+  Host::Scene scene;
+};
+
+TEST_F(ConditionsTest, AllNineSelectWhatTheySayOnTheSampleAloneNegatedAndCombined) {
+  open(sample());
+  const NaiveCloud naive(*scene.grid()->cloud);
+  const auto middle = naive.cloud.position(naive.cloud.size() / 2);
+  const std::string centre = std::to_string(middle[0]) + ", " + std::to_string(middle[1]) + ", " +
+                             std::to_string(middle[2]);
+  std::array<double, 3> at{};
+  for (std::size_t i = 0; i < 3; ++i) at[i] = std::stod(std::to_string(middle[i]));
+  const auto classIs = [&](std::uint64_t point, std::initializer_list<int> numbers) {
+    return std::count(numbers.begin(), numbers.end(), int{naive.cloud.classOf(point)}) > 0;
+  };
+  expectAgreement({
+      naive.where("class(\"Ground, High Vegetation\")", [&](auto p) { return classIs(p, {2, 5}); }),
+      naive.where("class(2)", [&](auto p) { return classIs(p, {2}); }),
+      naive.where("Amplitude > 120", [&](auto p) { return naive.field("Amplitude", p) >= 120; }),
+      naive.where("field(\"NormalVector\", 0.5, 1, 2)",
+                  [&](auto p) {
+                    const double z = naive.field("NormalVector", p, 2);
+                    return z >= 0.5 && z <= 1;
+                  }),
+      naive.surface(path("lake-water.ply"), false, 0.1),
+      naive.surface(path("lake-water.ply"), true, 0),
+      naive.where("vertical(20)",
+                  [&](auto p) {
+                    const double x = naive.field("NormalVector", p, 0);
+                    const double y = naive.field("NormalVector", p, 1);
+                    const double z = naive.field("NormalVector", p, 2);
+                    const double lean = std::atan2(std::fabs(z), std::hypot(x, y));
+                    return lean * 180 / std::numbers::pi <= 20;
+                  }),
+      naive.neighbours(3, 5),
+      naive.where("inside(\"(512020, 5403010, 400), (512120, 5403100, 420)\")",
+                  [&](auto p) {
+                    const auto q = naive.cloud.position(p);
+                    return q[0] >= 512020 && q[0] <= 512120 && q[1] >= 5403010 && q[1] <= 5403100 &&
+                           q[2] >= 400 && q[2] <= 420;
+                  }),
+      naive.where("within(\"" + centre + "\", 30)",
+                  [&](auto p) {
+                    const auto q = naive.cloud.position(p);
+                    const double dx = q[0] - at[0];
+                    const double dy = q[1] - at[1];
+                    const double dz = q[2] - at[2];
+                    return dx * dx + dy * dy + dz * dz <= 30.0 * 30.0;
+                  }),
+      naive.where("expr(\"Amplitude > 100 and not (z < 412 or Intensity < 200)\")",
+                  [&](auto p) {
+                    return naive.field("Amplitude", p) > 100 &&
+                           !(naive.cloud.position(p)[2] < 412 || naive.field("Intensity", p) < 200);
+                  }),
+  });
+}
+
+TEST_F(ConditionsTest, TheySelectWhatTheySayOnARealCloud) {
+  const std::string file = real("autzen-thin.las");
+  REQUIRE_REAL(file);
+  open(file);
+  const NaiveCloud naive(*scene.grid()->cloud);
+  expectAgreement({
+      naive.where("class(\"Ground\")", [&](auto p) { return naive.cloud.classOf(p) == 2; }),
+      naive.where("Intensity <= 40", [&](auto p) { return naive.field("Intensity", p) <= 40; }),
+      naive.where("field(\"ReturnNumber\", 2, 7)", [&](auto p) { return naive.field("ReturnNumber", p) >= 2; }),
+      naive.neighbours(25, 2),
+      naive.where("expr(\"Red > Green or z > 450\")",
+                  [&](auto p) {
+                    return naive.field("Red", p) > naive.field("Green", p) ||
+                           naive.cloud.position(p)[2] > 450;
+                  }),
+  });
+}
+
+TEST_F(ConditionsTest, SurfaceCountsOfTheReferenceCloudAreThoseWorkedOutByHand) {
+  const std::string file = real("ahn3_crop.las");
+  REQUIRE_REAL(file);
+  open(file);
+  const std::string ground = "\"" + real("ahn3_ground.obj") + "\"";
+  const auto count = [&](const std::string& condition) {
+    const Truth truth = selected(condition);
+    return std::count(truth.begin(), truth.end(), true);
+  };
+  EXPECT_EQ(count("above(" + ground + ")"), 17192);
+  EXPECT_EQ(count("below(" + ground + ")"), 4443);
+  EXPECT_EQ(count("not above(" + ground + ") and not below(" + ground + ")"), 744 + 7291);
+}
+
+} // namespace
+} // namespace Zamt::Testing

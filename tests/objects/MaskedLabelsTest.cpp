@@ -1,0 +1,116 @@
+#include "tests/objects/scenes.h"
+
+namespace Zamt::Testing {
+namespace {
+
+class MaskedLabelsTest : public SceneTest {
+public:
+  /// Runs `steps` on the sample with a cloud parameter and gives all that was said and reported.
+  std::string said(const std::string& steps, const std::string& head = {}) {
+    if (!scene.grid()) {
+      Diag opening;
+      EXPECT_TRUE(scene.openCloud(sample(), {}, opening)) << opening.format();
+    }
+    const QuindleDocument doc = parsedRun(steps, "param cloud : Grid = active " + head);
+    scene.runtime().forget(doc.name);
+    QuindleRunResult result;
+    Diag diag;
+    scene.run(doc, {}, preview, result, diag);
+    std::string text;
+    for (const Diag::Entry& entry : diag.entries)
+      if (entry.severity != Diag::Severity::Note) text += entry.format() + '\n';
+    for (const std::string& line : result.report) text += line + '\n';
+    return text;
+  }
+
+  std::uint64_t countOf(std::uint8_t number) const { return scene.grid()->cloud->countClasses()[number]; }
+
+  Host::Scene scene;
+  bool preview = false;
+};
+
+TEST_F(MaskedLabelsTest, APreviewCountsWhatARunChangesAndChangesNothing) {
+  const std::string steps = "select class(\"Ground\")\nclassify into \"Water\"\nreport \"{selected} of {total}\"";
+  preview = true;
+  const std::string foretold = said(steps);
+  const std::uint64_t ground = countOf(2);
+  const std::uint64_t water = countOf(9);
+  EXPECT_EQ(foretold, std::to_string(ground) + " of 6000\n");
+
+  preview = false;
+  EXPECT_EQ(said(steps), foretold);
+  EXPECT_EQ(countOf(2), 0U);
+  EXPECT_EQ(countOf(9), ground + water);
+  EXPECT_EQ(said(steps), "0 of 6000\n");
+}
+
+TEST_F(MaskedLabelsTest, ASecondStepSeesWhatTheFirstChangedAndTwoNewClassesGetTwoNumbers) {
+  EXPECT_EQ(said("select class(\"Ground\")\nclassify into \"One\"\nselect class(\"High Vegetation\")\n"
+                 "classify into \"Two\"\nreport \"{selected}\""),
+            std::to_string(0) + "\n")
+      << "a second select narrows the first";
+  EXPECT_EQ(scene.grid()->addedClasses, (std::map<std::uint8_t, std::string>{{23, "One"}}));
+  const std::uint64_t high = countOf(5);
+  EXPECT_EQ(said("select class(\"High Vegetation\")\nclassify into \"Two\"\nreport \"{selected}\""),
+            std::to_string(high) + "\n");
+  EXPECT_EQ(scene.grid()->addedClasses, (std::map<std::uint8_t, std::string>{{23, "One"}, {24, "Two"}}));
+}
+
+TEST_F(MaskedLabelsTest, WhatCannotBeSelectedIsAProblemInWordsAndNotAZero) {
+  struct Case {
+    std::string condition;
+    std::string said;
+  };
+  const std::string lead = "Test: error: Nothing was selected, and not because nothing matched: ";
+  const std::string fields = "X, Y, Z, Intensity, ReturnNumber, NumberOfReturns, Synthetic, KeyPoint, Withheld, "
+                             "Overlap, ScannerChannel, ScanDirectionFlag, EdgeOfFlightLine, Classification, "
+                             "UserData, ScanAngle, PointSourceId, GpsTime, Amplitude, NormalVector";
+  const Case cases[] = {
+      {"Amplitud > 1", lead + "There is no field called \"Amplitud\"; this cloud has " + fields + ".\n"},
+      {"field(\"NormalVector\", 0, 1, 3)",
+       lead + "The field \"NormalVector\" has no component 3. It has 3, numbered from 0.\n"},
+      {"vertical(15, \"Normal\")", lead + "There are no normals called \"Normal\""},
+      {"above(\"missing.ply\")", lead + "The surface \"missing.ply\" can't be used"},
+      {"expr(\"Intensity >\")", lead + "The expression \"Intensity >\" can't be used"},
+      {"neighbours(-1)", lead},
+  };
+  for (const Case& one : cases) {
+    const std::string text = said("select " + one.condition + "\nclassify into \"Water\"");
+    EXPECT_TRUE(text.starts_with(one.said)) << one.condition << '\n' << text;
+    EXPECT_TRUE(text.ends_with(".\n")) << text;
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << text;
+  }
+}
+
+TEST_F(MaskedLabelsTest, OnlyTheClassesThatASelectNamesMayChange) {
+  const std::uint64_t ground = countOf(2);
+  (void)ground;
+  const std::string text = said("select class(\"Ground\") or Amplitude > 0\nclassify into \"Water\"\n"
+                                "report \"{selected}\"");
+  EXPECT_EQ(text, std::to_string(6000 - 0) + "\n") << "an or singles out no class, so all may change";
+}
+
+TEST_F(MaskedLabelsTest, AClassThatTheFormatCannotHoldIsRefusedBeforeAnythingIsCounted) {
+  const std::string file = real("autzen-thin.las");
+  REQUIRE_REAL(file);
+  Diag diag;
+  ASSERT_TRUE(scene.openCloud(file, {}, diag));
+  EXPECT_EQ(said("select class(\"Ground\")\nclassify into \"Mine\" as 32\nreport \"{selected}\""),
+            "Test: warning: The editor did not report a count, so \"{selected}\" is left unfilled in the report.\n"
+            "Test: error: Nothing was selected, and not because nothing matched: Class 32 does not fit: point "
+            "format 3 holds classes up to 31. Choose a lower number with \"as\".\n{selected}\n");
+}
+
+TEST_F(MaskedLabelsTest, BrushesThatRunInACircleAreToldAndDoNotHang) {
+  const std::string text = said("create a = \"Selection/BrushFilterByField\"\n"
+                                "create b = \"Selection/BrushFilterByField\"\n"
+                                "create e = \"Edit/MaskedLabels\"\ncreate f = \"Lattix/Field\"\n"
+                                "set f.fieldname = \"Classification@Classification\"\nconnect f.grid <- Cloud\n"
+                                "connect a.brush <- b\nconnect b.brush <- a\nconnect e.brush <- a\n"
+                                "connect e.labelfield <- f.field\nselect class(\"Ground\")\n"
+                                "classify into \"Water\"\ncall e.select");
+  EXPECT_NE(text.find("The label set names no class"), std::string::npos) << text;
+}
+
+} // namespace
+} // namespace Zamt::Testing
