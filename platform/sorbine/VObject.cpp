@@ -33,7 +33,7 @@ Rethold::StrongPtr<VSlot> slotNamed(const Slots& slots, const std::string& name)
 
 Rethold::StrongPtr<VSlot> outputFor(const VSlot& input, const Slots& outputs) {
   const auto fits = [&input](const VSlot& output) { return typeBehind(output) == typeBehind(input); };
-  const auto namesake = slotNamed(outputs, input.name());
+  auto namesake = slotNamed(outputs, input.name());
   if (namesake && fits(*namesake)) return namesake;
   for (const auto& output : outputs)
     if (fits(*output)) return output;

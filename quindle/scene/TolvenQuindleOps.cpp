@@ -63,13 +63,13 @@ StrongPtr<VSlot> slotOfEitherKind(const VObject& object, const std::string& name
 /// What the slot is about: its parameter's value, or the member of it that the slot names; null if there is
 /// no such value.
 StrongPtr<VValueBase> valueOf(const VSlot& slot) {
-  const auto parameter = slot.parameter();
+  const auto& parameter = slot.parameter();
   const auto value = parameter ? parameter->value() : nullptr;
   return value && !slot.member().empty() ? value->component(slot.member()) : value;
 }
 
 std::string textOf(const VSlot& slot, const StrongPtr<ValuePool>& pool) {
-  const auto parameter = slot.parameter();
+  const auto& parameter = slot.parameter();
   return parameter ? parameter->getValueAsText(pool, {}, false) : std::string();
 }
 
