@@ -221,8 +221,6 @@ bool writePieces(const PointCloud::State& cloud, const Changes& changes, AtomicF
       patchBlock(cloud, piece, buffer);
       good = file.write(to, buffer, problem);
     } else {
-      // Plain writing suits every file system; what the flush at the end takes outweighs how bytes are
-      // copied.
       good = file.write(to, cloud.file->bytes().subspan(piece.from, piece.size), problem);
     }
     if (good) return;
