@@ -7,8 +7,8 @@
 #include <numbers>
 #include <random>
 
-// The chain of objects that a planned condition becomes has to select what the condition says when it is worked
-// out point by point, as it stands, without plan, chain, index or blocks.
+// The chain of objects that a planned condition becomes has to select what the condition says when it is
+// worked out point by point, as it stands, without plan, chain, index or blocks.
 namespace Zamt::Testing {
 namespace {
 
@@ -166,15 +166,18 @@ TEST_F(ConditionsTest, AllNineSelectWhatTheySayOnTheSampleAloneNegatedAndCombine
   open(sample());
   const NaiveCloud naive(*scene.grid()->cloud);
   const auto middle = naive.cloud.position(naive.cloud.size() / 2);
-  const std::string centre = std::to_string(middle[0]) + ", " + std::to_string(middle[1]) + ", " +
-                             std::to_string(middle[2]);
+  const std::string centre =
+      std::to_string(middle[0]) + ", " + std::to_string(middle[1]) + ", " + std::to_string(middle[2]);
   std::array<double, 3> at{};
   for (std::size_t i = 0; i < 3; ++i) at[i] = std::stod(std::to_string(middle[i]));
   const auto classIs = [&](std::uint64_t point, std::initializer_list<int> numbers) {
     return std::count(numbers.begin(), numbers.end(), int{naive.cloud.classOf(point)}) > 0;
   };
   expectAgreement({
-      naive.where("class(\"Ground, High Vegetation\")", [&](auto p) { return classIs(p, {2, 5}); }),
+      naive.where("class(\"Ground, High Vegetation\")",
+                  [&](auto p) {
+                    return classIs(p, {2, 5});
+                  }),
       naive.where("class(2)", [&](auto p) { return classIs(p, {2}); }),
       naive.where("Amplitude > 120", [&](auto p) { return naive.field("Amplitude", p) >= 120; }),
       naive.where("field(\"NormalVector\", 0.5, 1, 2)",
@@ -223,7 +226,8 @@ TEST_F(ConditionsTest, TheySelectWhatTheySayOnARealCloud) {
   expectAgreement({
       naive.where("class(\"Ground\")", [&](auto p) { return naive.cloud.classOf(p) == 2; }),
       naive.where("Intensity <= 40", [&](auto p) { return naive.field("Intensity", p) <= 40; }),
-      naive.where("field(\"ReturnNumber\", 2, 7)", [&](auto p) { return naive.field("ReturnNumber", p) >= 2; }),
+      naive.where("field(\"ReturnNumber\", 2, 7)",
+                  [&](auto p) { return naive.field("ReturnNumber", p) >= 2; }),
       naive.neighbours(25, 2),
       naive.where("expr(\"Red > Green or z > 450\")",
                   [&](auto p) {

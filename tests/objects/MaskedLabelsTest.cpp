@@ -30,7 +30,8 @@ public:
 };
 
 TEST_F(MaskedLabelsTest, APreviewCountsWhatARunChangesAndChangesNothing) {
-  const std::string steps = "select class(\"Ground\")\nclassify into \"Water\"\nreport \"{selected} of {total}\"";
+  const std::string steps =
+      "select class(\"Ground\")\nclassify into \"Water\"\nreport \"{selected} of {total}\"";
   preview = true;
   const std::string foretold = said(steps);
   const std::uint64_t ground = countOf(2);
@@ -62,9 +63,10 @@ TEST_F(MaskedLabelsTest, WhatCannotBeSelectedIsAProblemInWordsAndNotAZero) {
     std::string said;
   };
   const std::string lead = "Test: error: Nothing was selected, and not because nothing matched: ";
-  const std::string fields = "X, Y, Z, Intensity, ReturnNumber, NumberOfReturns, Synthetic, KeyPoint, Withheld, "
-                             "Overlap, ScannerChannel, ScanDirectionFlag, EdgeOfFlightLine, Classification, "
-                             "UserData, ScanAngle, PointSourceId, GpsTime, Amplitude, NormalVector";
+  const std::string fields =
+      "X, Y, Z, Intensity, ReturnNumber, NumberOfReturns, Synthetic, KeyPoint, Withheld, "
+      "Overlap, ScannerChannel, ScanDirectionFlag, EdgeOfFlightLine, Classification, "
+      "UserData, ScanAngle, PointSourceId, GpsTime, Amplitude, NormalVector";
   const Case cases[] = {
       {"Amplitud > 1", lead + "There is no field called \"Amplitud\"; this cloud has " + fields + ".\n"},
       {"field(\"NormalVector\", 0, 1, 3)",
@@ -95,20 +97,22 @@ TEST_F(MaskedLabelsTest, AClassThatTheFormatCannotHoldIsRefusedBeforeAnythingIsC
   REQUIRE_REAL(file);
   Diag diag;
   ASSERT_TRUE(scene.openCloud(file, {}, diag));
-  EXPECT_EQ(said("select class(\"Ground\")\nclassify into \"Mine\" as 32\nreport \"{selected}\""),
-            "Test: warning: The editor did not report a count, so \"{selected}\" is left unfilled in the report.\n"
-            "Test: error: Nothing was selected, and not because nothing matched: Class 32 does not fit: point "
-            "format 3 holds classes up to 31. Choose a lower number with \"as\".\n{selected}\n");
+  EXPECT_EQ(
+      said("select class(\"Ground\")\nclassify into \"Mine\" as 32\nreport \"{selected}\""),
+      "Test: warning: The editor did not report a count, so \"{selected}\" is left unfilled in the report.\n"
+      "Test: error: Nothing was selected, and not because nothing matched: Class 32 does not fit: point "
+      "format 3 holds classes up to 31. Choose a lower number with \"as\".\n{selected}\n");
 }
 
 TEST_F(MaskedLabelsTest, BrushesThatRunInACircleAreToldAndDoNotHang) {
-  const std::string text = said("create a = \"Selection/BrushFilterByField\"\n"
-                                "create b = \"Selection/BrushFilterByField\"\n"
-                                "create e = \"Edit/MaskedLabels\"\ncreate f = \"Lattix/Field\"\n"
-                                "set f.fieldname = \"Classification@Classification\"\nconnect f.grid <- Cloud\n"
-                                "connect a.brush <- b\nconnect b.brush <- a\nconnect e.brush <- a\n"
-                                "connect e.labelfield <- f.field\nselect class(\"Ground\")\n"
-                                "classify into \"Water\"\ncall e.select");
+  const std::string text =
+      said("create a = \"Selection/BrushFilterByField\"\n"
+           "create b = \"Selection/BrushFilterByField\"\n"
+           "create e = \"Edit/MaskedLabels\"\ncreate f = \"Lattix/Field\"\n"
+           "set f.fieldname = \"Classification@Classification\"\nconnect f.grid <- Cloud\n"
+           "connect a.brush <- b\nconnect b.brush <- a\nconnect e.brush <- a\n"
+           "connect e.labelfield <- f.field\nselect class(\"Ground\")\n"
+           "classify into \"Water\"\ncall e.select");
   EXPECT_NE(text.find("The label set names no class"), std::string::npos) << text;
 }
 

@@ -1,1 +1,0 @@
-quindle_add_bench(plan LIBRARIES quindle)
