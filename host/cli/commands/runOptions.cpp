@@ -56,6 +56,10 @@ void addRunOptions(CLI::App& verb, RunOptions& options) {
   verb.add_option("--threads", options.threads, "How many threads to use.")
       ->check(CLI::Range(1U, maxThreads))
       ->type_name("N");
+  verb.add_flag(
+      "--json", options.json,
+      "Print JSON: \"clouds\" with file, ok, report, output and changes (class, name, considered, modified, "
+      "from) of each, and \"diagnostics\".");
 }
 
 bool readSettings(const RunOptions& options, const QuindleDocument& document,
