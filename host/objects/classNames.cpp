@@ -1,6 +1,6 @@
 #include "host/objects/classNames.h"
 
-#include "host/points/CloudWriter.h"
+#include "host/points/LasLayout.h"
 #include "quindle/core/Tree.h"
 
 #include <set>

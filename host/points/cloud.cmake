@@ -6,4 +6,5 @@ target_sources(quindle-points PRIVATE
   MappedFile.cpp
   PointCloud.cpp
   StandardClasses.cpp
-  cloudInfo.cpp)
+  cloudInfo.cpp
+  writeWholeFile.cpp)

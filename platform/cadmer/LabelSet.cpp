@@ -124,6 +124,10 @@ std::int32_t LabelSet::getSelectedValue(const std::string& name) const {
 }
 
 bool VValueTrait<LabelSet>::setValueFromText(LabelSet& set, const std::string& text) {
+  if (text.empty()) {
+    set = {};
+    return true;
+  }
   const std::vector<std::string_view> lines = split(text, '\n');
   if (lines.size() < 2 || lines.front() != Heading || !lines.back().empty()) return false;
   LabelSet result;
@@ -134,6 +138,7 @@ bool VValueTrait<LabelSet>::setValueFromText(LabelSet& set, const std::string& t
 }
 
 std::string VValueTrait<LabelSet>::Text(const LabelSet& set) {
+  if (set.labels.empty() && set.selections.empty()) return {};
   std::string text(Heading);
   text += '\n';
   for (const auto& [number, label] : set.labels) {

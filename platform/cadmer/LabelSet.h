@@ -34,7 +34,7 @@ struct QUINDLE_PLATFORM_API LabelSet {
 };
 
 /// The text form of a label set: a first line that tells what it is, then one line for each label and each
-/// selection. The text of an empty set is not empty. The layout stands in LabelSet.cpp.
+/// selection. The text of an empty set is empty. The layout stands in LabelSet.cpp.
 template <>
 struct QUINDLE_PLATFORM_API VValueTrait<LabelSet> {
   /// Fills `set` from its text form, in place of all that it held. False, with `set` as it was, if `text` is

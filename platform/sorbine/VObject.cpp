@@ -67,8 +67,11 @@ bool VObject::attach(const std::string& slotName, VObject& source, const std::st
     return false;
   }
   if (!output || !output->parameter() || typeBehind(*output) != typeBehind(*slot)) {
-    reason = quoted(source.name()) + " publishes nothing " + (sourceSlot.empty() ? "" : "there ") +
-             "of type " + Rethold::Typename(typeBehind(*slot)) + ".";
+    const std::string wanted =
+        quoted(name() + "." + slotName) + " reads, which is " + Rethold::Typename(typeBehind(*slot)) + ".";
+    reason = sourceSlot.empty()
+                 ? quoted(source.name()) + " publishes nothing that " + wanted
+                 : quoted(source.name() + "." + sourceSlot) + " does not publish what " + wanted;
     return false;
   }
   if (!accepts(*slot, *output, reason)) return false;

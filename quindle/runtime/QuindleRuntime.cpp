@@ -1,7 +1,5 @@
 #include "quindle/runtime/QuindleRuntime.h"
 
-#include <algorithm>
-
 namespace Zamt {
 
 namespace {
@@ -37,7 +35,7 @@ void QuindleRuntime::setBrushObject(const std::string& name) {
 std::string QuindleRuntime::ensureBrushObject(Diag& diag) {
   if (brushPinned || ops.exists(brushObject)) return brushObject;
   const std::vector<std::string> brushes = sceneObjectsPublishing(brushKind);
-  const std::string found = brushes.empty() ? makeBrush(diag) : brushes.front();
+  std::string found = brushes.empty() ? makeBrush(diag) : brushes.front();
   if (!found.empty()) brushObject = found;
   return found;
 }

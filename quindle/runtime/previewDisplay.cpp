@@ -1,6 +1,7 @@
 #include "quindle/runtime/QuindleRuntime.h"
 #include "quindle/runtime/parameterValue.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Zamt {
@@ -99,10 +100,11 @@ void QuindleRuntime::showWhatWouldChange(const QuindleDocument& doc,
 }
 
 void QuindleRuntime::forgetPreviewDisplay(Diag& /*diag*/) {
-  const std::vector<std::string> names = std::exchange(previewObjects, {});
-  for (auto name = names.rbegin(); name != names.rend(); ++name) {
+  std::vector<std::string> names = std::exchange(previewObjects, {});
+  std::reverse(names.begin(), names.end());
+  for (const std::string& name : names) {
     Diag unread;
-    ops.removeObject(*name, unread);
+    ops.removeObject(name, unread);
   }
 }
 

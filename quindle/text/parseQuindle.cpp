@@ -193,6 +193,9 @@ bool FileReader::isParamName(const std::string& name) {
 void FileReader::readTrigger() {
   QuindleTrigger trigger;
   trigger.line = tokens_.current().line;
+  // Steps are large: an ordinary trigger should not have to move those it has when it grows.
+  constexpr std::size_t ordinarySteps = 8;
+  trigger.steps.reserve(ordinarySteps);
   tokens_.advance();
   if (!readOccasion(trigger)) {
     tokens_.failFound("Expected \"run\", \"key\", \"tile.enter\" or \"load\" after \"on\", but found ");

@@ -1,24 +1,62 @@
 #include "host/points/PointCloud.h"
 
-#include <filesystem>
-#include <gtest/gtest.h>
+#include "host/points/LasBuilder.h"
+#include "host/points/LasLayout.h"
+#include "host/points/cloudInfo.h"
+#include "tests/points/CloudFiles.h"
+
+#include <cmath>
+#include <numeric>
 
 namespace Zamt::Host {
 namespace {
 
-const std::string dataFolder = QUINDLE_TEST_DATA;
+using Testing::bytesOf;
+using Testing::numberAt;
+using Testing::putBytes;
+using Testing::putNumber;
 
-std::shared_ptr<PointCloud> openData(const std::string& name) {
+std::shared_ptr<PointCloud> openWell(const std::string& path) {
   std::string error;
-  auto cloud = PointCloud::open(dataFolder + "/" + name, error);
+  auto cloud = PointCloud::open(path, error);
   EXPECT_TRUE(cloud) << error;
   return cloud;
 }
 
-class PointCloudTest : public ::testing::Test {
+std::string whyNotOpened(const std::string& path) {
+  std::string error;
+  EXPECT_FALSE(PointCloud::open(path, error));
+  return error;
+}
+
+/// Values of the first points.
+std::vector<double> gatherAll(const PointCloud& cloud, const Field& field, unsigned component) {
+  std::vector<std::uint32_t> indices(std::min<std::uint64_t>(cloud.size(), blockPoints));
+  std::iota(indices.begin(), indices.end(), 0U);
+  std::vector<double> values(indices.size());
+  cloud.gather(field, component, 0, indices, values);
+  return values;
+}
+
+class PointCloudTest : public Testing::CloudFiles {
 protected:
-  void SetUp() override {
-    if (!std::filesystem::exists(dataFolder)) GTEST_SKIP() << "No test clouds at " << dataFolder << ".";
+  /// A sound file of ten points: format 6 with one extra field.
+  std::string soundFile() {
+    NewCloud description;
+    description.extraFields = {{"Height", FieldType::F32}};
+    description.classNames = {{7, "Noise"}};
+    std::string error;
+    EXPECT_TRUE(buildLas(
+        description, 10,
+        [](std::uint64_t i, NewPoint& point) {
+          point.position = {static_cast<double>(i), 2, -3};
+          point.classification = static_cast<std::uint8_t>(200 + i);
+          point.scanAngle = -12;
+          point.extra[0] = 0.5 * static_cast<double>(i);
+        },
+        path("sound.las"), error))
+        << error;
+    return path("sound.las");
   }
 };
 
@@ -52,9 +90,10 @@ TEST_F(PointCloudTest, ReadsWhatItsOriginSaysOfEachFile) {
       {"perm_1.2_2.las", 2, 2, 1, {}},
       {"perm_1.2_3.las", 2, 3, 1, {}},
   };
+  if (!hasData()) GTEST_SKIP() << "No test clouds at " << QUINDLE_TEST_DATA << ".";
   for (const Case& expected : cases) {
     SCOPED_TRACE(expected.file);
-    const auto cloud = openData(expected.file);
+    const auto cloud = openWell(data(expected.file));
     if (!cloud) continue;
     EXPECT_EQ(cloud->versionMinor(), expected.minor);
     EXPECT_EQ(cloud->pointFormat(), expected.format);
@@ -67,6 +106,156 @@ TEST_F(PointCloudTest, ReadsWhatItsOriginSaysOfEachFile) {
       EXPECT_EQ(classes, expected.classes);
     }
   }
+}
+
+TEST_F(PointCloudTest, ExtraBytesAgreeWithANaiveDecoding) {
+  if (!hasData()) GTEST_SKIP() << "No test clouds at " << QUINDLE_TEST_DATA << ".";
+  const auto cloud = openWell(data("extrabytes.las"));
+  ASSERT_TRUE(cloud);
+  const std::string bytes = bytesOf(data("extrabytes.las"));
+  // 34 bytes of format 3; three u16, seven untyped bytes, two i8, one u32 and one u64 behind them.
+  const auto at = [](std::size_t point, std::size_t offset) { return 1389 + point * 61 + offset; };
+  const Field* const colours = cloud->findField("Colors");
+  const Field* const flags = cloud->findField("Flags");
+  const Field* const intensity = cloud->findField("Intensity_2"); // the name is the standard's already
+  const Field* const time = cloud->findField("Time");
+  ASSERT_TRUE(colours && flags && intensity && time);
+  EXPECT_FALSE(cloud->findField("Reserved"));
+  EXPECT_EQ(intensity->description, "Brightness");
+  EXPECT_EQ(colours->components, 3U);
+  const auto blue = gatherAll(*cloud, *colours, 2);
+  const auto flag = gatherAll(*cloud, *flags, 1);
+  const auto brightness = gatherAll(*cloud, *intensity, 0);
+  const auto times = gatherAll(*cloud, *time, 0);
+  for (std::size_t i = 0; i < 1065; ++i) {
+    EXPECT_EQ(blue[i], numberAt<std::uint16_t>(bytes, at(i, 34 + 4)));
+    EXPECT_EQ(flag[i], numberAt<std::int8_t>(bytes, at(i, 34 + 6 + 7 + 1)));
+    EXPECT_EQ(brightness[i], numberAt<std::uint32_t>(bytes, at(i, 34 + 15)));
+    EXPECT_EQ(times[i], static_cast<double>(numberAt<std::uint64_t>(bytes, at(i, 34 + 19))));
+  }
+}
+
+TEST_F(PointCloudTest, ScaleOffsetAndMissingValuesOfExtraBytesApplyOnlyWhereFlagged) {
+  std::string bytes = bytesOf(soundFile());
+  const std::size_t entry = 375 + 54;
+  putNumber(bytes, entry + 40, 1.5); // no data
+  putNumber(bytes, entry + 112, 10.0);
+  putNumber(bytes, entry + 136, 100.0);
+  putBytes(path("plain.las"), bytes);
+  bytes[entry + 3] = 1 | 8 | 16;
+  bytes[entry + 4] = '\0'; // and no name
+  putBytes(path("flagged.las"), bytes);
+
+  const auto plain = openWell(path("plain.las"));
+  EXPECT_EQ(gatherAll(*plain, *plain->findField("Height"), 0)[3], 1.5);
+  const auto flagged = openWell(path("flagged.las"));
+  const auto values = gatherAll(*flagged, *flagged->findField("ExtraBytes"), 0);
+  EXPECT_EQ(values[2], 110);
+  EXPECT_TRUE(std::isnan(values[3]));
+}
+
+TEST_F(PointCloudTest, WhatTheBuilderWroteIsRead) {
+  const auto cloud = openWell(soundFile());
+  ASSERT_TRUE(cloud);
+  EXPECT_EQ(cloud->position(9), (std::array<double, 3>{9, 2, -3}));
+  EXPECT_EQ(cloud->classOf(9), 209);
+  EXPECT_DOUBLE_EQ(gatherAll(*cloud, *cloud->findField("ScanAngle"), 0)[0], -12);
+  EXPECT_EQ(cloud->classNames().at(0).name, "Noise");
+  const Bounds bounds = cloud->blockBounds(0);
+  EXPECT_EQ(bounds.low, (std::array<double, 3>{0, 2, -3}));
+  EXPECT_EQ(bounds.high, (std::array<double, 3>{9, 2, -3}));
+  CloudInfo info;
+  std::string problem;
+  ASSERT_TRUE(inspectCloud(*cloud, info, problem)) << problem;
+  EXPECT_EQ(info.fields.back().name, "Height");
+  EXPECT_EQ(info.fields.back().high, 4.5);
+  EXPECT_EQ(info.bounds.high[0], 9);
+  EXPECT_EQ(info.classes.size(), 10U);
+}
+
+TEST_F(PointCloudTest, ChangedClassesShowEverywhereAndOnlyThere) {
+  const auto cloud = openWell(soundFile());
+  cloud->setClass(3, 5);
+  EXPECT_EQ(cloud->classOf(3), 5);
+  EXPECT_EQ(cloud->classOf(4), 204);
+  EXPECT_EQ(gatherAll(*cloud, *cloud->findField("Classification"), 0)[3], 5);
+  EXPECT_EQ(cloud->countClasses()[5], 1U);
+  EXPECT_EQ(cloud->countClasses()[203], 0U);
+}
+
+TEST_F(PointCloudTest, EveryUnusableFileIsToldFromTheOthers) {
+  const std::string sound = bytesOf(soundFile());
+  const auto with = [&](std::size_t at, auto value) {
+    std::string bytes = sound;
+    putNumber(bytes, at, value);
+    return bytes;
+  };
+  struct Case {
+    std::string bytes, sentence;
+  };
+  const std::string again = " Fetch the file again, or have the program that wrote it write it again.";
+  const std::string name = "\"" + path("bad.las") + "\"";
+  const std::string damaged = "The header of " + name + " is damaged: ";
+  const Case cases[] = {
+      {"", name + " is empty. Fetch the file again from where it came."},
+      {"ply\nformat ascii 1.0\n", name + " is not a LAS file. Give a file in LAS 1.0 to 1.4."},
+      {sound.substr(0, 226), name + " ends within its header. Fetch the file again from where it came."},
+      {with(25, std::uint8_t{5}),
+       name + " is in version 1.5 of LAS, which can't be read. Convert it to LAS 1.4 first."},
+      {with(94, std::uint16_t{3}), damaged + "its size can't be 3 bytes." + again},
+      {with(104, std::uint8_t{11}),
+       name +
+           " has points of format 11, which can't be read. Convert it to one of the formats 0 to 10 first."},
+      {with(105, std::uint16_t{29}), damaged + "points of format 6 need at least 30 bytes, not 29." + again},
+      {with(96, std::uint32_t{100}), damaged + "its points can't start within it." + again},
+      {with(131, std::nan("")), damaged + "its scales or offsets are not usable numbers." + again},
+      {with(104, std::uint8_t{0x86}), name + " is compressed (LAZ). Decompress it to LAS first, for example "
+                                             "with \"laszip -i in.laz -o out.las\"."},
+      {with(247, ~std::uint64_t{0}),
+       name + " is cut off: its header says 18446744073709551615 points but it holds "
+              "only 10. Fetch the file again from where it came."},
+      {sound.substr(0, sound.size() - 1),
+       name + " is cut off: its header says 10 points but it holds only 9. Fetch "
+              "the file again from where it came."},
+  };
+  for (const Case& broken : cases) {
+    putBytes(path("bad.las"), broken.bytes);
+    EXPECT_EQ(whyNotOpened(path("bad.las")), broken.sentence);
+  }
+  EXPECT_EQ(whyNotOpened(path("none.las")),
+            "The file \"" + path("none.las") + "\" does not exist. Check the spelling of its path.");
+  EXPECT_EQ(whyNotOpened(directory.string()),
+            "\"" + directory.string() + "\" is a directory. Name a file in it instead.");
+}
+
+/// Whether all points, and all fields of each, lie within the file; or else there is a sentence.
+void expectSoundOrRefused(const std::string& bytes) {
+  const std::vector<std::byte> exact(std::as_bytes(std::span(bytes)).begin(),
+                                     std::as_bytes(std::span(bytes)).end());
+  LasLayout layout;
+  std::string error;
+  if (!readLayout(exact, "bad.las", layout, error)) {
+    EXPECT_FALSE(error.empty());
+    return;
+  }
+  EXPECT_LE(layout.points, exact.size() / layout.recordLength);
+  EXPECT_LE(layout.points * layout.recordLength, exact.size() - std::min(exact.size(), layout.pointOffset));
+  for (const Field& field : layout.fields)
+    EXPECT_LE(field.offset + field.components * sizeOf(field.type), layout.recordLength) << field.name;
+}
+
+TEST_F(PointCloudTest, NoByteOfTheHeaderOrRecordsLeadsOutOfTheFile) {
+  const std::string sound = bytesOf(soundFile());
+  const std::size_t headEnd = 375 + 54 + 192 + 54 + 64;
+  for (std::size_t at = 0; at < headEnd; ++at) {
+    for (const int value : {0x00, 0x01, 0x03, 0x08, 0x1F, 0x7F, 0x80, 0xFF}) {
+      SCOPED_TRACE(at);
+      std::string bytes = sound;
+      bytes[at] = static_cast<char>(value);
+      expectSoundOrRefused(bytes);
+    }
+  }
+  for (std::size_t length = 0; length < sound.size(); ++length) expectSoundOrRefused(sound.substr(0, length));
 }
 
 } // namespace

@@ -37,7 +37,6 @@ private:
   mutable std::atomic<std::uint64_t> tested = 0;
 };
 
-// Sets more than it was asked for when `generous`, which the selection must not believe.
 class MadeUpCloudFilter : public CloudFilter {
 public:
   explicit MadeUpCloudFilter(std::uint64_t number) : seed(number) {}

@@ -1,1 +1,3 @@
-target_sources(tests-points PRIVATE PointCloudTest.cpp)
+target_sources(tests-points PRIVATE
+  CloudWriterTest.cpp
+  PointCloudTest.cpp)

@@ -108,7 +108,7 @@ TEST_F(RunProgramTest, RunsOnlyTheStepsWhoseGuardHolds) {
                 "param n : Number = 1");
   EXPECT_TRUE(run(doc, {{"n", "7"}}));
   EXPECT_THAT(result.report, ElementsAre("big 7"));
-
+  // Each step's guard is worked out anew, so a "let" in a block can shut out the steps behind it.
   EXPECT_TRUE(run(doc));
   EXPECT_THAT(result.report, ElementsAre("small"));
 }

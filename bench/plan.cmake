@@ -1,0 +1,1 @@
+quindle_add_bench(plan LIBRARIES quindle)

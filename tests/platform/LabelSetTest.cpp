@@ -1,0 +1,74 @@
+#include "cadmer/LabelSet.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace Zamt::Testing {
+namespace {
+
+using Trait = VValueTrait<LabelSet>;
+
+LabelSet oddSet() {
+  const std::string odd =
+      std::string("tab\tline\nreturn\rnul") + '\0' + "back\\slash \"quotes\" \xc3\xa4\xff";
+  LabelSet set;
+  set.labels[-3] = {-3, {0.1F, 1.0F / 3, 1e-30F, 1}, odd, "second\\ttext", {{odd, true}, {"", false}}};
+  set.labels[0] = {0, {}, "", "", {}};
+  set.labels[std::numeric_limits<std::int32_t>::max()] = {
+      std::numeric_limits<std::int32_t>::max(), {1, 0, 0, 0.5F}, "Ground", "", {{"editable", true}}};
+  set.selections = {{"Assign", 6}, {odd, -1}, {"", 0}};
+  return set;
+}
+
+TEST(LabelSetTest, SurvivesItsTextWithAnyBytesInItsNames) {
+  LabelSet read;
+  ASSERT_TRUE(Trait::setValueFromText(read, Trait::Text(oddSet())));
+  EXPECT_EQ(read, oddSet());
+}
+
+TEST(LabelSetTest, AnEmptySetHasATextThatEmptiesASet) {
+  EXPECT_EQ(Trait::Text({}), "LabelSet\n");
+  LabelSet set = oddSet();
+  ASSERT_TRUE(Trait::setValueFromText(set, "LabelSet\n"));
+  EXPECT_EQ(set, LabelSet());
+}
+
+TEST(LabelSetTest, TextThatIsNoLabelSetIsRefusedAndLeavesTheSet) {
+  const std::string label = "label\t1\t0\t0\t0\t1\tName\t";
+  const std::string texts[] = {"",
+                               "nonsense",
+                               "LabelSet",
+                               "LabelSet\n\n",
+                               "LabelSet\nlabel\t1\n",
+                               "LabelSet\nlabel\tone\t0\t0\t0\t1\tName\t\n",
+                               "LabelSet\nlabel\t99999999999\t0\t0\t0\t1\tName\t\n",
+                               "LabelSet\n" + label + "\tflag\n",
+                               "LabelSet\n" + label + "\tflag\tmaybe\n",
+                               "LabelSet\n" + label + "\n" + label + "\n",
+                               "LabelSet\nselection\tAssign\t1,5\n",
+                               "LabelSet\nselection\tA\\x\t1\n",
+                               "LabelSet\nselection\tA\\\t1\n",
+                               "LabelSet\n" + label};
+  for (const std::string& text : texts) {
+    LabelSet set = oddSet();
+    EXPECT_FALSE(Trait::setValueFromText(set, text)) << text;
+    EXPECT_EQ(set, oddSet()) << text;
+  }
+}
+
+TEST(LabelSetTest, ATextThatEndsWithinALineIsRefused) {
+  const std::string whole = Trait::Text(oddSet());
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    LabelSet set;
+    const bool took = Trait::setValueFromText(set, whole.substr(0, length));
+    EXPECT_EQ(took, length > 0 && whole[length - 1] == '\n') << length;
+  }
+}
+
+TEST(LabelSetTest, ASelectionThatWasNotMadeIsMinusOne) {
+  EXPECT_EQ(LabelSet().getSelectedValue("Assign"), -1);
+  EXPECT_EQ(oddSet().getSelectedValue("Assign"), 6);
+}
+
+} // namespace
+} // namespace Zamt::Testing

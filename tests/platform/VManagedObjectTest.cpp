@@ -1,0 +1,134 @@
+#include "sorbine/VManagedObject.h"
+
+#include "sorbine/VCreator.h"
+#include "sorbine/VObject.h"
+#include "sorbine/VScheduler.h"
+
+#include <gmock/gmock.h>
+
+namespace Zamt::Testing {
+namespace {
+
+using ::testing::ElementsAre;
+
+class Link : public VObject {
+public:
+  VInput<double> in = input<double>("value", "What comes in.", 0.0);
+  VOutput<double> out = output<double>("value", "One more than what comes in.");
+
+private:
+  void compute() override { out.publish(in.get() + 1); }
+};
+
+class VManagedObjectTest : public ::testing::Test {
+protected:
+  static Rethold::StrongPtr<Link> addLink(const std::string& name, int rank = 0) {
+    auto link = std::make_shared<Link>();
+    VManagedObject::add(link, name, rank);
+    return link;
+  }
+  static std::vector<std::string> walk(int lowest = LowestRank, int highest = HighestRank) {
+    std::vector<std::string> names;
+    const auto note = [&](int /*rank*/, const auto& /*object*/, const std::string& name) {
+      names.push_back(name);
+      return true;
+    };
+    VManagedObject::iterate(Rethold::typeOf<VObject>(), note, lowest, highest);
+    return names;
+  }
+  void TearDown() override { VManagedObject::clear(); }
+};
+
+TEST_F(VManagedObjectTest, ATakenNameGivesTheNextFreeOne) {
+  EXPECT_EQ(addLink("x")->name(), "x");
+  EXPECT_EQ(addLink("x_2")->name(), "x_2");
+  EXPECT_EQ(addLink("x")->name(), "x_3");
+  EXPECT_EQ(addLink("x_2")->name(), "x_2_2");
+  VManagedObject::find<VObject>("x_2")->remove();
+  EXPECT_EQ(addLink("x")->name(), "x_2");
+  VManagedObject::find<VObject>("x_3")->remove();
+  EXPECT_EQ(addLink("x")->name(), "x_3");
+  VManagedObject::find<VObject>("x")->remove();
+  EXPECT_EQ(addLink("x")->name(), "x");
+}
+
+TEST_F(VManagedObjectTest, AskingForOneNameManyTimesStaysCheap) {
+  constexpr int Count = 20000;
+  for (int i = 0; i < Count; ++i) addLink("x");
+  EXPECT_NE(VManagedObject::find<VObject>("x_20000"), nullptr);
+}
+
+TEST_F(VManagedObjectTest, WalksGoByRankAndThenInTheOrderOfCreation) {
+  addLink("late", 5);
+  addLink("b");
+  addLink("a");
+  addLink("early", -5);
+  EXPECT_THAT(walk(), ElementsAre("early", "b", "a", "late"));
+  EXPECT_THAT(walk(0, 4), ElementsAre("b", "a"));
+}
+
+TEST_F(VManagedObjectTest, AWalkBearsThatTheSceneChangesUnderIt) {
+  for (const char* name : {"a", "b", "c"}) addLink(name);
+  std::vector<std::string> seen;
+  const auto change = [&](int /*rank*/, const Rethold::StrongPtr<VManagedObject>& object,
+                          const std::string& name) {
+    seen.push_back(name);
+    if (name == "a") VManagedObject::find<VObject>("b")->remove();
+    if (name == "c") addLink("d");
+    object->remove();
+    return true;
+  };
+  VManagedObject::iterate(Rethold::typeOf<VObject>(), change);
+  EXPECT_THAT(seen, ElementsAre("a", "c", "d"));
+  EXPECT_TRUE(walk().empty());
+}
+
+TEST_F(VManagedObjectTest, AnObjectAndACreatorMayShareAName) {
+  const auto creator = registerCreator<Link>("Test", "Shared", {});
+  EXPECT_EQ(addLink("Test/Shared")->name(), "Test/Shared");
+  EXPECT_EQ(VManagedObject::find<VCreatorBase>("Test/Shared"), creator);
+  creator->remove();
+  EXPECT_EQ(VManagedObject::find<VCreatorBase>("Test/Shared"), nullptr);
+  EXPECT_NE(VManagedObject::find<VObject>("Test/Shared"), nullptr);
+}
+
+TEST_F(VManagedObjectTest, ClearEmptiesTheSceneAndItsSchedule) {
+  const auto kept = addLink("kept");
+  kept->initialize();
+  VManagedObject::clear();
+  EXPECT_FALSE(kept->inGraph());
+  EXPECT_EQ(VScheduler::execute(1.0), 0);
+  EXPECT_EQ(addLink("kept")->name(), "kept");
+}
+
+// The sanitizers make each object several times as dear.
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define QUINDLE_TEST_SANITIZED
+#endif
+#endif
+#if defined(QUINDLE_TEST_SANITIZED) || defined(__SANITIZE_ADDRESS__)
+constexpr int ChainLength = 200000;
+#else
+constexpr int ChainLength = 1000000;
+#endif
+
+TEST_F(VManagedObjectTest, AChainOfAMillionObjectsIsBuiltRunAndDestroyedInAFewSeconds) {
+  auto previous = addLink("link");
+  const auto first = previous;
+  std::string reason;
+  for (int i = 1; i < ChainLength; ++i) {
+    auto next = addLink("link");
+    ASSERT_TRUE(next->attach("value", *previous, "", reason)) << reason;
+    previous = next;
+  }
+  first->in.set(0.5);
+  EXPECT_EQ(VScheduler::execute(1.0), ChainLength) << "a change runs down the chain in one round";
+  EXPECT_EQ(previous->out.get(), ChainLength + 0.5);
+  first->remove();
+  EXPECT_EQ(VScheduler::execute(1.0), ChainLength - 1);
+  EXPECT_EQ(previous->out.get(), ChainLength - 1);
+}
+
+} // namespace
+} // namespace Zamt::Testing
