@@ -61,9 +61,10 @@ TEST_F(Run, WritesWhatThePreviewPromised) {
   const nlohmann::json done = changes("run", "underwater-ground", {"--set", water(), "-o", path("out.las")});
   EXPECT_EQ(done, promised);
   EXPECT_EQ(readFile(cloud()), before);
-  const CommandResult info = quindle({"info", "--json", path("out.las")});
+  const CommandResult result = quindle({"info", "--json", path("out.las")});
+  const nlohmann::json info = nlohmann::json::parse(result.out, nullptr, false);
   std::uint64_t moved = 0;
-  for (const nlohmann::json& entry : nlohmann::json::parse(info.out, nullptr, false)["clouds"][0]["classes"])
+  for (const nlohmann::json& entry : info["clouds"][0]["classes"])
     if (entry["number"] == 27) moved = entry["points"];
   EXPECT_EQ(moved, done[0]["modified"].get<std::uint64_t>());
 }
