@@ -19,7 +19,7 @@ namespace {
 constexpr unsigned maxThreads = 1024;
 
 /// What a region's file may hold, inclusive: far more than any outline drawn by hand or taken from a map.
-constexpr std::size_t maxRegionBytes = 64 * 1024 * 1024;
+constexpr std::size_t maxRegionBytes = std::size_t{64} * 1024 * 1024;
 
 std::string parameterList(const QuindleDocument& document) {
   if (document.params.empty()) return "This Quindle takes none";
