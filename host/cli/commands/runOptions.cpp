@@ -19,7 +19,7 @@ namespace {
 constexpr unsigned maxThreads = 1024;
 
 /// What a region's file may hold, inclusive: far more than any outline drawn by hand or taken from a map.
-constexpr std::size_t maxRegionBytes = 64 * 1024 * 1024;
+constexpr std::size_t maxRegionBytes = std::size_t{64} * 1024 * 1024;
 
 std::string parameterList(const QuindleDocument& document) {
   if (document.params.empty()) return "This Quindle takes none";
@@ -56,6 +56,10 @@ void addRunOptions(CLI::App& verb, RunOptions& options) {
   verb.add_option("--threads", options.threads, "How many threads to use.")
       ->check(CLI::Range(1U, maxThreads))
       ->type_name("N");
+  verb.add_flag(
+      "--json", options.json,
+      "Print JSON: \"clouds\" with file, ok, report, output and changes (class, name, considered, modified, "
+      "from) of each, and \"diagnostics\".");
 }
 
 bool readSettings(const RunOptions& options, const QuindleDocument& document,
