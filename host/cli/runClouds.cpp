@@ -51,11 +51,7 @@ void runOne(Scene& scene, const Job& job, const std::string& output, const std::
   QuindleRunResult result;
   const bool good = scene.run(job.document, job.values, preview, result, diag);
   outcome.report = result.report;
-  if (interrupted) {
-    diag.error(interruptedMessage, outcome.cloud);
-    return;
-  }
-  if (!good) return;
+  if (!good || interrupted) return;
   outcome.changes = scene.changes();
   collectNames(*scene.grid()->cloud, outcome);
   if (!preview && !scene.writeCloud(output, diag)) return;
@@ -81,7 +77,8 @@ void printOutcome(const Outcome& outcome, bool preview, Console& console) {
         console.printLine(
             fmt::format("    {:>12} from {}", grouped(change.from[number]), classText(number, name)));
   }
-  if (!outcome.output.empty()) console.printLine("  written to " + outcome.output);
+  if (!outcome.output.empty())
+    console.printLine((preview ? "  drawn in " : "  written to ") + outcome.output);
 }
 
 nlohmann::json outcomeJson(const Outcome& outcome) {
@@ -107,8 +104,7 @@ nlohmann::json outcomeJson(const Outcome& outcome) {
 /// False when the command line asks for what the Quindle does not have.
 bool prepare(const RunOptions& options, Job& job, Diag& diag, std::string& misuse) {
   if (!readRegionText(options, job.region, misuse)) return false;
-  if (!loadQuindle(options.quindle, job.document, diag)) return false;
-  return readSettings(options, job.document, job.values, misuse);
+  return readSettings(options, job.values, misuse) && loadQuindle(options.quindle, job.document, diag);
 }
 
 Exit runAll(const RunOptions& options, const std::vector<std::string>& outputs, const std::string& picture,
@@ -119,6 +115,7 @@ Exit runAll(const RunOptions& options, const std::vector<std::string>& outputs, 
     console.error(problem);
     return Exit::Usage;
   }
+  if (!options.classes.empty()) scene.setClasses(options.classes);
   Diag all;
   bool good = true;
   nlohmann::json clouds = nlohmann::json::array();
@@ -128,6 +125,11 @@ Exit runAll(const RunOptions& options, const std::vector<std::string>& outputs, 
     Diag diag;
     console.progress(outcome.cloud, i, options.clouds.size());
     runOne(scene, job, outputs.empty() ? std::string{} : outputs[i], picture, outcome, diag);
+    if (interrupted && !outcome.ok) {
+      diag.clear(); // what failed, failed because of that
+      diag.error(interruptedMessage, outcome.cloud);
+      outcome.report.clear();
+    }
     console.endProgress();
     good = good && outcome.ok;
     all.absorb(diag);

@@ -75,8 +75,18 @@ bool Scene::setRegion(const std::string& text, std::string& problem) {
     return false;
   }
   ops_->settle();
-  runtime_->setBrushObject(region_);
+  brush_ = region_;
+  runtime_->setBrushObject(brush_);
   return true;
+}
+
+void Scene::setClasses(const std::string& classes) {
+  Diag diag;
+  const std::string filter = ops_->create("Selection/BrushFilterByClass", "Classes", diag);
+  ops_->setParam(filter, "classes", classes, diag);
+  ops_->connect(filter, "brush", brush_, "", diag);
+  brush_ = filter;
+  runtime_->setBrushObject(brush_);
 }
 
 bool Scene::openCloud(const std::string& path, const QuindleDocument& document, Diag& diag) {
@@ -101,7 +111,7 @@ void Scene::forgetCompiled() {
   const QuindleResolver resolver = runtime_->resolver;
   runtime_ = std::make_unique<QuindleRuntime>(*ops_);
   runtime_->resolver = resolver;
-  if (!region_.empty()) runtime_->setBrushObject(region_);
+  runtime_->setBrushObject(brush_);
   std::vector<std::string> own;
   VManagedObject::iterate(Rethold::typeOf<VObject>(), [&own](int, const auto&, const std::string& name) {
     if (name.starts_with(ownPrefix)) own.push_back(name);

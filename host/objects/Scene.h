@@ -30,6 +30,10 @@ public:
   /// region.
   bool setRegion(const std::string& text, std::string& problem);
 
+  /// Keeps everything that runs from then on to the points of these classes: names or numbers, separated by
+  /// commas. A class that a cloud does not know fails the run on it. Call it behind `setRegion`.
+  void setClasses(const std::string& classes);
+
   /// Opens the cloud at `path` in place of the one before. What was compiled stays, unless the new cloud
   /// brings other classes, for which it was not made. False with an error in `diag` if it can't be used.
   bool openCloud(const std::string& path, const QuindleDocument& document, Diag& diag);
@@ -70,6 +74,7 @@ private:
   std::unique_ptr<QuindleRuntime> runtime_;
   std::string cloud_;                       ///< The name of the cloud's object.
   std::string region_;                      ///< The name of the region's object; empty if none was named.
+  std::string brush_;                       ///< What selections start from; empty for what the runtime finds.
   std::string display_;                     ///< Likewise of the display.
   std::map<std::string, std::string> made_; ///< Objects made for parameter values, by what they stand for.
   LabelSet compiledFor_;                    ///< The classes that the cached programs were compiled with.

@@ -21,9 +21,10 @@ Exit run(const RunVerb& verb, Console& console) {
   request.inputs = verb.options.clouds;
   std::vector<std::string> outputs;
   std::string problem;
-  if (planOutputs(request, outputs, problem)) return runClouds(verb.options, outputs, {}, console);
+  const Exit planned = planOutputs(request, outputs, problem);
+  if (planned == Exit::Done) return runClouds(verb.options, outputs, {}, console);
   console.error(problem);
-  return Exit::Usage;
+  return planned;
 }
 
 } // namespace
@@ -37,7 +38,6 @@ void addRunCommand(CLI::App& app, Session& session) {
                        "Where to write: a file, or a directory that exists, which several clouds need.")
           ->type_name("OUT");
   verb->add_flag("--in-place", own->output.inPlace, "Write each cloud over itself.")->excludes(output);
-  verb->add_flag("--force", own->output.force, "Replace other files that are there already.");
   verb->footer(
       "A file is replaced whole or not at all. Example:\n  quindle run examples/underwater-ground.quindle "
       "lake.las --set water=lake-water.ply -o out.las");
