@@ -99,6 +99,7 @@ bool Scene::openCloud(const std::string& path, const QuindleDocument& document, 
     diag.error(problem, path);
     return false;
   }
+  open->everything = VManagedObject::find<VObject>(brush_);
   restoreClassNames(document, *open);
   if (!(open->labels == compiledFor_)) forgetCompiled();
   compiledFor_ = open->labels;

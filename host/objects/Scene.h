@@ -25,13 +25,13 @@ public:
   Scene(const Scene&) = delete;
   Scene& operator=(const Scene&) = delete;
 
-  /// Names the region to work in: everything that runs from then on is kept to it, and parameters that ask
-  /// the application for a region or a brush get it. False with a sentence in `problem` if `text` is no
-  /// region.
+  /// Names the region to work in, before a cloud is opened: everything that runs is kept to it, and
+  /// parameters that ask the application for a region or a brush get it. False with a sentence in `problem`
+  /// if `text` is no region.
   bool setRegion(const std::string& text, std::string& problem);
 
-  /// Keeps everything that runs from then on to the points of these classes: names or numbers, separated by
-  /// commas. A class that a cloud does not know fails the run on it. Call it behind `setRegion`.
+  /// Keeps everything that runs to the points of these classes (names or numbers, separated by commas). To be
+  /// called behind `setRegion` and before a cloud is opened; a class that a cloud lacks fails the run on it.
   void setClasses(const std::string& classes);
 
   /// Opens the cloud at `path` in place of the one before. What was compiled stays, unless the new cloud
