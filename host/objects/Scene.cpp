@@ -8,6 +8,8 @@
 #include "sorbine/VManagedObject.h"
 #include "sorbine/ValuePool.h"
 
+#include <fmt/format.h>
+
 namespace Zamt::Host {
 
 namespace {
@@ -124,22 +126,19 @@ void Scene::forgetCompiled() {
 
 bool Scene::checkValues(const QuindleDocument& document, const std::map<std::string, std::string>& values,
                         Diag& diag) const {
-  bool good = true;
+  const std::uint64_t before = diag.errorCount;
   for (const auto& [name, value] : values) {
     const QuindleParam* const param = document.findParam(name);
-    if (!param) {
-      diag.error("\"" + document.name + "\" has no parameter called \"" + name +
-                     "\". It takes: " + parameterNames(document) + ".",
+    if (!param)
+      diag.error(fmt::format("\"{}\" has no parameter called \"{}\". It takes: {}.", document.name, name,
+                             parameterNames(document)),
                  document.name);
-      good = false;
-    } else if (outsideRange(*param, value)) {
-      diag.error("\"" + name + "\" is " + value + ", outside its range from " + param->minimum.toSource() +
-                     " to " + param->maximum.toSource() + ".",
+    else if (outsideRange(*param, value))
+      diag.error(fmt::format("\"{}\" is {}, outside its range from {} to {}.", name, value,
+                             param->minimum.toSource(), param->maximum.toSource()),
                  document.name);
-      good = false;
-    }
   }
-  return good;
+  return diag.errorCount == before;
 }
 
 bool Scene::makeField(const QuindleParam& param, const std::string& field, std::string& object, Diag& diag) {
