@@ -18,7 +18,7 @@ const std::string unplannable = "quindle \"Unplannable\" {\n"
                                 "  on run {\n"
                                 "    if true { select Ground } else { select Amplitude != 3 }\n"
                                 "    select frob(1)\n"
-                           "    run \"Unplannable\"()\n"
+                                "    run \"Unplannable\"()\n"
                                 "  }\n"
                                 "}\n";
 
