@@ -15,7 +15,7 @@ namespace Zamt::Host {
 namespace {
 
 /// Results are handed on in pieces of about this size.
-constexpr std::size_t flushBytes = 64 * 1024;
+constexpr std::size_t flushBytes = std::size_t{64} * 1024;
 
 struct SeverityLook {
   const char* word;

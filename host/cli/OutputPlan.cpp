@@ -20,70 +20,53 @@ std::string sameSpelling(const std::string& path) {
   return error ? absolute.lexically_normal().string() : canonical.string();
 }
 
-bool planPaths(const OutputRequest& request, std::vector<std::string>& outputs, std::string& problem) {
+Exit planPaths(const OutputRequest& request, std::vector<std::string>& outputs, std::string& problem) {
   if (request.inPlace) {
     outputs = request.inputs;
-    return true;
+    return Exit::Done;
   }
   std::error_code error;
   const fs::path place(request.output);
   if (fs::is_directory(place, error)) {
     for (const std::string& input : request.inputs)
       outputs.push_back((place / fs::path(input).filename()).string());
-    return true;
+    return Exit::Done;
   }
   if (request.inputs.size() > 1 || place.filename().empty()) {
     problem = fmt::format("\"{}\" is no directory. Make it first; several clouds need one to be written to.",
                           request.output);
-    return false;
+    return Exit::Failed;
   }
   const fs::path parent = place.has_parent_path() ? place.parent_path() : fs::path(".");
   if (!fs::is_directory(parent, error)) {
     problem = fmt::format("The directory \"{}\" does not exist. Make it first.", parent.string());
-    return false;
+    return Exit::Failed;
   }
   outputs.push_back(request.output);
-  return true;
+  return Exit::Done;
 }
 
-bool refuseDoubles(const std::vector<std::string>& outputs, std::string& problem) {
+Exit refuseDoubles(const std::vector<std::string>& outputs, std::string& problem) {
   std::set<std::string> seen;
   for (const std::string& output : outputs) {
     if (seen.insert(sameSpelling(output)).second) continue;
     problem = fmt::format("Two of the clouds would be written to \"{}\". Run them one at a time.", output);
-    return false;
+    return Exit::Usage;
   }
-  return true;
-}
-
-bool refuseReplacing(const OutputRequest& request, const std::vector<std::string>& outputs,
-                     std::string& problem) {
-  std::set<std::string> inputs;
-  for (const std::string& input : request.inputs) inputs.insert(sameSpelling(input));
-  std::error_code error;
-  for (const std::string& output : outputs) {
-    if (inputs.count(sameSpelling(output)) != 0)
-      problem =
-          fmt::format("\"{}\" is one of the clouds that are read. Write --in-place to change it.", output);
-    else if (!request.force && fs::exists(output, error))
-      problem = fmt::format("There is already a file \"{}\". Name another, or write --force to replace it.",
-                            output);
-    if (!problem.empty()) return false;
-  }
-  return true;
+  return Exit::Done;
 }
 
 } // namespace
 
-bool planOutputs(const OutputRequest& request, std::vector<std::string>& outputs, std::string& problem) {
+Exit planOutputs(const OutputRequest& request, std::vector<std::string>& outputs, std::string& problem) {
   outputs.clear();
   problem.clear();
   if (!request.inPlace && request.output.empty()) {
     problem = "Nothing says where the result goes. Write -o with a file or a directory, or --in-place.";
-    return false;
+    return Exit::Usage;
   }
-  return planPaths(request, outputs, problem) && refuseDoubles(outputs, problem) &&
-         (request.inPlace || refuseReplacing(request, outputs, problem));
+  const Exit planned = planPaths(request, outputs, problem);
+  return planned == Exit::Done ? refuseDoubles(outputs, problem) : planned;
 }
 
 } // namespace Zamt::Host

@@ -8,10 +8,9 @@ std::vector<const QuindleStep*> allSelects(const QuindleDocument& document) {
   std::vector<const QuindleStep*> selects;
   std::vector<const QuindleStep*> pending; // a stack: the next step of the text is at its end
   const auto push = [&pending](const std::vector<QuindleStep>& steps) {
-    for (auto step = steps.rbegin(); step != steps.rend(); ++step) pending.push_back(&*step);
+    for (std::size_t i = steps.size(); i-- > 0;) pending.push_back(&steps[i]);
   };
-  for (auto trigger = document.triggers.rbegin(); trigger != document.triggers.rend(); ++trigger)
-    push(trigger->steps);
+  for (std::size_t i = document.triggers.size(); i-- > 0;) push(document.triggers[i].steps);
   while (!pending.empty()) {
     const QuindleStep& step = *pending.back();
     pending.pop_back();

@@ -11,6 +11,10 @@
 #include <memory>
 #include <string>
 
+namespace Zamt {
+class VObject;
+}
+
 namespace Zamt::Host {
 
 /// One point cloud as the objects of the graph see it: the points, the classes that the data brings, and the
@@ -23,6 +27,9 @@ struct Grid {
 
   /// What editors selected, by the name of the field that holds it.
   std::map<std::string, PointMask> masks;
+
+  /// The brush that stands for every point of the cloud where no other is attached; null for really all.
+  Rethold::WeakPtr<VObject> everything;
 
   /// Classes that points were put into and that the data has no name for yet.
   std::map<std::uint8_t, std::string> addedClasses;

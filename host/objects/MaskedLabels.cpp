@@ -129,11 +129,13 @@ void MaskedLabels::select() {
     return fail("Only the field Classification can be changed, and \"" + field->name +
                 "\" was given. Give that one, or the cloud.");
   const Rethold::StrongPtr<Grid> grid = field->grid;
+  const Rethold::StrongPtr<VObject> fed = brush_.source();
+  const Rethold::StrongPtr<VObject> start = fed ? fed : grid->everything.lock();
   std::string problem;
   std::uint8_t number = 0;
   std::vector<SelectionStep> steps;
   PointMask kept;
-  if (!target(*grid, number, problem) || !buildSelection(brush_.source(), *grid, steps, problem) ||
+  if (!target(*grid, number, problem) || !buildSelection(start, *grid, steps, problem) ||
       !evaluateSelection(*grid->cloud, steps, kept, problem))
     return fail(problem);
 

@@ -25,10 +25,14 @@ public:
   Scene(const Scene&) = delete;
   Scene& operator=(const Scene&) = delete;
 
-  /// Names the region to work in: everything that runs from then on is kept to it, and parameters that ask
-  /// the application for a region or a brush get it. False with a sentence in `problem` if `text` is no
-  /// region.
+  /// Names the region to work in, before a cloud is opened: everything that runs is kept to it, and
+  /// parameters that ask the application for a region or a brush get it. False with a sentence in `problem`
+  /// if `text` is no region.
   bool setRegion(const std::string& text, std::string& problem);
+
+  /// Keeps everything that runs to the points of these classes (names or numbers, separated by commas). To be
+  /// called behind `setRegion` and before a cloud is opened; a class that a cloud lacks fails the run on it.
+  void setClasses(const std::string& classes);
 
   /// Opens the cloud at `path` in place of the one before. What was compiled stays, unless the new cloud
   /// brings other classes, for which it was not made. False with an error in `diag` if it can't be used.
@@ -70,6 +74,7 @@ private:
   std::unique_ptr<QuindleRuntime> runtime_;
   std::string cloud_;                       ///< The name of the cloud's object.
   std::string region_;                      ///< The name of the region's object; empty if none was named.
+  std::string brush_;                       ///< What selections start from; empty for what the runtime finds.
   std::string display_;                     ///< Likewise of the display.
   std::map<std::string, std::string> made_; ///< Objects made for parameter values, by what they stand for.
   LabelSet compiledFor_;                    ///< The classes that the cached programs were compiled with.

@@ -71,11 +71,41 @@ struct Extent {
   double span() const { return high > low ? high - low : 0; }
 };
 
+/// Where most heights lie; a few birds far up must not flatten the relief of all others.
+struct Heights {
+  double count = 0;
+  double mean = 0;
+  double squares = 0; ///< The sum of squared distances from the mean, kept up as the heights come.
+  void take(double height) {
+    ++count;
+    const double gap = height - mean;
+    mean += gap / count;
+    squares += gap * (height - mean);
+  }
+  /// 0 for the lowest of most, 1 for the highest.
+  double share(double height) const {
+    constexpr double deviations = 4; // two on either side of the mean
+    const double spread = std::sqrt(squares / std::max(count, 1.0)) * deviations;
+    return spread > 0 ? std::clamp(0.5 + (height - mean) / spread, 0.0, 1.0) : 1;
+  }
+};
+
 /// The picture under way: what is nearest at each pixel so far.
 struct Canvas {
   Image image;
   std::vector<float> nearest;
+  unsigned dotSize = 1;
 
+  /// A square dot around a place, cut off at the edges.
+  void draw(unsigned column, unsigned row, float nearness, const Colour& colour) {
+    const unsigned half = dotSize / 2;
+    const unsigned endColumn = std::min(column - std::min(column, half) + dotSize, image.width);
+    const unsigned endRow = std::min(row - std::min(row, half) + dotSize, image.height);
+    for (unsigned y = row - std::min(row, half); y < endRow; ++y)
+      for (unsigned x = column - std::min(column, half); x < endColumn; ++x) put(x, y, nearness, colour);
+  }
+
+private:
   void put(unsigned column, unsigned row, float nearness, const Colour& colour) {
     const std::size_t pixel = std::size_t{row} * image.width + column;
     if (nearness <= nearest[pixel]) return;
@@ -94,6 +124,15 @@ Canvas blankCanvas(unsigned width, unsigned height) {
   return canvas;
 }
 
+/// Dots about as large as the gaps between the points, so that a thin cloud shows as an area too.
+unsigned dotSizeFor(std::uint64_t points, const Image& image) {
+  constexpr double largest = 15;
+  constexpr double overlap = 1.3;
+  const double pixels = static_cast<double>(image.width) * image.height;
+  const double gap = std::sqrt(pixels / static_cast<double>(std::max<std::uint64_t>(points, 1)));
+  return static_cast<unsigned>(std::clamp(gap * overlap, 1.0, largest));
+}
+
 /// Darker below, lighter above, so that the relief shows.
 Colour shaded(const Colour& colour, double heightShare) {
   const double light = 0.65 + 0.35 * heightShare;
@@ -108,7 +147,7 @@ Image renderCloud(const PointCloud& cloud, const PointMask* mask, const View& vi
   const Projection projection = projectionOf(view);
   Extent across;
   Extent along;
-  Extent heights;
+  Heights heights;
   for (std::uint64_t point = 0; point < cloud.size(); ++point) {
     const std::array<double, 3> position = cloud.position(point);
     across.take(dot(projection.right, position));
@@ -121,6 +160,7 @@ Image renderCloud(const PointCloud& cloud, const PointMask* mask, const View& vi
       static_cast<unsigned>(std::clamp(along.span() * scale + 1, 1.0, static_cast<double>(widestPicture)));
   Canvas canvas = blankCanvas(width, height);
   if (cloud.size() == 0) return std::move(canvas.image);
+  canvas.dotSize = dotSizeFor(cloud.size(), canvas.image);
 
   constexpr float inFront = 1e30F; // nearer than any world coordinate
   for (std::uint64_t point = 0; point < cloud.size() && !interrupted; ++point) {
@@ -128,14 +168,14 @@ Image renderCloud(const PointCloud& cloud, const PointMask* mask, const View& vi
     const double x = std::clamp((dot(projection.right, position) - across.low) * scale, 0.0, width - 1.0);
     const double y = std::clamp((dot(projection.down, position) - along.low) * scale, 0.0, height - 1.0);
     const auto nearness = static_cast<float>(dot(projection.near, position));
-    const double share = heights.span() > 0 ? (position[2] - heights.low) / heights.span() : 1;
     const auto column = static_cast<unsigned>(x);
     const auto row = static_cast<unsigned>(y);
     const bool masked = mask && point < mask->size() && mask->test(point);
     if (!masked || view.outlineMask)
-      canvas.put(column, row, nearness, shaded(colourOfClass(cloud.classOf(point)), share));
-    if (masked && view.outlineMask && column > 0) canvas.put(column - 1, row, inFront, maskColour);
-    if (masked && !view.outlineMask) canvas.put(column, row, inFront, maskColour);
+      canvas.draw(column, row, nearness,
+                  shaded(colourOfClass(cloud.classOf(point)), heights.share(position[2])));
+    if (masked && view.outlineMask && column > 0) canvas.draw(column - 1, row, inFront, maskColour);
+    if (masked && !view.outlineMask) canvas.draw(column, row, inFront, maskColour);
   }
   return std::move(canvas.image);
 }

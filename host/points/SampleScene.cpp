@@ -160,7 +160,7 @@ private:
   void placeHouses() {
     for (std::size_t i = 0; i < houseCount; ++i) {
       const double column = static_cast<double>(i % 2);
-      const double row = static_cast<double>(i / 2);
+      const double row = std::floor(static_cast<double>(i) / 2);
       House house{};
       house.width = random.between(9, 14);
       house.depth = random.between(12, 20);

@@ -10,7 +10,7 @@ namespace {
 const std::string faulty = "quindle \"Faulty\" {\n"
                            "  on run {\n"
                            "    let x 3\n"
-                           "    select Ground\n"
+                           "    # nothing more\n"
                            "  }\n"
                            "}\n";
 const std::string unplannable = "quindle \"Unplannable\" {\n"

@@ -20,12 +20,12 @@ TEST(Plan, PutsCheapConditionsFirstAsATree) {
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.out, "<stdin>:4: select\n"
-                        "  and                                         cheap\n"
-                        "    class(\"Ground\", \"Classification\")         cheap\n"
-                        "    not field(\"Amplitude\", 120, 1e+300, 0)    cheap\n"
-                        "    or                                        expensive\n"
-                        "      neighbours(0.5, 0, 2)                   expensive\n"
-                        "      inside(tile)                            free\n");
+                        "  and                                       cheap\n"
+                        "    class(\"Ground\", \"Classification\")       cheap\n"
+                        "    not field(\"Amplitude\", 120, 1e+300, 0)  cheap\n"
+                        "    or                                      expensive\n"
+                        "      neighbours(0.5, 0, 2)                 expensive\n"
+                        "      inside(tile)                          free\n");
 }
 
 TEST(Plan, GivesMachinesAFlatListWithDepths) {

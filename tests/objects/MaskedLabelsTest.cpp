@@ -68,28 +68,27 @@ TEST_F(MaskedLabelsTest, WhatCannotBeSelectedIsAProblemInWordsAndNotAZero) {
       "Overlap, ScannerChannel, ScanDirectionFlag, EdgeOfFlightLine, Classification, "
       "UserData, ScanAngle, PointSourceId, GpsTime, Amplitude, NormalVector";
   const Case cases[] = {
-      {"Amplitud > 1", lead + "There is no field called \"Amplitud\"; this cloud has " + fields + ".\n"},
+      {"Amplitud > 1", "There is no field called \"Amplitud\"; this cloud has " + fields + "."},
       {"field(\"NormalVector\", 0, 1, 3)",
-       lead + "The field \"NormalVector\" has no component 3. It has 3, numbered from 0.\n"},
-      {"vertical(15, \"Normal\")", lead + "There are no normals called \"Normal\""},
-      {"above(\"missing.ply\")", lead + "The surface \"missing.ply\" can't be used"},
-      {"expr(\"Intensity >\")", lead + "The expression \"Intensity >\" can't be used"},
-      {"neighbours(-1)", lead},
+       "The field \"NormalVector\" has 3 components. Give a whole number from 0 to 2."},
+      {"vertical(15, \"Normal\")", "There is no field called \"Normal\" with three components, nor fields "
+                                   "called \"NormalX\", \"NormalY\" "
+                                   "and \"NormalZ\"; this cloud has " +
+                                       fields +
+                                       ". Compute the normals first, or name the field that holds "
+                                       "them."},
+      {"above(\"missing.ply\")",
+       "The surface \"missing.ply\" can't be read: No such file or directory. Check its "
+       "name and that it may be read."},
+      {"expr(\"Intensity >\")",
+       "The expression \"Intensity >\" can't be used: at character 12, a value is missing at the end. "
+       "Write a field, a number or a parenthesis there."},
+      {"neighbours(-1)", "The radius of neighbours is a distance. Give 0 or more."},
   };
   for (const Case& one : cases) {
     const std::string text = said("select " + one.condition + "\nclassify into \"Water\"");
-    EXPECT_TRUE(text.starts_with(one.said)) << one.condition << '\n' << text;
-    EXPECT_TRUE(text.ends_with(".\n")) << text;
-    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << text;
+    EXPECT_EQ(text, lead + one.said + "\n") << one.condition;
   }
-}
-
-TEST_F(MaskedLabelsTest, OnlyTheClassesThatASelectNamesMayChange) {
-  const std::uint64_t ground = countOf(2);
-  (void)ground;
-  const std::string text = said("select class(\"Ground\") or Amplitude > 0\nclassify into \"Water\"\n"
-                                "report \"{selected}\"");
-  EXPECT_EQ(text, std::to_string(6000 - 0) + "\n") << "an or singles out no class, so all may change";
 }
 
 TEST_F(MaskedLabelsTest, AClassThatTheFormatCannotHoldIsRefusedBeforeAnythingIsCounted) {

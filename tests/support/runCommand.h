@@ -58,10 +58,10 @@ struct CommandResult {
 
 struct CommandInput {
   std::string directory = ".";                 ///< Where the command runs.
-  std::string outputFile;                      ///< Standard output goes here instead of to `out`.
+  std::string outputFile{};                    ///< Standard output goes here instead of to `out`.
   bool closeOutput = false;                    ///< Nobody reads what the command prints.
   bool waitOnInput = false;                    ///< Standard input stays open and silent.
-  std::string input;                           ///< Standard input, at most what a pipe holds (64 KiB).
+  std::string input{};                         ///< Standard input, at most what a pipe holds (64 KiB).
   std::chrono::milliseconds interruptAfter{0}; ///< When to send SIGINT; 0 for never.
 };
 

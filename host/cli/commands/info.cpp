@@ -64,8 +64,8 @@ void printInfo(const std::string& path, const CloudInfo& info, Console& console)
                                 info.pointFormat, countOf(info.points, "point")));
   if (!info.bounds.empty())
     for (std::size_t axis = 0; axis < 3; ++axis)
-      console.printLine(
-          fmt::format("  {}  {:.12g} .. {:.12g}", "xyz"[axis], info.bounds.low[axis], info.bounds.high[axis]));
+      console.printLine(fmt::format("  {}  {:.12g} .. {:.12g}", "xyz"[axis], info.bounds.low[axis],
+                                    info.bounds.high[axis]));
   printFields(info, console);
   if (info.classes.empty()) return;
   console.printLine(fmt::format("  {:>5}  {:>15}  {}", "class", "points", "name"));

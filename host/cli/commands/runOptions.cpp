@@ -19,14 +19,7 @@ namespace {
 constexpr unsigned maxThreads = 1024;
 
 /// What a region's file may hold, inclusive: far more than any outline drawn by hand or taken from a map.
-constexpr std::size_t maxRegionBytes = 64 * 1024 * 1024;
-
-std::string parameterList(const QuindleDocument& document) {
-  if (document.params.empty()) return "This Quindle takes none";
-  std::vector<std::string> names;
-  for (const QuindleParam& param : document.params) names.push_back(param.name);
-  return fmt::format("This Quindle takes {}", fmt::join(names, ", "));
-}
+constexpr std::size_t maxRegionBytes = std::size_t{64} * 1024 * 1024;
 
 bool readText(const std::string& path, std::string& text, std::string& problem) {
   std::ifstream file(path, std::ios::binary);
@@ -53,25 +46,27 @@ void addRunOptions(CLI::App& verb, RunOptions& options) {
           "Where to work: a box of four or six numbers, a polygon as WKT or GeoJSON, or @FILE with one of "
           "these in it.")
       ->type_name("REGION");
+  verb.add_option("--classes", options.classes,
+                  "The only classes whose points may change: names or numbers, separated by commas.")
+      ->type_name("CLASSES");
   verb.add_option("--threads", options.threads, "How many threads to use.")
       ->check(CLI::Range(1U, maxThreads))
       ->type_name("N");
+  verb.add_flag(
+      "--json", options.json,
+      "Print JSON: \"clouds\" with file, ok, report, output and changes (class, name, considered, modified, "
+      "from) of each, and \"diagnostics\".");
 }
 
-bool readSettings(const RunOptions& options, const QuindleDocument& document,
-                  std::map<std::string, std::string>& values, std::string& problem) {
+bool readSettings(const RunOptions& options, std::map<std::string, std::string>& values,
+                  std::string& problem) {
   for (const std::string& setting : options.settings) {
     const std::size_t equals = setting.find('=');
     if (equals == std::string::npos || equals == 0) {
       problem = fmt::format("\"{}\" sets nothing. Write --set NAME=VALUE.", setting);
       return false;
     }
-    const std::string name = setting.substr(0, equals);
-    if (document.findParam(name) == nullptr) {
-      problem = fmt::format("There is no parameter called \"{}\". {}.", name, parameterList(document));
-      return false;
-    }
-    values[name] = setting.substr(equals + 1);
+    values[setting.substr(0, equals)] = setting.substr(equals + 1);
   }
   return true;
 }

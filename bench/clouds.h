@@ -1,0 +1,109 @@
+#pragma once
+
+#include "host/points/LasBuilder.h"
+#include "host/points/PointCloud.h"
+
+#include <benchmark/benchmark.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <limits>
+#include <string>
+
+// The clouds of the benchmarks: made once, kept in the directory for temporary files.
+namespace Zamt::Host::Bench {
+
+inline constexpr std::int64_t million = 1'000'000;
+
+/// With this many points in a cubic metre, a point has about eight others within a metre.
+inline constexpr double pointsPerVolume = 1.9;
+inline constexpr double cloudHeight = 20;
+
+/// The side of the square that a cloud of that many points covers, in metres.
+inline double cloudSide(std::uint64_t points) {
+  return std::sqrt(static_cast<double>(points) / pointsPerVolume / cloudHeight);
+}
+
+/// A number from 0 up to 1 that looks random and depends on nothing but its arguments.
+inline double mixed(std::uint64_t point, std::uint64_t column) {
+  std::uint64_t z = (point * 8 + column + 1) * 0x9E3779B97F4A7C15U;
+  z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9U;
+  z = (z ^ (z >> 27)) * 0x94D049BB133111EBU;
+  return static_cast<double>((z ^ (z >> 31)) >> 11) * 0x1p-53;
+}
+
+[[noreturn]] inline void giveUp(const std::string& why) {
+  std::cerr << why << '\n';
+  std::exit(1);
+}
+
+inline std::string temporary(const std::string& name) {
+  return (std::filesystem::temp_directory_path() / name).string();
+}
+
+/// A file of format 6, 30 bytes a point, spread evenly and in random order, which is the worst for an index.
+inline std::string cloudFile(std::uint64_t points) {
+  std::string path = temporary("quindle-bench-" + std::to_string(points) + ".las");
+  if (std::filesystem::exists(path)) return path;
+  const double side = cloudSide(points);
+  const auto fill = [side](std::uint64_t i, NewPoint& point) {
+    point.position = {mixed(i, 0) * side, mixed(i, 1) * side, mixed(i, 2) * cloudHeight};
+    point.intensity = static_cast<std::uint16_t>(mixed(i, 3) * 1000);
+    point.classification = static_cast<std::uint8_t>(mixed(i, 4) * 10);
+  };
+  NewCloud description;
+  description.scale = {0.01, 0.01, 0.01};
+  std::string error;
+  if (!buildLas(description, points, fill, path, error)) giveUp(error);
+  return path;
+}
+
+inline std::shared_ptr<PointCloud> openCloud(std::uint64_t points) {
+  std::string error;
+  auto cloud = PointCloud::open(cloudFile(points), error);
+  if (!cloud) giveUp(error);
+  return cloud;
+}
+
+/// The seconds that `work` takes: the least of a few tries, for a yardstick.
+template <class Work>
+double secondsOf(const Work& work, int tries = 3) {
+  double least = std::numeric_limits<double>::infinity();
+  for (int i = 0; i < tries; ++i) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    least = std::min(least, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+  }
+  return least;
+}
+
+/// Adds up the time of the iterations, to be set against a yardstick.
+class Stopwatch {
+public:
+  template <class Work>
+  void run(const Work& work) {
+    seconds += secondsOf(work, 1);
+    ++rounds;
+  }
+  double mean() const { return rounds > 0 ? seconds / rounds : 0; }
+
+private:
+  double seconds = 0;
+  int rounds = 0;
+};
+
+/// Puts what was selected and the process's peak memory, the mapped file included, beside the time.
+inline void report(benchmark::State& state, std::uint64_t selected) {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  state.counters["selected"] = static_cast<double>(selected);
+  state.counters["peakMB"] = static_cast<double>(usage.ru_maxrss) / 1024;
+}
+
+} // namespace Zamt::Host::Bench
