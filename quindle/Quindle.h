@@ -1,6 +1,7 @@
 #pragma once
 
 /// Everything that a host of Quindles includes.
+#include "quindle/check/checkQuindle.h"
 #include "quindle/core/Diag.h"
 #include "quindle/core/QuindleDocument.h"
 #include "quindle/plan/QuindleOperation.h"
@@ -14,3 +15,4 @@
 #include "quindle/runtime/QuindleOps.h"
 #include "quindle/runtime/QuindleRuntime.h"
 #include "quindle/text/parseQuindle.h"
+#include "quindle/text/writeQuindle.h"
