@@ -8,6 +8,8 @@
 #include "sorbine/VManagedObject.h"
 #include "sorbine/ValuePool.h"
 
+#include <fmt/format.h>
+
 namespace Zamt::Host {
 
 namespace {
@@ -124,22 +126,19 @@ void Scene::forgetCompiled() {
 
 bool Scene::checkValues(const QuindleDocument& document, const std::map<std::string, std::string>& values,
                         Diag& diag) const {
-  bool good = true;
+  const std::uint64_t before = diag.errorCount;
   for (const auto& [name, value] : values) {
     const QuindleParam* const param = document.findParam(name);
-    if (!param) {
-      diag.error("\"" + document.name + "\" has no parameter called \"" + name +
-                     "\". It takes: " + parameterNames(document) + ".",
+    if (!param)
+      diag.error(fmt::format("\"{}\" has no parameter called \"{}\". It takes: {}.", document.name, name,
+                             parameterNames(document)),
                  document.name);
-      good = false;
-    } else if (outsideRange(*param, value)) {
-      diag.error("\"" + name + "\" is " + value + ", outside its range from " + param->minimum.toSource() +
-                     " to " + param->maximum.toSource() + ".",
+    else if (outsideRange(*param, value))
+      diag.error(fmt::format("\"{}\" is {}, outside its range from {} to {}.", name, value,
+                             param->minimum.toSource(), param->maximum.toSource()),
                  document.name);
-      good = false;
-    }
   }
-  return good;
+  return diag.errorCount == before;
 }
 
 bool Scene::makeField(const QuindleParam& param, const std::string& field, std::string& object, Diag& diag) {
@@ -174,22 +173,23 @@ bool Scene::makeRegion(const QuindleParam& param, const std::string& text, std::
   return true;
 }
 
-/// Gives one parameter its value from the application where it takes one, and an object where the user wrote
-/// what stands for one.
+/// Gives one parameter its value from the application where it takes one, and an object where the user, or
+/// the default, wrote what stands for one.
 bool Scene::supply(const QuindleParam& param, std::map<std::string, std::string>& args, Diag& diag) {
-  const auto given = args.find(param.name);
-  const bool isGiven = given != args.end();
-  if (isGiven && ops_->exists(given->second)) return true;
-  if (!isGiven && !leftToApplication(param)) return true;
+  std::string written;
+  if (const auto given = args.find(param.name); given != args.end())
+    written = given->second;
+  else if (!leftToApplication(param))
+    written = param.defaultValue.toPlainText();
+  if (ops_->exists(written)) return true;
 
-  if (param.type == "Grid" && !isGiven) {
-    args[param.name] = cloud_;
-  } else if (param.type == "Field") {
-    return makeField(param, isGiven ? given->second : "Classification", args[param.name], diag);
-  } else if (param.type == "Region" || param.type == "Brush") {
-    if (isGiven) return makeRegion(param, given->second, args[param.name], diag);
+  if (param.type == "Field")
+    return makeField(param, written.empty() ? "Classification" : written, args[param.name], diag);
+  if (param.type == "Region" || param.type == "Brush") {
+    if (!written.empty()) return makeRegion(param, written, args[param.name], diag);
     if (!region_.empty()) args[param.name] = region_;
   }
+  if (param.type == "Grid" && written.empty()) args[param.name] = cloud_;
   return true;
 }
 

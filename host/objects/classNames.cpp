@@ -3,6 +3,7 @@
 #include "host/points/LasLayout.h"
 #include "quindle/core/Tree.h"
 
+#include <fmt/format.h>
 #include <set>
 
 namespace Zamt::Host {
@@ -68,15 +69,17 @@ bool storableClassNames(const Grid& grid, std::vector<ClassName>& names, std::ve
     const std::string stored = storedName(whole);
     for (const auto& [other, label] : grid.labels.labels) {
       if (other == number || storedName(label.name) != stored) continue;
-      problem = "The classes \"" + whole + "\" and \"" + label.name +
-                "\" begin alike, and a LAS file holds only the first " + std::to_string(longestClassName) +
-                " bytes of a name. Give one of them a name that differs in those.";
+      problem =
+          fmt::format("The classes \"{}\" and \"{}\" begin alike, and a LAS file holds only the first {} "
+                      "bytes of a name. Give one of them a name that differs in those.",
+                      whole, label.name, longestClassName);
       return false;
     }
     if (stored != whole)
-      shortened.push_back("The class \"" + whole + "\" is stored as \"" + stored + "\": a LAS file holds " +
-                          std::to_string(longestClassName) +
-                          " bytes of a name. Quindles find it by its whole name all the same.");
+      shortened.push_back(
+          fmt::format("The class \"{}\" is stored as \"{}\": a LAS file holds {} bytes of a name. "
+                      "Quindles find it by its whole name all the same.",
+                      whole, stored, longestClassName));
     names.push_back({number, stored});
   }
   return true;

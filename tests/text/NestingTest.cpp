@@ -1,38 +1,14 @@
 #include "quindle/text/parseQuindle.h"
 
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <pthread.h>
-#include <string>
+#include "tests/support/smallStack.h"
 
 namespace Zamt {
 namespace {
 
+using Testing::onSmallStack;
+using Testing::repeated;
+
 constexpr std::size_t levels = 1'000'000;
-constexpr std::size_t stackBytes = std::size_t{8} << 20U;
-
-std::string repeated(const std::string& piece, std::size_t times = levels) {
-  std::string text;
-  text.reserve(piece.size() * times);
-  for (std::size_t i = 0; i < times; ++i) text += piece;
-  return text;
-}
-
-/// The main thread may have a larger stack than a host gives us.
-void onSmallStack(std::function<void()> work) {
-  pthread_attr_t attributes;
-  ASSERT_EQ(pthread_attr_init(&attributes), 0);
-  ASSERT_EQ(pthread_attr_setstacksize(&attributes, stackBytes), 0);
-  pthread_t thread{};
-  const auto run = [](void* argument) -> void* {
-    (*static_cast<std::function<void()>*>(argument))();
-    return nullptr;
-  };
-  ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
-  ASSERT_EQ(pthread_join(thread, nullptr), 0);
-  pthread_attr_destroy(&attributes);
-}
 
 /// The bytes of every expression and value of a document.
 std::size_t printedBytes(const QuindleDocument& doc) {
@@ -99,7 +75,7 @@ TEST(Nesting, ReportsEveryUnclosedLevel) {
     onSmallStack([&before = before, &opening = opening] {
       QuindleDocument doc;
       Diag diag;
-      EXPECT_FALSE(parseQuindle(before + repeated(opening), "f", doc, diag));
+      EXPECT_FALSE(parseQuindle(before + repeated(opening, levels), "f", doc, diag));
       EXPECT_GE(diag.errorCount, levels);
       EXPECT_LE(diag.errorCount, levels + 3);
       EXPECT_TRUE(diag.entries[levels / 2].message.ends_with(" but found the end of the file."));
@@ -109,7 +85,7 @@ TEST(Nesting, ReportsEveryUnclosedLevel) {
 TEST(Nesting, ReportsEveryMinusSignInFrontOfWhatIsNoNumber) {
   QuindleDocument doc;
   Diag diag;
-  EXPECT_FALSE(parseQuindle(param + repeated("-") + "x }", "f", doc, diag));
+  EXPECT_FALSE(parseQuindle(param + repeated("-", levels) + "x }", "f", doc, diag));
   EXPECT_EQ(diag.errorCount, levels);
   EXPECT_EQ(diag.entries.back().format(), "f:1:1000042: error: Only a number can be negated here.");
 }
