@@ -133,7 +133,7 @@ TEST_F(CloudWriterTest, NamesGoIntoTheRecordThatIsThere) {
 
   // The same record cut down to its two entries, so that it must grow.
   std::string small = before;
-  small.erase(375 + 54 + 32, 254 * 16);
+  small.erase(375 + 54 + 32, std::size_t{254} * 16);
   putNumber(small, 375 + 20, std::uint16_t{32});
   putNumber(small, 96, std::uint32_t{375 + 54 + 32});
   EXPECT_EQ(written(*open(write("small.las", small)), {{41, "Grown"}}).size(), before.size());

@@ -155,26 +155,33 @@ TEST_F(RunProgramTest, NoticesThatTheEditorLostItsClass) {
 }
 
 /// A scene that can do no more than it has to.
-class BareScene : public RecordingScene {
-  using Lines = std::vector<std::string>;
-
+class BareScene : public QuindleOps {
 public:
-  bool exists(const std::string& name) override { return QuindleOps::exists(name); }
-  Lines objectsPublishing(const std::string& kind) override { return QuindleOps::objectsPublishing(kind); }
-  std::string sourceOf(const std::string& object, const std::string& slot) override {
-    return QuindleOps::sourceOf(object, slot);
+  std::string create(const std::string& creator, const std::string& name, Diag& diag) override {
+    return full.create(creator, name, diag);
   }
-  Lines consumersOf(const std::string& object) override { return QuindleOps::consumersOf(object); }
-  std::string creatorOf(const std::string& object) override { return QuindleOps::creatorOf(object); }
-  std::string statusOf(const std::string& object) override { return QuindleOps::statusOf(object); }
-  bool removeObject(const std::string& name, Diag& diag) override {
-    return QuindleOps::removeObject(name, diag);
+  bool connect(const std::string& object, const std::string& slot, const std::string& source,
+               const std::string& sourceSlot, Diag& diag) override {
+    return full.connect(object, slot, source, sourceSlot, diag);
   }
+  bool setParam(const std::string& object, const std::string& slot, const std::string& value,
+                Diag& diag) override {
+    return full.setParam(object, slot, value, diag);
+  }
+  bool getParam(const std::string& object, const std::string& slot, std::string& value, Diag& diag) override {
+    return full.getParam(object, slot, value, diag);
+  }
+  bool fireAction(const std::string& object, const std::string& action, Diag& diag) override {
+    return full.fireAction(object, action, diag);
+  }
+  int settle() override { return full.settle(); }
+
+  RecordingScene full;
 };
 
 TEST(BareSceneTest, IsEnoughToRunAndPreview) {
   BareScene bare;
-  bare.presets["Edit/MaskedLabels"] = {{"modified", "4"}};
+  bare.full.presets["Edit/MaskedLabels"] = {{"modified", "4"}};
   QuindleRuntime runtime(bare);
   const QuindleDocument doc = parsedRun("select inside(r)\nclassify into \"Noise\"\nreport \"{selected}\"",
                                         "param r : Region = brush param data : Grid = active");
