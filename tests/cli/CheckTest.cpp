@@ -7,20 +7,10 @@ using namespace Zamt::Testing;
 
 namespace {
 
-const std::string faulty = "quindle \"Faulty\" {\n"
-                           "  on run {\n"
-                           "    let x 3\n"
-                           "    # nothing more\n"
-                           "  }\n"
-                           "}\n";
-const std::string unplannable = "quindle \"Unplannable\" {\n"
-                                "  description \"d\"\n"
-                                "  on run {\n"
+const std::string faulty = "quindle \"Faulty\" {\n  on run {\n    let x 3\n    # nothing more\n  }\n}\n";
+const std::string unplannable = "quindle \"Unplannable\" {\n  description \"d\"\n  on run {\n"
                                 "    if true { select Ground } else { select Amplitude != 3 }\n"
-                                "    select frob(1)\n"
-                                "    run \"Unplannable\"()\n"
-                                "  }\n"
-                                "}\n";
+                                "    select frob(1)\n    run \"Unplannable\"()\n  }\n}\n";
 
 TEST(Check, SaysWhereEachFaultIs) {
   const TemporaryDirectory directory;

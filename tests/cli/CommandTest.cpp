@@ -40,45 +40,27 @@ TEST(Command, WrongUsageEndsWithTwoAndDoesNothing) {
 }
 
 TEST(Command, HelpIsThereForEveryVerbWithAnExample) {
-  for (const Words& words : std::vector<Words>{{"--help"},
-                                               {"run", "--help"},
-                                               {"preview", "--help"},
-                                               {"check", "--help"},
-                                               {"plan", "--help"},
-                                               {"info", "--help"},
-                                               {"sample", "--help"}}) {
-    SCOPED_TRACE(words[0]);
-    const CommandResult result = quindle(words);
+  for (const std::string verb : {"", "run", "preview", "check", "plan", "info", "sample"}) {
+    SCOPED_TRACE(verb);
+    const CommandResult result = quindle(verb.empty() ? Words{"--help"} : Words{verb, "--help"});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_THAT(result.out, HasSubstr("Example:\n  quindle "));
     EXPECT_EQ(result.err, "");
   }
+  EXPECT_EQ(quindle({"--version"}).out, "quindle 0.1.0\n");
 }
 
-TEST(Command, SaysItsVersion) {
-  const CommandResult result = quindle({"--version"});
-  EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(result.out, "quindle 0.1.0\n");
-}
-
-TEST(Command, AFullDiskUnderTheResultsIsAFailure) {
-  const CommandResult result = quindle({"--help"}, {.outputFile = "/dev/full"});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.err,
-            "error: The results could not be written to standard output: No space left on device.\n");
-}
-
-TEST(Command, AReaderThatWentAwayEndsItQuietly) {
-  const CommandResult result = quindle({"--help"}, {.closeOutput = true});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.err, "");
-}
-
-TEST(Command, AnInterruptEndsItInOneSentence) {
-  const CommandResult result =
-      quindle({"check", "-"}, {.waitOnInput = true, .interruptAfter = std::chrono::milliseconds(300)});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.err, "<stdin>: error: Interrupted, nothing was written.\n");
+TEST(Command, WhatEndsItEarlyIsOneSentenceAndAFailure) {
+  const std::pair<CommandResult, std::string> cases[] = {
+      {quindle({"--help"}, {.outputFile = "/dev/full"}),
+       "error: The results could not be written to standard output: No space left on device.\n"},
+      {quindle({"--help"}, {.closeOutput = true}), ""},
+      {quindle({"check", "-"}, {.waitOnInput = true, .interruptAfter = std::chrono::seconds(1)}),
+       "<stdin>: error: Interrupted, nothing was written.\n"}};
+  for (const auto& [result, said] : cases) {
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.err, said);
+  }
 }
 
 } // namespace

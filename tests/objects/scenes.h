@@ -2,28 +2,17 @@
 
 #include "host/objects/Scene.h"
 #include "host/points/SampleFiles.h"
+#include "tests/support/TemporaryDirectory.h"
 #include "tests/support/parsed.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
-#include <unistd.h>
 
 namespace Zamt::Testing {
 
-/// A directory of its own for each test, gone with it.
-class SceneTest : public testing::Test {
+/// A test with a directory of its own.
+class SceneTest : public testing::Test, public TemporaryDirectory {
 public:
-  SceneTest() {
-    const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-    directory = std::filesystem::temp_directory_path() /
-                ("quindle-" + std::string(info->name()) + "-" + std::to_string(getpid()));
-    std::filesystem::create_directories(directory);
-  }
-  ~SceneTest() override { std::filesystem::remove_all(directory); }
-
-  std::string path(const std::string& name) const { return (directory / name).string(); }
-
   /// A small sample scene; its water surface is "lake-water.ply".
   std::string sample(std::uint64_t points = 6000) const {
     std::string problem;
@@ -38,8 +27,6 @@ public:
     const std::string file = std::string(QUINDLE_TEST_DATA) + "/" + name;
     return std::filesystem::exists(file) ? file : std::string();
   }
-
-  std::filesystem::path directory;
 };
 
 #define REQUIRE_REAL(file)                                                                                   \

@@ -55,77 +55,62 @@ TEST(compileSelect, ChainsTheFiltersOfAPlan) {
   EXPECT_THAT(select.bindings, ElementsAre("P_inside4.box <- tile"));
 }
 
-TEST(compileSelect, StartsAtThePaintedRegionWithoutAFilter) {
-  const Select select("inside(painted)");
-  EXPECT_TRUE(select.ok);
-  EXPECT_EQ(select.out, "S");
-  EXPECT_THAT(select.scene.calls, IsEmpty());
-  EXPECT_THAT(select.bindings, IsEmpty());
+TEST(compileSelect, StartsAtThePaintedRegionWithoutAFilterAndExcludesItWithOne) {
+  const Select painted("inside(painted)");
+  EXPECT_TRUE(painted.ok);
+  EXPECT_EQ(painted.out, "S");
+  EXPECT_THAT(painted.scene.calls, IsEmpty());
+  EXPECT_THAT(painted.bindings, IsEmpty());
+  const Select others("not inside(painted)", "");
+  EXPECT_THAT(others.scene.calls,
+              ElementsAre("create Selection/BrushFilterByBox P_inside1", "set P_inside1.invert = true"));
+  EXPECT_THAT(others.bindings, ElementsAre("P_inside1.box <- painted"));
 }
 
-TEST(compileSelect, ExcludesThePaintedRegionWhenNegated) {
-  const Select select("not inside(painted)");
-  EXPECT_EQ(select.out, "P_inside1");
-  EXPECT_THAT(select.scene.calls, ElementsAre("create Selection/BrushFilterByBox P_inside1",
-                                              "connect P_inside1.brush <- S", "set P_inside1.invert = true"));
-  EXPECT_THAT(select.bindings, ElementsAre("P_inside1.box <- painted"));
-}
-
-TEST(compileSelect, SetsWhatTellsConditionsOfOneCreatorApartAndLeavesAnEmptySourceAlone) {
-  const Select select("not above(\"w.m8\", 0.2)", "");
-  EXPECT_THAT(select.scene.calls, ElementsAre("create Selection/BrushFilterByTin P_above1",
-                                              "set P_above1.surface = w.m8", "set P_above1.margin = 0.2",
-                                              "set P_above1.side = above", "set P_above1.invert = true"));
-}
-
-TEST(compileSelect, WritesParametersThatAreNoObjects) {
-  EXPECT_THAT(Select("class(kinds)").bindings, ElementsAre("P_class1.classes = kinds"));
-}
-
-TEST(compileSelect, JoinsBranchesInPairs) {
-  const Select select("expr(\"a\") or expr(\"b\") or expr(\"c\")");
-  EXPECT_EQ(select.out, "P_any5");
-  EXPECT_EQ(select.scene.objects.at("P_any3").sources.at("otherbrush"), "P_expr2");
-  EXPECT_EQ(select.scene.objects.at("P_expr4").sources.at("brush"), "S");
-  EXPECT_EQ(select.scene.objects.at("P_any5").sources.at("brush"), "P_any3");
+TEST(compileSelect, SetsWhatTellsConditionsOfOneCreatorApart) {
+  const Select select("above(\"w.m8\", 0.2) and class(kinds)");
+  EXPECT_EQ(select.scene.objects.at("P_above2").slots.at("side"), "above");
+  EXPECT_THAT(select.bindings, ElementsAre("P_class1.classes = kinds"));
 }
 
 TEST(compileSelect, ReportsEveryArgumentThatCannotBeUsed) {
   const Select select("field(Amplitude, f(1), 1)");
   EXPECT_FALSE(select.ok);
   EXPECT_EQ(select.out, "P_field1");
-  EXPECT_EQ(
-      select.diag.format(),
-      "field:5:7: error: \"Amplitude\" is not a parameter of this Quindle. Declare it with \"param\", or "
-      "put it in quotes if it is the name of something in the data.\n"
-      "field:5: error: The \"minimum\" of \"field\" is f(1), which cannot be worked out here.");
+  EXPECT_EQ(select.diag.format(),
+            "field:5:7: error: \"Amplitude\" is not a parameter of this Quindle. Declare it with \"param\", "
+            "or put it in quotes if it is the name of something in the data.\n"
+            "field:5: error: The \"minimum\" of \"field\" is f(1), which cannot be worked out here.");
 }
 
 TEST(compileSelect, GoesOnFromTheLastFilterThatWasMade) {
-  const Select chain("inside(\"a\") and expr(\"b\") and expr(\"c\")", "S",
-                     {"create Selection/BrushFilterByExpression P_expr2"});
-  EXPECT_FALSE(chain.ok);
-  EXPECT_EQ(chain.out, "P_expr3");
-  EXPECT_EQ(chain.scene.objects.at("P_expr3").sources.at("brush"), "P_inside1");
-
-  const Select branches("expr(\"a\") or expr(\"b\") or expr(\"c\")", "S", {"connect P_expr1.brush <- S"});
-  EXPECT_FALSE(branches.ok);
-  EXPECT_EQ(branches.out, "P_any4");
-  EXPECT_EQ(branches.scene.objects.at("P_any4").sources.at("brush"), "P_expr2");
-
-  const Select unjoined("expr(\"a\") or expr(\"b\") or expr(\"c\")", "S",
-                        {"create Selection/BrushFilterAny P_any3"});
-  EXPECT_FALSE(unjoined.ok);
-  EXPECT_EQ(unjoined.out, "S");
-  EXPECT_FALSE(unjoined.scene.objects.contains("P_expr4"));
-
-  const Select halfJoined("expr(\"a\") or expr(\"b\")", "S", {"connect P_any3.brush <- P_expr1"});
-  EXPECT_FALSE(halfJoined.ok);
-  EXPECT_EQ(halfJoined.out, "P_any3");
-  EXPECT_EQ(halfJoined.scene.calls.back(), "connect P_any3.brush <- P_expr1");
+  const struct {
+    const char* condition;
+    std::string refused;
+    std::string out;
+    std::string source; ///< of `out`, where that is a filter
+  } cases[] = {
+      {"inside(\"a\") and expr(\"b\") and expr(\"c\")", "create Selection/BrushFilterByExpression P_expr2",
+       "P_expr3", "P_inside1"},
+      {"expr(\"a\") or expr(\"b\") or expr(\"c\")", "connect P_expr1.brush <- S", "P_any4", "P_expr2"},
+      {"expr(\"a\") or expr(\"b\") or expr(\"c\")", "create Selection/BrushFilterAny P_any3", "S", ""},
+      {"expr(\"a\") or expr(\"b\")", "connect P_any3.brush <- P_expr1", "P_any3", ""},
+  };
+  for (const auto& [condition, refused, out, source] : cases) {
+    Select select(condition, "S", {refused});
+    EXPECT_FALSE(select.ok) << refused;
+    EXPECT_EQ(select.out, out) << refused;
+    EXPECT_EQ(select.scene.sourceOf(out, "brush"), source) << refused;
+    if (source.empty()) {
+      EXPECT_EQ(select.scene.calls.back(), refused);
+    }
+  }
+  const Select joined("expr(\"a\") or expr(\"b\") or expr(\"c\")");
+  EXPECT_EQ(joined.out, "P_any5");
+  EXPECT_EQ(joined.scene.objects.at("P_any5").sources.at("brush"), "P_any3");
 }
 
-TEST(compileSelect, UsesTheNamesThatTheSceneGives) {
+TEST(compileSelect, UsesTheNamesThatTheSceneGivesAndRefusesNodesWithNothingInThem) {
   RecordingScene scene;
   scene.add("P_inside1", "taken");
   std::vector<QuindleBinding> bindings;
@@ -133,21 +118,13 @@ TEST(compileSelect, UsesTheNamesThatTheSceneGives) {
   std::string out;
   EXPECT_TRUE(compileSelect(Testing::planOf("inside(\"a\") and expr(\"b\")"), {}, scene, "", "P_", out,
                             bindings, diag));
-  EXPECT_EQ(scene.objects.at("P_expr2").sources.at("brush"), "P_inside1_2");
-}
-
-TEST(compileSelect, RefusesNodesWithNothingInThem) {
-  RecordingScene scene;
-  std::vector<QuindleBinding> bindings;
-  Diag diag;
-  std::string out;
+  EXPECT_EQ(scene.sourceOf("P_expr2", "brush"), "P_inside1_2");
   QuindlePlanNode plan;
   EXPECT_FALSE(compileSelect(plan, {}, scene, "S", "P_", out, bindings, diag));
-  EXPECT_EQ(out, "S");
-  EXPECT_EQ(diag.format(), "");
   plan.kind = QuindlePlanNode::Kind::Or;
   plan.line = 4;
   EXPECT_FALSE(compileSelect(plan, {}, scene, "S", "P_", out, bindings, diag));
+  EXPECT_EQ(out, "S");
   EXPECT_EQ(diag.format(), ":4: error: An \"or\" with nothing in it.");
 }
 

@@ -33,8 +33,7 @@ std::string outcome(const QuindleExpr& expr) {
 
 TEST(evaluateQuindleExpr, WorksOutValuesOrSaysWhyNot) {
   const std::string notNumber =
-      "t.quindle:5:1: error: A number cannot be compared with something that is not "
-      "one.";
+      "t.quindle:5:1: error: A number cannot be compared with something that is not one.";
   const struct {
     const char* expression;
     std::string outcome;
@@ -47,21 +46,19 @@ TEST(evaluateQuindleExpr, WorksOutValuesOrSaysWhyNot) {
       {"metres", "\"0.5m\""},
       {"empty", "\"\""},
       {"not empty", "true"},
-      {"2 < 3 and nothing",
-       "t.quindle:5:11: error: \"nothing\" has no value here. It is neither a parameter of "
-       "this Quindle nor set by an earlier \"let\"."},
+      {"2 < 3 and nothing", "t.quindle:5:11: error: \"nothing\" has no value here. It is neither a parameter "
+                            "of this Quindle nor set by an earlier \"let\"."},
       {"3 < 2 and nothing", "false"},
       {"2 and \"x\" and rgb", "true"},
       {"3 or nothing", "true"},
       {"0 or \"\" or false", "false"},
       {"not (1 and not (0 or 2))", "true"},
-      {"region",
-       "t.quindle:5:1: error: The parameter \"region\" takes its value from the application, and none "
-       "was supplied for this run."},
+      {"region", "t.quindle:5:1: error: The parameter \"region\" takes its value from the application, and "
+                 "none was supplied for this run."},
       {"bare", "t.quindle:5:1: error: No value for the parameter \"bare\", and it has no default."},
-      {"(1 < class(\"Ground\")) or 1", "t.quindle:5:6: error: \"class\" cannot be worked out here: a "
-                                       "\"let\" or an \"if\" is decided before the "
-                                       "data is touched, and this needs the data."},
+      {"(1 < class(\"Ground\")) or 1",
+       "t.quindle:5:6: error: \"class\" cannot be worked out here: a \"let\" or an \"if\" is decided before "
+       "the data is touched, and this needs the data."},
       {"limit == \"a\"", notNumber},
       {"flag != 1", notNumber},
       {"nan == 1", "true"},
@@ -95,43 +92,29 @@ TEST(evaluateQuindleExpr, RefusesTreesThatNoTextGives) {
 }
 
 TEST(evaluateQuindleCondition, TakesTextsForTrueWhateverTheySay) {
-  const struct {
-    const char* expression;
-    bool truth;
-  } cases[] = {{"\"false\"", true}, {"\"0\"", true}, {"0", false},
-               {"-0.1", true},      {"rgb", true},   {"empty", false}};
-  for (const auto& [expression, truth] : cases) {
-    bool result = !truth;
+  const auto truthOf = [](const char* expression, bool before) {
     Diag diag;
-    EXPECT_TRUE(evaluateQuindleCondition(Testing::expressionOf(expression), document(), supplied, lets(),
-                                         result, diag));
-    EXPECT_EQ(result, truth) << expression;
-  }
-  bool kept = true;
-  Diag diag;
-  EXPECT_FALSE(
-      evaluateQuindleCondition(Testing::expressionOf("bare"), document(), supplied, lets(), kept, diag));
-  EXPECT_TRUE(kept);
+    evaluateQuindleCondition(Testing::expressionOf(expression), document(), supplied, lets(), before, diag);
+    return before;
+  };
+  for (const char* text : {"\"false\"", "\"0\"", "-0.1", "rgb"}) EXPECT_TRUE(truthOf(text, false)) << text;
+  for (const char* text : {"0", "empty"}) EXPECT_FALSE(truthOf(text, true)) << text;
+  EXPECT_TRUE(truthOf("bare", true)) << "a failure leaves it";
 }
 
+// Negations, and comparisons on either side.
 TEST(evaluateQuindleExpr, TakesAMillionLevels) {
-  QuindleExpr expr = Testing::expressionOf("1");
-  for (int level = 0; level < Testing::deep; ++level) {
-    std::vector<QuindleExpr> operands;
-    operands.push_back(std::move(expr));
-    expr = Testing::junction(QuindleExpr::Kind::Not, std::move(operands));
-  }
-  EXPECT_EQ(outcome(expr), "true");
-}
-
-TEST(evaluateQuindleExpr, TakesDeepComparisonsOnEitherSide) {
-  for (const std::size_t side : {0U, 1U}) {
+  using Kind = QuindleExpr::Kind;
+  for (const int side : {-1, 0, 1}) {
     QuindleExpr expr = Testing::expressionOf("1 == 1");
-    const QuindleExpr other = Testing::expressionOf("true");
-    for (int level = 0; level < 200000; ++level) {
-      std::vector<QuindleExpr> operands(2, other);
-      operands[side] = std::move(expr);
-      expr = Testing::junction(QuindleExpr::Kind::Compare, std::move(operands));
+    for (int level = 0; level < Testing::deep; ++level) {
+      std::vector<QuindleExpr> operands(side < 0 ? 1 : 2);
+      operands[side > 0 ? 1 : 0] = std::move(expr);
+      if (side >= 0) {
+        operands[side > 0 ? 0 : 1].kind = Kind::Literal;
+        operands[side > 0 ? 0 : 1].value = QuindleValue::boolean(true);
+      }
+      expr = Testing::junction(side < 0 ? Kind::Not : Kind::Compare, std::move(operands));
       expr.op = "==";
     }
     EXPECT_EQ(outcome(expr), "true");

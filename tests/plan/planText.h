@@ -1,9 +1,7 @@
 #pragma once
 
 #include "quindle/plan/QuindlePlanNode.h"
-#include "quindle/text/parseQuindle.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/parsed.h"
 
 #include <string>
 
@@ -11,18 +9,12 @@ namespace Zamt::Testing {
 
 /// A Quindle that declares `params` (whole lines) and runs `steps`.
 inline QuindleDocument documentOf(const std::string& steps, const std::string& params = {}) {
-  QuindleDocument document;
-  Diag diag;
-  EXPECT_TRUE(parseQuindle("quindle \"T\" {\n" + params + "\non run {\n" + steps + "\n}\n}", "t.quindle",
-                           document, diag))
-      << diag.format();
-  return document;
+  return parsed("quindle \"T\" {\n" + params + "\non run {\n" + steps + "\n}\n}", "t.quindle");
 }
 
 /// An expression as it stands in a "select", its first byte at column 1.
 inline QuindleExpr expressionOf(const std::string& text) {
-  const QuindleDocument document = documentOf("select\n" + text);
-  return document.triggers.at(0).steps.at(0).condition;
+  return documentOf("select\n" + text).triggers.at(0).steps.at(0).condition;
 }
 
 /// A plan that has to come out well.

@@ -59,13 +59,6 @@ protected:
   void TearDown() override { VManagedObject::clear(); }
 };
 
-TEST_F(VObjectTest, AnInputThatNothingFeedsHasItsOwnParameter) {
-  const auto a = add("a");
-  EXPECT_EQ(a->getSlot("left")->parameter()->source(), a);
-  EXPECT_EQ(a->left.source(), nullptr);
-  EXPECT_EQ(a->left.get(), 1.0);
-}
-
 TEST_F(VObjectTest, AttachmentPicksTheNamesakeOfTheRightTypeOrElseTheFirst) {
   const auto a = add("a");
   const auto b = add("b");
@@ -94,24 +87,17 @@ TEST_F(VObjectTest, AttachmentSaysWhyNot) {
             "There is no object called \"nobody\".");
 }
 
-TEST_F(VObjectTest, DetachingGivesTheOwnValueBack) {
+TEST_F(VObjectTest, AFedInputCannotBeWrittenAndDetachingGivesTheOwnValueBack) {
   const auto a = add("a");
   const auto b = add("b");
   b->left.set(5.0);
   TolvenActions::Attachment("b", "left", "a", "");
+  settle();
+  EXPECT_FALSE(b->getSlot("left")->parameter()->setValueFromText("7", nullptr, {}));
+  EXPECT_EQ(a->difference.get(), -1.0);
   EXPECT_TRUE(TolvenActions::Attachment("b", "left", "", "").success);
   EXPECT_EQ(b->left.get(), 5.0);
   EXPECT_EQ(b->left.source(), nullptr);
-}
-
-TEST_F(VObjectTest, AFedInputCannotBeWritten) {
-  const auto a = add("a");
-  add("b");
-  TolvenActions::Attachment("b", "left", "a", "");
-  settle();
-  const auto slot = VManagedObject::find<VObject>("b")->getSlot("left");
-  EXPECT_FALSE(slot->parameter()->setValueFromText("7", nullptr, {}));
-  EXPECT_EQ(a->difference.get(), -1.0);
 }
 
 TEST_F(VObjectTest, OnlyWhatReadsAChangeComputesAgain) {
@@ -127,13 +113,8 @@ TEST_F(VObjectTest, OnlyWhatReadsAChangeComputesAgain) {
   EXPECT_THAT(b->changedInputs, ElementsAre("sum"));
   EXPECT_EQ(c->computed, 1);
   EXPECT_EQ(settle(), 0);
-}
-
-TEST_F(VObjectTest, AnObjectThatFeedsItselfRunsOnceARound) {
-  const auto a = add("a");
-  EXPECT_TRUE(TolvenActions::Attachment("a", "left", "a", "sum").success);
-  for (int round = 1; round <= 5; ++round) EXPECT_EQ(settle(), 1);
-  EXPECT_EQ(a->total.get(), 10.0);
+  EXPECT_TRUE(TolvenActions::Attachment("c", "left", "c", "sum").success);
+  for (int round = 0; round < 3; ++round) EXPECT_EQ(settle(), 1) << "what feeds itself runs once a round";
 }
 
 TEST_F(VObjectTest, RemovingAnObjectDetachesItsReaders) {
@@ -154,18 +135,14 @@ TEST_F(VObjectTest, RemovingAnObjectDetachesItsReaders) {
   EXPECT_EQ(settle(), 1) << "b computes again; a is gone";
 }
 
-TEST_F(VObjectTest, AParameterWhoseObjectIsGoneHasNoSource) {
-  const auto parameter = add("a")->total.slot()->parameter();
-  VManagedObject::clear();
-  EXPECT_EQ(parameter->source(), nullptr);
-}
-
 TEST_F(VObjectTest, AnActionMayRemoveItsOwnObjectAndDoesNothingWhenThatIsGone) {
   const auto slot = add("a")->vanish;
   const auto held = valueAs<Rethold::StrongPtr<VAction>>(slot->value())->held;
-  held->emitAction(nullptr, slot->parameter());
-  EXPECT_EQ(VManagedObject::find<VObject>("a"), nullptr);
-  held->emitAction(nullptr, slot->parameter());
+  for (int round = 0; round < 2; ++round) {
+    held->emitAction(nullptr, slot->parameter());
+    EXPECT_EQ(VManagedObject::find<VObject>("a"), nullptr);
+    EXPECT_EQ(slot->parameter()->source(), nullptr);
+  }
 }
 
 } // namespace

@@ -123,14 +123,6 @@ TEST(Selection, AgreesWithBooleanEvaluationOnRandomGraphs) {
   }
 }
 
-TEST(Selection, WithoutStepsKeepsAllPoints) {
-  const auto cloud = makeCloud(100);
-  PointMask result;
-  std::string problem;
-  ASSERT_TRUE(evaluateSelection(*cloud, {}, result, problem));
-  EXPECT_EQ(result, PointMask(100, true));
-}
-
 TEST(Selection, AStepReadByManyIsWorkedOutOnceAndOnlyWhereItsSourceKept) {
   const auto cloud = makeCloud(blockPoints + 10);
   const auto shared = std::make_shared<MadeUpFilter>(1);
@@ -155,14 +147,12 @@ public:
 };
 
 // Alternatives one by one, each joined to those before or all joined to those behind.
-std::vector<SelectionStep> makeAlternatives(int count, bool joinFromTheEnd) {
-  const auto filter = std::make_shared<FirstPointFilter>();
+std::vector<SelectionStep> makeAlternatives(int count, bool fromTheEnd) {
   std::vector<SelectionStep> steps;
+  const auto filter = std::make_shared<FirstPointFilter>();
   for (int i = 0; i < count; ++i) steps.push_back({-1, -1, nullptr, filter, false});
-  for (int i = 1; i < count; ++i) {
-    const int joined = i == 1 ? (joinFromTheEnd ? count - 1 : 0) : static_cast<int>(steps.size()) - 1;
-    steps.push_back(joinFromTheEnd ? join(count - 1 - i, joined) : join(joined, i));
-  }
+  for (int i = 1, joined = fromTheEnd ? count - 1 : 0; i < count; ++i, joined = count + i - 2)
+    steps.push_back(join(joined, fromTheEnd ? count - 1 - i : i));
   return steps;
 }
 
@@ -186,28 +176,23 @@ TEST(Selection, TensOfThousandsOfConditionsNeedFewMasks) {
   }
 }
 
-TEST(Selection, PassesOnWhyAConditionCouldNotBeWorkedOut) {
+TEST(Selection, KeepsAllPointsWithoutStepsAndPassesOnWhyAStepFails) {
   const auto cloud = makeCloud(10);
   PointMask result;
   std::string problem;
-  EXPECT_FALSE(evaluateSelection(*cloud, {{-1, -1, nullptr, std::make_shared<MadeUpCloudFilter>(0), false}},
-                                 result, problem));
-  EXPECT_EQ(problem, "It can't be known.");
-  EXPECT_FALSE(evaluateSelection(*cloud, {join(0, -1)}, result, problem));
-  EXPECT_EQ(problem,
-            "A step of the selection refers to a later one. Order the steps so that each comes after "
-            "those it reads.");
-}
-
-TEST(Selection, StopsWhenInterrupted) {
-  const auto cloud = makeCloud(10);
-  PointMask result;
-  std::string problem;
+  ASSERT_TRUE(evaluateSelection(*cloud, {}, result, problem));
+  EXPECT_EQ(result, PointMask(10, true));
+  const auto problemOf = [&](const SelectionStep& step) {
+    EXPECT_FALSE(evaluateSelection(*cloud, {step}, result, problem));
+    return problem;
+  };
+  EXPECT_EQ(problemOf({-1, -1, nullptr, std::make_shared<MadeUpCloudFilter>(0), false}),
+            "It can't be known.");
+  EXPECT_EQ(problemOf(join(0, -1)), "A step of the selection refers to a later one. Order the steps so that "
+                                    "each comes after those it reads.");
   interrupted = true;
-  EXPECT_FALSE(evaluateSelection(*cloud, {{-1, -1, std::make_shared<MadeUpFilter>(1), nullptr, false}},
-                                 result, problem));
+  EXPECT_EQ(problemOf({-1, -1, std::make_shared<MadeUpFilter>(1), nullptr, false}), interruptedMessage);
   interrupted = false;
-  EXPECT_EQ(problem, interruptedMessage);
 }
 
 } // namespace

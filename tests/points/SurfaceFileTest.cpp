@@ -1,10 +1,11 @@
 #include "host/points/SurfaceFile.h"
 
+#include "tests/support/TemporaryDirectory.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 
 namespace Zamt::Host {
 namespace {
@@ -36,13 +37,8 @@ constexpr const char* textPly =
     "end_header\n447455.577 0 2.5\n+447456.577 0 2.5\n447456.577 1 25e-1\n\n"
     "447455.577 1 2.5\n4 0 1 2 3\n";
 
-struct Same {
-  const char* name;
-  std::string bytes;
-};
-
 TEST(SurfaceFile, EveryFormatOfTheSameQuadReadsAlike) {
-  const Same cases[] = {
+  const std::pair<const char*, std::string> cases[] = {
       {"a.ply", textPly},
       {"little.bin", binaryPly(false)},
       {"big.bin", binaryPly(true)},
@@ -55,17 +51,18 @@ TEST(SurfaceFile, EveryFormatOfTheSameQuadReadsAlike) {
        "solid quad\n facet normal 0 0 1\n  outer loop\n   vertex 447455.577 0 2.5\n   vertex 447456.577 0 "
        "2.5\n   vertex 447456.577 1 2.5\n   vertex 447455.577 1 2.5\n  endloop\n endfacet\nendsolid quad\n"},
   };
-  for (const Same& one : cases) {
-    SCOPED_TRACE(one.name);
+  using Vec = std::array<double, 3>;
+  const std::vector<Vec> corners{{447455.577, 0, 2.5}, {447456.577, 0, 2.5}, {447456.577, 1, 2.5},
+                                 {447455.577, 0, 2.5}, {447456.577, 1, 2.5}, {447455.577, 1, 2.5}};
+  for (const auto& [name, bytes] : cases) {
     Mesh mesh;
     std::string problem;
-    ASSERT_TRUE(parseMesh(one.bytes, one.name, mesh, problem)) << problem;
-    ASSERT_EQ(mesh.triangles.size(), 2U);
-    ASSERT_EQ(mesh.vertices.size(), 4U);
-    EXPECT_EQ(mesh.vertices[mesh.triangles[0][0]], (std::array<double, 3>{447455.577, 0, 2.5}));
-    EXPECT_EQ(mesh.vertices[mesh.triangles[0][1]], (std::array<double, 3>{447456.577, 0, 2.5}));
-    EXPECT_EQ(mesh.vertices[mesh.triangles[0][2]], (std::array<double, 3>{447456.577, 1, 2.5}));
-    EXPECT_EQ(mesh.vertices[mesh.triangles[1][2]], (std::array<double, 3>{447455.577, 1, 2.5}));
+    ASSERT_TRUE(parseMesh(bytes, name, mesh, problem)) << problem;
+    std::vector<Vec> read;
+    for (const auto& triangle : mesh.triangles)
+      for (const std::uint32_t vertex : triangle) read.push_back(mesh.vertices[vertex]);
+    EXPECT_EQ(read, corners) << name;
+    EXPECT_EQ(mesh.vertices.size(), 4U) << name;
   }
 }
 
@@ -146,7 +143,8 @@ TEST(SurfaceFile, EveryCutAndFlippedFileEndsInAnAnswer) {
 }
 
 TEST(SurfaceCache, ReadsAFileOnceUntilItChanges) {
-  const std::string path = testing::TempDir() + "quindle-surface-cache.ply";
+  const Testing::TemporaryDirectory directory;
+  const std::string path = directory.path("a.ply");
   Mesh mesh{{{0, 0, 1}, {1, 0, 1}, {0, 1, 1}}, {{0, 1, 2}}};
   std::string problem;
   ASSERT_TRUE(writePly(path, mesh, problem)) << problem;
@@ -164,7 +162,7 @@ TEST(SurfaceCache, ReadsAFileOnceUntilItChanges) {
   std::filesystem::remove(path);
   EXPECT_EQ(cache.load(path, problem), nullptr);
   EXPECT_NE(problem, "");
-  EXPECT_FALSE(writePly(testing::TempDir() + "no/such/folder/a.ply", mesh, problem));
+  EXPECT_FALSE(writePly(directory.path("no/a.ply"), mesh, problem));
 }
 
 } // namespace

@@ -23,76 +23,55 @@ TEST_F(QuindleRuntimeTest, TakesTheBrushThatIsThereBeforeMakingOne) {
   EXPECT_EQ(diag.format(), "");
 }
 
+/// What comes of looking for a brush in a scene where something draws points, or nothing, and where an object
+/// feeds the new brush by itself, or none.
+void expectBrush(const std::string& drawing, const std::string& feeding, const std::set<std::string>& refused,
+                 const std::string& brush, const std::string& said, const std::vector<std::string>& calls) {
+  RecordingScene scene;
+  if (!drawing.empty()) scene.add(drawing, "View/Screen", {"PointDataChunk"});
+  if (!feeding.empty()) scene.feeds["Compute/BrushFromScreenPoints"] = {{"screenpoints", feeding}};
+  scene.refused = refused;
+  Diag diag;
+  EXPECT_EQ(QuindleRuntime(scene).ensureBrushObject(diag), brush);
+  EXPECT_EQ(diag.format(), said);
+  EXPECT_EQ(scene.takeCalls(), calls);
+}
+
 TEST_F(QuindleRuntimeTest, MakesABrushAndSwitchesItsDrawingOn) {
-  struct Case {
-    std::string drawing; ///< An object that publishes drawn points.
-    std::string feeding; ///< The object that feeds the new brush by itself.
-    std::set<std::string> refused;
-    std::string brush;
-    std::string diag;
-    Lines calls;
-  };
+  const std::string made = "QuindleBrush";
   const std::string setView = "set Quindle_View.mode = brush";
   const auto switchedOn = [](const std::string& source) {
     return "QuindleBrush: note: Nothing in the scene published a brush, so \"QuindleBrush\" was made and \"" +
            source + "\" switched on - draw on the view to select.";
   };
-  const Case cases[] = {
-      {"",
-       "",
-       {},
-       "QuindleBrush",
-       "QuindleBrush: warning: The brush was made but nothing is drawing into it, so there will be nothing "
-       "to select "
-       "until something does.",
-       {createBrush, "settle"}},
-      {"Quindle_View", "", {}, "QuindleBrush", switchedOn("Quindle_View"), {createBrush, "settle", setView}},
-      {"Quindle_View",
-       "Pen",
-       {},
-       "QuindleBrush",
-       switchedOn("Pen"),
-       {createBrush, "settle", "set Pen.mode = brush"}},
-      {"Quindle_View",
-       "",
-       {setView},
-       "QuindleBrush",
-       "scene: error: refused: set Quindle_View.mode = brush\nQuindle_View: warning: The brush was made but "
-       "its lasso "
-       "could not be switched on, so drawing on the screen will not select anything yet.",
-       {createBrush, "settle", setView}},
-      {"Quindle_View",
-       "",
-       {createBrush},
-       "",
-       "scene: error: refused: " + createBrush +
-           "\nCompute/BrushFromScreenPoints: error: Nothing in the scene publishes a brush to select from, "
-           "and one "
-           "could not be made.",
-       {createBrush}}};
-  for (const Case& one : cases) {
-    RecordingScene fresh;
-    if (!one.drawing.empty()) fresh.add(one.drawing, "View/Screen", {"PointDataChunk"});
-    if (!one.feeding.empty()) fresh.feeds["Compute/BrushFromScreenPoints"] = {{"screenpoints", one.feeding}};
-    fresh.refused = one.refused;
-    QuindleRuntime newRuntime(fresh);
-    Diag found;
-    EXPECT_EQ(newRuntime.ensureBrushObject(found), one.brush);
-    EXPECT_EQ(found.format(), one.diag);
-    EXPECT_EQ(fresh.takeCalls(), one.calls);
-  }
+  expectBrush("", "", {}, made,
+              "QuindleBrush: warning: The brush was made but nothing is drawing into it, so there will be "
+              "nothing to select until something does.",
+              {createBrush, "settle"});
+  expectBrush("Quindle_View", "", {}, made, switchedOn("Quindle_View"), {createBrush, "settle", setView});
+  expectBrush("Quindle_View", "Pen", {}, made, switchedOn("Pen"),
+              {createBrush, "settle", "set Pen.mode = brush"});
+  expectBrush("Quindle_View", "", {setView}, made,
+              "scene: error: refused: " + setView +
+                  "\nQuindle_View: warning: The brush was made but its lasso could not be switched on, so "
+                  "drawing on the screen will not select anything yet.",
+              {createBrush, "settle", setView});
+  expectBrush("Quindle_View", "", {createBrush}, "",
+              "scene: error: refused: " + createBrush +
+                  "\nCompute/BrushFromScreenPoints: error: Nothing in the scene publishes a brush to select "
+                  "from, and one could not be made.",
+              {createBrush});
 }
 
-TEST_F(QuindleRuntimeTest, SelectsFromThePinnedBrushEvenWhereNoRegionIsNamed) {
+TEST_F(QuindleRuntimeTest, SelectsFromThePinnedBrushAndFailsWithoutOne) {
   runtime.setBrushObject("Mine");
   compiled(parsedRun("select field(\"A\", 0, 1)"));
   EXPECT_EQ(diag.format(), "");
   EXPECT_THAT(calls(), testing::Contains("connect Quindle_Test_1_field1.brush <- Mine"));
-}
-
-TEST_F(QuindleRuntimeTest, FailsToCompileWithoutABrush) {
   scene.refused = {createBrush};
-  compiled(parsedRun("create a = \"A/B\"\nselect inside(r)", "param r : Region = brush"), false);
+  QuindleRuntime unpinned(scene);
+  EXPECT_FALSE(unpinned.run(parsedRun("create a = \"A/B\"\nselect inside(r)", "param r : Region = brush"), {},
+                            false, result, diag));
   EXPECT_THAT(calls(), ElementsAre(createBrush));
 }
 

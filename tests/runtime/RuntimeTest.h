@@ -79,8 +79,7 @@ protected:
   }
 };
 
-inline const std::string wholeNote =
-    "note: This Quindle names no region, so it works on the whole of whatever it "
-    "is given rather than on a brushed area.";
+inline const std::string wholeNote = "note: This Quindle names no region, so it works on the whole of "
+                                     "whatever it is given rather than on a brushed area.";
 
 } // namespace Zamt::Testing

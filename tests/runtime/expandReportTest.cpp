@@ -17,10 +17,8 @@ TEST_F(ExpandReportTest, FillsInWhatItKnowsAndLeavesTheRestAsWritten) {
     return "Test: warning: The report mentions \"{" + name + "}\", which is not a parameter of this Quindle.";
   };
   const std::string mute =
-      "Test: warning: The editor did not report a count, so \"{selected}\" is left unfilled in "
-      "the report.";
+      "Test: warning: The editor did not report a count, so \"{selected}\" is left unfilled in the report.";
   const Case cases[] = {
-      {"", "", ""},
       {"{selected} of {total}", "0 of 7", ""},
       {"{selected}", "{selected}", mute, "Mute"},
       {"{selected}", "{selected}", mute, "Nobody"},
@@ -35,12 +33,11 @@ TEST_F(ExpandReportTest, FillsInWhatItKnowsAndLeavesTheRestAsWritten) {
       {"{nope}, {nope}", "{nope}, {nope}", unknown("nope") + "\n" + unknown("nope")},
       {"{}{ number}{unset}", "{}{ number}{unset}",
        unknown("") + "\n" + unknown(" number") + "\n" + unknown("unset")},
-      {"100% } {", "100% } {", ""},
-      {"{number} {number", "1.50 {number", ""},
+      {"100% } {number} {number", "100% } 1.50 {number", ""},
       {"{a{b}}", "{a{b}}", unknown("a{b")}};
   const QuindleDocument doc =
-      parsedRun("", "param number : Number = 1.50 param colour : Text = (1, 2) param word : Text = one "
-                    "param given : Text = \"default\" param shadow : Text = x param unset : Text");
+      parsedRun("", "param number : Number = 1.50 param colour : Text = (1, 2) param word : Text = one param "
+                    "given : Text = \"default\" param shadow : Text = x param unset : Text");
   const std::map<std::string, QuindleValue> lets = {{"shadow", QuindleValue::text("from let")},
                                                     {"let", QuindleValue::text("a \"b\"")}};
   scene.add("Editor", "Edit/MaskedLabels").slots = {{"modified", "0"}, {"considered", "7"}};
@@ -55,9 +52,8 @@ TEST_F(ExpandReportTest, FillsInWhatItKnowsAndLeavesTheRestAsWritten) {
 
 TEST_F(ExpandReportTest, LetsAParameterHideACountOnlyWhenItHasAValue) {
   const QuindleDocument doc = parsedRun("", "param selected : Text = mine param total : Text");
-  scene.add("Editor", "Edit/MaskedLabels").slots = {{"modified", "0"}, {"considered", "7"}};
+  scene.add("Editor", "Edit/MaskedLabels").slots = {{"considered", "7"}};
   EXPECT_EQ(runtime.expandReport("{selected} {total}", doc, {}, {}, "Editor", false, diag), "mine 7");
-  EXPECT_EQ(diag.format(), "");
 }
 
 } // namespace

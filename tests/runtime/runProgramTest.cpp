@@ -17,28 +17,18 @@ TEST_F(RunProgramTest, BuildsOnceAndThenOnlyBindsAndFires) {
   EXPECT_EQ(result.settled, 3);
   EXPECT_THAT(result.report, ElementsAre("12 of 0"));
   EXPECT_EQ(diag.format(), "Test: " + wholeNote + "\nnote: Adding a class \"Noise\" with value 1.");
-  const Lines everyRun = {
-      "set Quindle_Test_1_field1.minimum = 5",       "connect Quindle_Test_2_classfield.grid <- Cloud",
-      "fire Quindle_Test_2_classify.unselectAll",    "settle",
-      "fire Quindle_Test_2_classify.select",         "settle",
-      "fire Quindle_Test_2_classify.applySelection", "settle"};
-  Lines firstRun = {"create Selection/BrushFilterByField Quindle_Test_1_field1",
-                    "set Quindle_Test_1_field1.field = Amplitude",
-                    "set Quindle_Test_1_field1.maximum = 10",
-                    "set Quindle_Test_1_field1.component = 0",
-                    "create Edit/MaskedLabels Quindle_Test_2_classify",
-                    "connect Quindle_Test_2_classify.brush <- Quindle_Test_1_field1",
-                    "set Quindle_Test_2_classify.labels = ...",
-                    "create Lattix/Field Quindle_Test_2_classfield",
-                    "set Quindle_Test_2_classfield.fieldname = Classification@Classification",
-                    "connect Quindle_Test_2_classify.labelfield <- Quindle_Test_2_classfield.field"};
-  firstRun.insert(firstRun.end(), everyRun.begin(), everyRun.end());
-  EXPECT_EQ(calls(), firstRun);
-
+  const Lines firstRun = calls();
   ASSERT_TRUE(run(doc, cloud));
   EXPECT_FALSE(result.compiled);
-  EXPECT_EQ(calls(), everyRun);
   EXPECT_EQ(diag.format(), "");
+  const Lines everyRun = calls();
+  EXPECT_THAT(everyRun, ElementsAre("set Quindle_Test_1_field1.minimum = 5",
+                                    "connect Quindle_Test_2_classfield.grid <- Cloud",
+                                    "fire Quindle_Test_2_classify.unselectAll", "settle",
+                                    "fire Quindle_Test_2_classify.select", "settle",
+                                    "fire Quindle_Test_2_classify.applySelection", "settle"));
+  ASSERT_EQ(firstRun.size(), 10 + everyRun.size());
+  EXPECT_TRUE(std::equal(everyRun.begin(), everyRun.end(), firstRun.begin() + 10));
 }
 
 TEST_F(RunProgramTest, CompilesAgainAfterTouchForgetAndANewBrush) {
@@ -66,39 +56,32 @@ TEST_F(RunProgramTest, FiresNothingThatWritesInAPreview) {
   EXPECT_TRUE(result.preview && result.compiled);
   EXPECT_EQ(result.settled, 2);
   EXPECT_THAT(result.report, ElementsAre("3", "3"));
-  EXPECT_THAT(calls(), testing::Contains("fire Quindle_Test_2_classify.select"));
-
-  EXPECT_TRUE(preview(doc, {{"data", ""}}));
-  EXPECT_THAT(calls(), ElementsAre("set Quindle_Test_1_field1.minimum = 5",
-                                   "connect Quindle_Test_2_classfield.grid <- ",
-                                   "fire Quindle_Test_2_classify.unselectAll", "settle",
-                                   "fire Quindle_Test_2_classify.select", "settle"));
+  Lines fired = calls();
+  std::erase_if(fired, [](const std::string& call) { return !call.starts_with("fire"); });
+  EXPECT_THAT(fired,
+              ElementsAre("fire Quindle_Test_2_classify.unselectAll", "fire Quindle_Test_2_classify.select"));
   EXPECT_TRUE(run(doc, {{"data", ""}}));
+  EXPECT_FALSE(result.compiled);
   EXPECT_THAT(result.report, ElementsAre("3", "99"));
   EXPECT_EQ(result.settled, 4);
 }
 
 TEST_F(RunProgramTest, SaysWhichBindingsHaveNoValueAndKeepsTheProgram) {
-  const QuindleDocument doc = parsedRun(
-      "select field(f, low, high)\nclassify into \"Noise\"",
-      "param f : Text param low : Number = 1 param high : Number = pick param data : Grid = active");
+  const QuindleDocument doc = parsedRun("select field(f, low, high)",
+                                        "param f : Text param low : Number = 1 param high : Number = pick");
   EXPECT_FALSE(run(doc));
   EXPECT_FALSE(result.ok);
-  const std::string missing = "Test: error: No value for the parameter \"f\", and it has no default.\n"
-                              "Test: error: The parameter \"high\" takes its value from the application, and "
-                              "none was supplied for this "
-                              "run.\nTest: error: The parameter \"data\" takes its value from the "
-                              "application, and none was supplied for "
-                              "this run.";
-  EXPECT_TRUE(diag.format().ends_with(missing)) << diag.format();
+  EXPECT_EQ(diag.format(), "Test: " + wholeNote +
+                               "\nTest: error: No value for the parameter \"f\", and it has no default.\n"
+                               "Test: error: The parameter \"high\" takes its value from the application, "
+                               "and none was supplied for this run.");
   calls();
   scene.refused = {"set Quindle_Test_1_field1.field = "};
-  EXPECT_FALSE(run(doc, {{"f", ""}, {"high", "2"}, {"data", "Cloud"}}));
+  EXPECT_FALSE(run(doc, {{"f", ""}, {"high", "2"}}));
   EXPECT_FALSE(result.compiled);
   EXPECT_THAT(calls(),
               ElementsAre("set Quindle_Test_1_field1.field = ", "set Quindle_Test_1_field1.minimum = 1",
-                          "set Quindle_Test_1_field1.maximum = 2",
-                          "connect Quindle_Test_2_classfield.grid <- Cloud"));
+                          "set Quindle_Test_1_field1.maximum = 2"));
 }
 
 TEST_F(RunProgramTest, RunsOnlyTheStepsWhoseGuardHolds) {
@@ -114,26 +97,20 @@ TEST_F(RunProgramTest, RunsOnlyTheStepsWhoseGuardHolds) {
 }
 
 TEST_F(RunProgramTest, StopsAtTheFirstStepThatFails) {
-  struct Case {
-    std::string step;
-    std::string diag;
-  };
-  const Case cases[] = {
-      {"if nope { report \"no\" }", "test.quindle:3:4: error: \"nope\" has no value here. It is neither a "
-                                    "parameter of this Quindle nor set by an earlier \"let\"."},
-      {"let a = nope",
-       "test.quindle:3:9: error: \"nope\" has no value here. It is neither a parameter of this "
-       "Quindle nor set by an earlier \"let\"."},
+  const std::string nope = "error: \"nope\" has no value here. It is neither a parameter of this Quindle nor "
+                           "set by an earlier \"let\".";
+  const std::pair<const char*, std::string> cases[] = {
+      {"if nope { report \"no\" }", "test.quindle:3:4: " + nope},
+      {"let a = nope", "test.quindle:3:9: " + nope},
       {"call Robot.go", "scene: error: refused: fire Robot.go"},
       {"run \"X\"()",
        "Test: error: \"Test\" runs \"X\", but nothing here knows how to find another Quindle by name."}};
   scene.refused = {"fire Robot.go"};
-  for (const Case& one : cases) {
+  for (const auto& [step, said] : cases) {
     runtime.forget("Test");
-    EXPECT_FALSE(run(parsedRun("report \"before\"\n" + one.step + "\nreport \"after\""))) << one.step;
-    EXPECT_FALSE(result.ok);
+    EXPECT_FALSE(run(parsedRun("report \"before\"\n" + std::string(step) + "\nreport \"after\""))) << step;
     EXPECT_THAT(result.report, ElementsAre("before"));
-    EXPECT_EQ(diag.format(), one.diag);
+    EXPECT_EQ(diag.format(), said);
   }
 }
 
@@ -168,12 +145,10 @@ TEST_F(RunProgramTest, NoticesThatTheEditorLostItsClass) {
   scene.objects["Quindle_Test_2_classify"].slots["labels"] = "LabelSet\n";
   for (const bool asPreview : {false, true}) {
     EXPECT_FALSE(run(doc, cloud, asPreview));
-    EXPECT_EQ(
-        diag.format(),
-        "Test: error: The label set of \"Quindle_Test_2_classify\" names no class to put the points into, so "
-        "this cannot have changed anything. Something else is driving that label set: detach it, and let "
-        "this "
-        "Quindle keep the one it plans for itself.");
+    EXPECT_EQ(diag.format(),
+              "Test: error: The label set of \"Quindle_Test_2_classify\" names no class to put the points "
+              "into, so this cannot have changed anything. Something else is driving that label set: detach "
+              "it, and let this Quindle keep the one it plans for itself.");
   }
   scene.objects["Quindle_Test_2_classify"].slots["labels"] = "";
   EXPECT_TRUE(run(doc, cloud));
@@ -214,18 +189,16 @@ TEST(BareSceneTest, IsEnoughToRunAndPreview) {
   Diag diag;
   EXPECT_TRUE(runtime.run(doc, cloud, false, result, diag)) << diag.format();
   EXPECT_THAT(result.report, ElementsAre("4"));
-  EXPECT_EQ(diag.format(),
-            "QuindleBrush: warning: The brush was made but nothing is drawing into it, so there will "
-            "be nothing to select until something does.\n"
-            "note: Adding a class \"Noise\" with value 1.");
+  EXPECT_EQ(diag.format(), "QuindleBrush: warning: The brush was made but nothing is drawing into it, so "
+                           "there will be nothing to select until something does.\n"
+                           "note: Adding a class \"Noise\" with value 1.");
   diag.clear();
   EXPECT_TRUE(runtime.run(doc, cloud, true, result, diag));
   EXPECT_EQ(diag.format(),
-            "Test: note: Nothing is displaying \"Cloud\", so there is no way to show what this would "
-            "affect. The counts above are the whole of what this preview can tell you.");
+            "Test: note: Nothing is displaying \"Cloud\", so there is no way to show what this would affect. "
+            "The counts above are the whole of what this preview can tell you.");
   diag.clear();
   EXPECT_EQ(bare.createConsumer("Cloud", "Display/Picture", "", diag), "");
-  EXPECT_FALSE(bare.removeObject("Cloud", diag));
   EXPECT_EQ(diag.format(), "Cloud: error: This is not able to create objects that read another one.");
 }
 

@@ -88,19 +88,15 @@ public:
 
   std::vector<std::string> objectsPublishing(const std::string& kind) override {
     std::vector<std::string> names;
-    for (const std::string& name : order) {
-      const auto found = objects.find(name);
-      if (found == objects.end()) continue;
-      const std::vector<std::string>& kinds = found->second.publishes;
-      if (std::find(kinds.begin(), kinds.end(), kind) != kinds.end()) names.push_back(name);
-    }
+    for (const std::string& name : order)
+      if (objects.contains(name) && std::ranges::count(objects[name].publishes, kind) != 0)
+        names.push_back(name);
     return names;
   }
 
   std::string sourceOf(const std::string& object, const std::string& slot) override {
-    const auto found = objects.find(object);
-    if (found == objects.end() || !found->second.sources.contains(slot)) return {};
-    return found->second.sources[slot];
+    return objects.contains(object) && objects[object].sources.contains(slot) ? objects[object].sources[slot]
+                                                                              : "";
   }
 
   std::vector<std::string> consumersOf(const std::string& object) override {
@@ -115,13 +111,11 @@ public:
   }
 
   std::string creatorOf(const std::string& object) override {
-    const auto found = objects.find(object);
-    return found == objects.end() ? std::string() : found->second.creator;
+    return objects.contains(object) ? objects[object].creator : std::string();
   }
 
   std::string statusOf(const std::string& object) override {
-    const auto found = objects.find(object);
-    return found == objects.end() ? std::string() : found->second.status;
+    return objects.contains(object) ? objects[object].status : std::string();
   }
 
   bool removeObject(const std::string& name, Diag& diag) override {

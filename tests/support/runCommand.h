@@ -1,15 +1,12 @@
 #pragma once
 
+#include "tests/support/TemporaryDirectory.h"
+
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <map>
 #include <poll.h>
 #include <spawn.h>
 #include <string>
@@ -18,36 +15,6 @@
 #include <vector>
 
 namespace Zamt::Testing {
-
-/// A directory that is gone, with all it holds, at the end of its scope.
-class TemporaryDirectory {
-public:
-  TemporaryDirectory() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "quindle-test-XXXXXX").string();
-    if (::mkdtemp(pattern.data()) != nullptr) directory = pattern;
-  }
-  TemporaryDirectory(const TemporaryDirectory&) = delete;
-  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
-  ~TemporaryDirectory() {
-    std::error_code ignored;
-    if (!directory.empty()) std::filesystem::remove_all(directory, ignored);
-  }
-
-  std::string path(const std::string& name = {}) const { return (directory / name).string(); }
-
-  std::string write(const std::string& name, const std::string& text) const {
-    std::ofstream(path(name), std::ios::binary) << text;
-    return path(name);
-  }
-
-private:
-  std::filesystem::path directory;
-};
-
-inline std::string readFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 /// How a command ended and what it said.
 struct CommandResult {
@@ -67,12 +34,10 @@ struct CommandInput {
 
 /// Runs a program and waits for it. Arguments are handed over as they are, without a shell.
 inline CommandResult runCommand(const std::vector<std::string>& words, const CommandInput& how = {}) {
-  std::array<int, 2> in{};
-  std::array<int, 2> out{};
-  std::array<int, 2> err{};
-  if (::pipe2(in.data(), O_CLOEXEC) != 0 || ::pipe2(out.data(), O_CLOEXEC) != 0 ||
-      ::pipe2(err.data(), O_CLOEXEC) != 0)
-    return {};
+  std::array<std::array<int, 2>, 3> pipes{};
+  for (auto& pipe : pipes)
+    if (::pipe2(pipe.data(), O_CLOEXEC) != 0) return {};
+  const auto& [in, out, err] = pipes;
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, in[0], 0);

@@ -41,12 +41,7 @@ TEST(ParseDocument, ReadsEverySettingParameterAndOccasion) {
 }
 
 TEST(ParseDocument, ReadsValues) {
-  struct Case {
-    const char* text;
-    const char* dump;
-    double number;
-  };
-  const Case cases[] = {
+  const std::tuple<std::string, const char*, double> cases[] = {
       {"0.50", "Number 0.50", 0.5},
       {".5", "Number .5", 0.5},
       {"1e-3", "Number 1e-3", 1e-3},
@@ -60,19 +55,11 @@ TEST(ParseDocument, ReadsValues) {
       {"()", "Tuple ()", 0},
       {"(1, (a.b, -2), \"x\")", "Tuple (1, (a.b, -2), \"x\")", 0},
   };
-  for (const Case& c : cases) {
-    const QuindleDocument doc =
-        parsed("quindle \"a\" { param x : T = " + std::string(c.text) + " on run { } }");
-    ASSERT_EQ(doc.params.size(), 1U) << c.text;
-    EXPECT_EQ(dumpValue(doc.params[0].defaultValue), c.dump);
-    EXPECT_EQ(doc.params[0].defaultValue.numberValue, c.number) << c.text;
+  for (const auto& [text, dump, number] : cases) {
+    const QuindleDocument doc = parsed("quindle \"a\" { param x : T = " + text + " on run { } }");
+    EXPECT_EQ(dumpValue(doc.params.at(0).defaultValue), dump);
+    EXPECT_EQ(doc.params[0].defaultValue.numberValue, number) << text;
   }
-}
-
-TEST(ParseDocument, TellsNeighbouringTextsWithEscapesApart) {
-  const QuindleDocument doc = parsed("quindle \"a\" { param x : T = \"b\\n\" \"c\\n\" on key \"\\t\" { } }");
-  EXPECT_EQ(doc.params.at(0).defaultValue.textValue + doc.params[0].help + doc.triggers.at(0).key,
-            "b\nc\n\t");
 }
 
 TEST(ParseDocument, KeepsAPrivateCopyOfItsSource) {
@@ -84,11 +71,7 @@ TEST(ParseDocument, KeepsAPrivateCopyOfItsSource) {
 }
 
 TEST(ParseDocument, ReadsEveryStep) {
-  struct Case {
-    const char* text;
-    const char* dump;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"let x = 1 let let = x", "Let@2:1 name=x value=[Literal@2:9 Number 1]\n"
                                 "Let@2:11 name=let value=[Reference@2:21 x]\n"},
       {"create b = \"C/I\"", "Create@2:1 name=b value=[Literal@2:1 Text \"C/I\"]\n"},
@@ -113,25 +96,19 @@ TEST(ParseDocument, ReadsEveryStep) {
       {"for each i in l { select i }",
        "ForEach@2:1 name=i value=[Reference@2:15 l]\n  Select@2:19 condition=[Reference@2:26 i]\n"},
   };
-  for (const Case& c : cases) EXPECT_EQ(dumpSteps(parsedSteps(c.text)), c.dump) << c.text;
+  for (const auto& [text, dump] : cases) EXPECT_EQ(dumpSteps(parsedSteps(text)), dump) << text;
 }
 
 TEST(ParseDocument, ReadsExpressionsByPrecedence) {
-  struct Case {
-    const char* text;
-    const char* dump;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"a or b and c", "[Or@2:8 [Reference@2:8 a] [And@2:13 [Reference@2:13 b] [Reference@2:19 c]]]"},
       {"a or b or c", "[Or@2:8 [Reference@2:8 a] [Reference@2:13 b] [Reference@2:18 c]]"},
       {"(a or b) or c", "[Or@2:9 [Or@2:9 [Reference@2:9 a] [Reference@2:14 b]] [Reference@2:20 c]]"},
       {"(a or b) and c", "[And@2:9 [Or@2:9 [Reference@2:9 a] [Reference@2:14 b]] [Reference@2:21 c]]"},
-      {"a and b and c or d and e",
-       "[Or@2:8 [And@2:8 [Reference@2:8 a] [Reference@2:14 b] [Reference@2:20 c]] [And@2:25 [Reference@2:25 "
-       "d] [Reference@2:31 e]]]"},
-      {"a or (b and (c or d)) or e",
-       "[Or@2:8 [Reference@2:8 a] [And@2:14 [Reference@2:14 b] [Or@2:21 [Reference@2:21 c] [Reference@2:26 "
-       "d]]] [Reference@2:33 e]]"},
+      {"a and b and c or d and e", "[Or@2:8 [And@2:8 [Reference@2:8 a] [Reference@2:14 b] [Reference@2:20 "
+                                   "c]] [And@2:25 [Reference@2:25 d] [Reference@2:31 e]]]"},
+      {"a or (b and (c or d)) or e", "[Or@2:8 [Reference@2:8 a] [And@2:14 [Reference@2:14 b] [Or@2:21 "
+                                     "[Reference@2:21 c] [Reference@2:26 d]]] [Reference@2:33 e]]"},
       {"not a < b", "[Not@2:8 [Compare@2:12 < [Reference@2:12 a] [Reference@2:16 b]]]"},
       {"not not a and b", "[And@2:8 [Not@2:8 [Not@2:12 [Reference@2:16 a]]] [Reference@2:22 b]]"},
       {"(not a) == true", "[Compare@2:9 == [Not@2:9 [Reference@2:13 a]] [Literal@2:19 Boolean true]]"},
@@ -144,43 +121,27 @@ TEST(ParseDocument, ReadsExpressionsByPrecedence) {
        "[Compare@2:8 != [Call@2:8 f [Reference@2:10 a] b: [And@2:17 [Call@2:17 g [Reference@2:19 c]] "
        "[Reference@2:26 d]] [Not@2:30 [Reference@2:34 e]]] [Literal@2:40 Text \"t\"]]"},
   };
-  for (const Case& c : cases) EXPECT_EQ(dumpExpr(parsedExpr(c.text)), c.dump) << c.text;
+  for (const auto& [text, dump] : cases) EXPECT_EQ(dumpExpr(parsedExpr(text)), dump) << text;
 }
 
 TEST(ParseDocument, PlacesCommentsAmongTheSteps) {
-  struct Case {
-    const char* promise;
-    const char* text;
-    const char* dump;
-  };
-  const Case cases[] = {
-      {"on its own line", "select a\n# c\nselect b",
-       "Select@2:1 condition=[Reference@2:8 a]\nComment@3:0 comment=<c>\n"
-       "Select@4:1 condition=[Reference@4:8 b]\n"},
-      {"behind a step", "select a // c\nselect b",
-       "Select@2:1 condition=[Reference@2:8 a]\nComment@2:0 comment=<c>\n"
-       "Select@3:1 condition=[Reference@3:8 b]\n"},
-      {"before and inside a step on its line", "/* c */ select /* d */ a\nselect b",
-       "Select@2:9 condition=[Reference@2:24 a]\nComment@2:0 comment=<c>\nComment@2:0 comment=<d>\n"
-       "Select@3:1 condition=[Reference@3:8 b]\n"},
-      {"inside a nested block, first and last", "if a { # c\n# d\n}\n# e",
+  const std::pair<const char*, const char*> cases[] = {
+      {"call a\n# c\ncall b", "Call@2:1 name=a\nComment@3:0 comment=<c>\nCall@4:1 name=b\n"},
+      {"call a // c\ncall b", "Call@2:1 name=a\nComment@2:0 comment=<c>\nCall@3:1 name=b\n"},
+      {"/* c */ call /* d */ a", "Call@2:9 name=a\nComment@2:0 comment=<c>\nComment@2:0 comment=<d>\n"},
+      {"if a { # c\n# d\n}\n# e", // inside a block first and last, and behind it
        "If@2:1 condition=[Reference@2:4 a]\n  Comment@2:0 comment=<c>\n  Comment@3:0 comment=<d>\n"
        "Comment@5:0 comment=<e>\n"},
-      {"behind the end of a block", "if a {\n} # c\nselect b",
-       "If@2:1 condition=[Reference@2:4 a]\nComment@3:0 comment=<c>\n"
-       "Select@4:1 condition=[Reference@4:8 b]\n"},
-      {"between a block and its else", "if a {\n}\n# c\nelse {\nselect b }",
-       "If@2:1 condition=[Reference@2:4 a]\nElse\n  Comment@4:0 comment=<c>\n"
-       "  Select@6:1 condition=[Reference@6:8 b]\n"},
-      {"each line of a block comment", "/* a\n\n  b\t\n*/",
-       "Comment@2:0 comment=<a>\nComment@2:0 comment=<>\nComment@2:0 comment=<b>\n"},
-      {"a last newline opens no line", "/*a\n*/", "Comment@2:0 comment=<a>\n"},
-      {"nothing but a sign", "#\n# \n//\n/**/", ""},
-      {"nothing but blanks", "#  \n# \r", "Comment@2:0 comment=<>\nComment@3:0 comment=<>\n"},
-      {"carriage returns are stripped", "# c\r\n/* d\r\ne */",
-       "Comment@2:0 comment=<c>\nComment@3:0 comment=<d>\nComment@3:0 comment=<e>\n"},
+      {"if a {\n} # c\n", "If@2:1 condition=[Reference@2:4 a]\nComment@3:0 comment=<c>\n"},
+      {"if a {\n}\n# c\nelse {\ncall b }",
+       "If@2:1 condition=[Reference@2:4 a]\nElse\n  Comment@4:0 comment=<c>\n  Call@6:1 name=b\n"},
+      {"/* a\n\n  b\t\n*/", "Comment@2:0 comment=<a>\nComment@2:0 comment=<>\nComment@2:0 comment=<b>\n"},
+      {"/*a\n*/", "Comment@2:0 comment=<a>\n"}, // a last newline opens no line
+      {"#\n# \n//\n/**/", ""},
+      {"#  \n# \r", "Comment@2:0 comment=<>\nComment@3:0 comment=<>\n"},
+      {"# c\r\n/* d\r\ne */", "Comment@2:0 comment=<c>\nComment@3:0 comment=<d>\nComment@3:0 comment=<e>\n"},
   };
-  for (const Case& c : cases) EXPECT_EQ(dumpSteps(parsedSteps(c.text)), c.dump) << c.promise;
+  for (const auto& [text, dump] : cases) EXPECT_EQ(dumpSteps(parsedSteps(text)), dump) << text;
 }
 
 TEST(ParseDocument, GivesTheCommentsOfTheHeadToTheFirstBlockAndDropsTheLast) {

@@ -15,210 +15,176 @@ struct Reading {
   explicit Reading(const std::string& text) : usable(parseQuindle(text, "f", doc, diag)) {}
 };
 
+/// What is said of a text, a fault written as "line:column sentence".
 struct Case {
-  const char* promise;
   std::string text;
-  std::string diagnostics;
+  std::vector<std::string> faults;
 };
 
-void expectDiagnostics(const std::vector<Case>& cases) {
+void expectFaults(const std::string& before, const std::vector<Case>& cases, const std::string& after) {
   for (const Case& c : cases) {
-    const Reading reading(c.text);
-    EXPECT_EQ(reading.diag.format(), c.diagnostics) << c.promise;
-    EXPECT_EQ(reading.usable, reading.diag.errorCount == 0) << c.promise;
+    std::string expected;
+    for (const std::string& fault : c.faults) {
+      const std::size_t blank = fault.find(' ');
+      expected +=
+          (expected.empty() ? "f:" : "\nf:") + fault.substr(0, blank) + ": error:" + fault.substr(blank);
+    }
+    const Reading reading(before + c.text + after);
+    EXPECT_EQ(reading.diag.format(), expected);
+    EXPECT_EQ(reading.usable, c.faults.empty()) << c.text;
   }
 }
 
-const char* const noTrigger = "f: warning: This Quindle has no trigger, so nothing will ever run it. "
-                              "Add an \"on run { ... }\" block.";
+void expectFaultsOfSteps(const std::vector<Case>& cases) {
+  expectFaults("quindle \"a\" { on run {\n", cases, "\n} }");
+}
 
 TEST(ParseFaults, OfTheFile) {
-  expectDiagnostics({
-      {"empty", "",
-       "f:1:1: error: A Quindle file starts with the word \"quindle\", but this one starts with the end of "
-       "the "
-       "file."},
-      {"position behind blanks and comments", "\r\n\t # c\n  5",
-       "f:3:3: error: A Quindle file starts with the word \"quindle\", but this one starts with the number "
-       "5."},
-      {"words are compared with case", "Quindle \"a\" { }",
-       "f:1:1: error: A Quindle file starts with the word \"quindle\", but this one starts with "
-       "\"Quindle\"."},
-      {"no trigger is no error", "quindle \"a\" { }", noTrigger},
-      {"the head goes on without a name", "quindle { on run { } }",
-       "f:1:9: error: Expected the Quindle's name in quotes but found \"{\"."},
-      {"nothing goes on without a brace", "quindle \"a\" on run { }",
-       "f:1:13: error: Expected \"{\" but found \"on\"."},
-      {"last brace missing", "quindle \"a\" { on run { }",
-       "f:1:25: error: Expected \"}\" but found the end of the file."},
-      {"a wrong setting is one fault, what it finds another", "quindle \"a\" { description 5 on run { } }",
-       "f:1:27: error: Expected the description in quotes but found the number 5.\n"
-       "f:1:27: error: Expected a setting, a parameter or a trigger, but found the number 5."},
-      {"recovery passes over settings up to the next parameter",
-       "quindle \"a\" { bad author 5\n param x : Number on run { } }",
-       "f:1:15: error: Expected a setting, a parameter or a trigger, but found \"bad\"."},
-      {"tags", "quindle \"a\" { tags \"x\", on run { } }",
-       "f:1:25: error: Expected a tag in quotes but found \"on\"."},
-      {"enabled", "quindle \"a\" { enabled on run { } }",
-       "f:1:23: error: Expected \"true\" or \"false\" after \"enabled\"."},
-      {"the two tokens behind the end are scanned", "quindle \"a\" { on run { } } x \"y\n \"z\n",
-       "f:1:30: error: This text is never closed."},
-      {"no more than two", "quindle \"a\" { on run { } } x y \"z\n", ""},
-      {"an earlier fault of the scanner comes first", "quindle \"a\" { on run { let 5 \"x\n } }",
-       "f:1:30: error: This text is never closed.\n"
-       "f:1:28: error: Expected a name for the value but found the number 5.\n"
-       "f:1:28: error: Expected \"=\" but found the number 5."},
-  });
+  const std::string start = "A Quindle file starts with the word \"quindle\", but this one starts with ";
+  expectFaults(
+      "",
+      {
+          {"", {"1:1 " + start + "the end of the file."}},
+          {"\r\n\t # c\n  5", {"3:3 " + start + "the number 5."}},
+          {"quindle { on run { } }", {R"(1:9 Expected the Quindle's name in quotes but found "{".)"}},
+          {"quindle \"a\" on run { }", {R"(1:13 Expected "{" but found "on".)"}},
+          {"quindle \"a\" { on run { }", {R"(1:25 Expected "}" but found the end of the file.)"}},
+          {"quindle \"a\" { description 5 on run { } }",
+           {"1:27 Expected the description in quotes but found the number 5.",
+            "1:27 Expected a setting, a parameter or a trigger, but found the number 5."}},
+          // Recovery passes over settings up to the next parameter.
+          {"quindle \"a\" { bad author 5\n param x : Number on run { } }",
+           {R"(1:15 Expected a setting, a parameter or a trigger, but found "bad".)"}},
+          {"quindle \"a\" { tags \"x\", on run { } }", {R"(1:25 Expected a tag in quotes but found "on".)"}},
+          {"quindle \"a\" { enabled on run { } }", {R"(1:23 Expected "true" or "false" after "enabled".)"}},
+          // The two tokens behind the end are scanned, and no more.
+          {"quindle \"a\" { on run { } } x \"y\n \"z\n", {"1:30 This text is never closed."}},
+          {"quindle \"a\" { on run { } } x y \"z\n", {}},
+          // The scanner is ahead, so that its faults come first.
+          {"quindle \"a\" { on run { let 5 \"x\n } }",
+           {"1:30 This text is never closed.", "1:28 Expected a name for the value but found the number 5.",
+            R"(1:28 Expected "=" but found the number 5.)"}},
+      },
+      "");
 }
 
 TEST(ParseFaults, OfParametersAndTriggers) {
-  const auto inFile = [](const std::string& items) { return "quindle \"a\" {\n" + items + "\non run { } }"; };
-  expectDiagnostics({
-      {"name", inFile("param : Number"), "f:2:7: error: Expected a parameter name but found \":\"."},
-      {"colon", inFile("param x Number"), "f:2:9: error: Expected \":\" but found \"Number\"."},
-      {"type", inFile("param x : = 5"), "f:2:11: error: Expected the parameter's type but found \"=\"."},
-      {"value", inFile("param x : Number = ]"),
-       "f:2:20: error: Expected a value but found \"]\".\n"
-       "f:2:20: error: Expected a setting, a parameter or a trigger, but found \"]\"."},
-      {"dots of a range belong to a word", inFile("param x : Number [lo..hi]"),
-       "f:2:25: error: Expected \"..\" but found \"]\"."},
-      {"end of a range", inFile("param x : Number [1..5 \"h\""),
-       "f:2:24: error: Expected \"]\" but found a text."},
-      {"a range stands behind the value", inFile("param x : Number [1..5] = 2"),
-       "f:2:25: error: Expected a setting, a parameter or a trigger, but found \"=\"."},
-      {"names are given once", inFile("param x : Number\nparam x : Text"),
-       "f:3: error: There is already a parameter called \"x\"."},
-      {"only numbers have a sign", inFile("param x : Class = -y"),
-       "f:3:1: error: Only a number can be negated here."},
-      {"each sign is a fault", inFile("param x : Class = --]"),
-       "f:2:21: error: Expected a value but found \"]\".\n"
-       "f:2:21: error: Only a number can be negated here.\n"
-       "f:2:21: error: Only a number can be negated here.\n"
-       "f:2:21: error: Expected a setting, a parameter or a trigger, but found \"]\"."},
-      {"signs of tuples are faults where these end", inFile("param x : Class = -(-(1), 2) \"h\""),
-       "f:2:25: error: Only a number can be negated here.\n"
-       "f:2:30: error: Only a number can be negated here."},
-      {"a comma calls for a value", inFile("param x : Color = (1, 2,)"),
-       "f:2:25: error: Expected a value but found \")\"."},
-      {"a tuple is kept without its end", inFile("param x : Color = (1, 2 \"h\""),
-       "f:2:25: error: Expected \")\" but found a text."},
-      {"the block of a bad occasion is not read", inFile("on click { select x }"),
-       "f:2:4: error: Expected \"run\", \"key\", \"tile.enter\" or \"load\" after \"on\", but found "
-       "\"click\".\n"
-       "f:2:10: error: Expected a setting, a parameter or a trigger, but found \"{\".\n"
-       "f:2:12: error: Expected a setting, a parameter or a trigger, but found \"select\".\n"
-       "f:2:19: error: Expected a setting, a parameter or a trigger, but found \"x\".\n" +
-           std::string(noTrigger)},
-      {"key", inFile("on key { }"), "f:2:8: error: Expected the key to bind in quotes but found \"{\"."},
-  });
+  const std::string negated = " Only a number can be negated here.";
+  const std::string noItem = " Expected a setting, a parameter or a trigger, but found ";
+  expectFaults(
+      "quindle \"a\" {\n",
+      {
+          {"param : Number", {R"(2:7 Expected a parameter name but found ":".)"}},
+          {"param x Number", {R"(2:9 Expected ":" but found "Number".)"}},
+          {"param x : = 5", {R"(2:11 Expected the parameter's type but found "=".)"}},
+          {"param x : Number = ]", {R"(2:20 Expected a value but found "]".)", "2:20" + noItem + "\"]\"."}},
+          {"param x : Number [lo..hi]", {R"(2:25 Expected ".." but found "]".)"}},
+          {"param x : Number [1..5 \"h\"", {R"(2:24 Expected "]" but found a text.)"}},
+          {"param x : Number [1..5] = 2", {"2:25" + noItem + "\"=\"."}},
+          {"param x : Class = -y", {"3:1" + negated}},
+          {"param x : Class = --]",
+           {R"(2:21 Expected a value but found "]".)", "2:21" + negated, "2:21" + negated,
+            "2:21" + noItem + "\"]\"."}},
+          {"param x : Class = -(-(1), 2) \"h\"", {"2:25" + negated, "2:30" + negated}},
+          {"param x : Color = (1, 2,)", {"2:25 Expected a value but found \")\"."}},
+          {"param x : Color = (1, 2 \"h\"", {"2:25 Expected \")\" but found a text."}},
+          {"on key { }", {R"(2:8 Expected the key to bind in quotes but found "{".)"}},
+      },
+      "\non run { } }");
+  EXPECT_EQ(Reading("quindle \"a\" { param x : Number\nparam x : Text on run { } }").diag.format(),
+            "f:2: error: There is already a parameter called \"x\".");
+  const std::string noTrigger = "f: warning: This Quindle has no trigger, so nothing will ever run it. Add "
+                                "an \"on run { ... }\" block.";
+  EXPECT_EQ(Reading("quindle \"a\" { }").diag.format(), noTrigger);
+  // The block of a bad occasion is not read.
+  EXPECT_EQ(Reading("quindle \"a\" { on click { } }").diag.format(),
+            "f:1:18: error: Expected \"run\", \"key\", \"tile.enter\" or \"load\" after \"on\", but found "
+            "\"click\".\nf:1:24: error:" +
+                noItem + "\"{\".\n" + noTrigger);
 }
 
 TEST(ParseFaults, OfTokens) {
-  const auto inRun = [](const std::string& steps) { return "quindle \"a\" { on run {\n" + steps + "\n} }"; };
-  expectDiagnostics({
-      {"a text ends with its line", inRun("report \"x"), "f:2:8: error: This text is never closed."},
-      {"a text that ends with the file has no message of its own", "quindle \"a\" { on run { report \"x",
-       "f:1:33: error: Expected \"}\" but found the end of the file.\n"
-       "f:1:33: error: Expected \"}\" but found the end of the file."},
-      {"a backslash that ends the file", "quindle \"a\" { icon \"x\\",
-       "f:1:23: error: Expected \"}\" but found the end of the file."},
-      {"unknown escape", inRun("report \"a\\qb\""), "f:2:11: warning: Unknown escape \\q - taken literally."},
-      {"an escaped newline goes on in the next line", inRun("report \"a\\\nb\" 5"),
-       "f:2:11: warning: Unknown escape \\\n - taken literally.\n"
-       "f:3:4: error: Expected a step but found the number 5."},
-      {"unclosed comment", "quindle \"a\" {\n  /*/ x\n\n ",
-       "f:2:3: error: This comment is never closed.\n"
-       "f:4:2: error: Expected \"}\" but found the end of the file."},
-      {"columns count bytes", inRun("report \"\xc3\xa4\" \xc3"),
-       "f:2:13: error: Expected a step but found \"\xc3\"."},
-      {"a slash alone is a symbol", inRun("let x = 1 / 2"),
-       "f:2:11: error: Expected a step but found \"/\"."},
-      {"a zero byte is a symbol", inRun(std::string("let x = 1 \0", 11)),
-       std::string("f:2:11: error: Expected a step but found \"") + '\0' + "\"."},
-      {"a dot behind a number", inRun("let x = 5."), "f:2:10: error: Expected a step but found \".\"."},
-      {"an exponent needs digits", inRun("let x = 1e"), "f:2:10: error: Expected a step but found \"e\"."},
-      {"an arrow is one token", inRun("select x<-1"), "f:2:9: error: Expected a step but found \"<-\"."},
+  expectFaultsOfSteps({
+      {"report \"x", {"2:8 This text is never closed."}},
+      {"report \"\xc3\xa4\" \xc3", {"2:13 Expected a step but found \"\xc3\"."}}, // columns count bytes
+      {"let x = 1 / 2", {R"(2:11 Expected a step but found "/".)"}},
+      {std::string("let x = 1 \0", 11), {std::string("2:11 Expected a step but found \"") + '\0' + "\"."}},
+      {"let x = 5.", {R"(2:10 Expected a step but found ".".)"}},
+      {"let x = 1e", {R"(2:10 Expected a step but found "e".)"}},
+      {"select x<-1", {R"(2:9 Expected a step but found "<-".)"}},
   });
+  // A text that ends with the file has no message of its own.
+  // A text that ends with the file has no message of its own.
+  const std::string noBrace = " Expected \"}\" but found the end of the file.";
+  expectFaults("quindle \"a\" { ",
+               {
+                   {"on run { report \"x", {"1:33" + noBrace, "1:33" + noBrace}},
+                   {"icon \"x\\", {"1:23" + noBrace}},
+                   {"\n  /*/ x\n\n ", {"2:3 This comment is never closed.", "4:2" + noBrace}},
+               },
+               "");
+  EXPECT_EQ(Reading("quindle \"a\" { on run { report \"a\\qb\" report \"a\\\nb\" } }").diag.format(),
+            "f:1:34: warning: Unknown escape \\q - taken literally.\n"
+            "f:1:48: warning: Unknown escape \\\n - taken literally.");
 }
 
 TEST(ParseFaults, OfSteps) {
-  const auto inRun = [](const std::string& steps) { return "quindle \"a\" { on run {\n" + steps + "\n} }"; };
-  expectDiagnostics({
-      {"let without a name", inRun("let = 3"),
-       "f:2:5: error: Expected a name for the value but found \"=\"."},
-      {"let without =", inRun("let x 3"), "f:2:7: error: Expected \"=\" but found the number 3."},
-      {"create", inRun("create b = 3"),
-       "f:2:12: error: Expected the creator to make it from, written \"Category/Identifier\" in quotes but "
-       "found "
-       "the number 3.\n"
-       "f:2:12: error: Expected a step but found the number 3."},
-      {"create without a name", inRun("create \"b\""),
-       "f:2:8: error: Expected a name for the object but found a text.\n"
-       "f:2:8: error: Expected \"=\" but found a text."},
-      {"set has no quoted slots", inRun("set box.\"Size\" = 3"),
-       "f:2:9: error: Expected \"=\" but found a text."},
-      {"connect", inRun("connect 1 < 2"),
-       "f:2:9: error: Expected the slot to connect but found the number 1.\n"
-       "f:2:9: error: Expected \"<-\" but found the number 1."},
-      {"source", inRun("connect a.b <- \"x\""),
-       "f:2:16: error: Expected what to connect it to but found a text.\n"
-       "f:2:16: error: Expected a step but found a text."},
-      {"select without a condition", inRun("select"), "f:3:1: error: Expected a value but found \"}\"."},
-      {"classify without into", inRun("classify \"G\""),
-       "f:2:10: error: Expected \"into\" after \"classify\"."},
-      {"color before as", inRun("classify into \"G\" color (1, 0, 0) as 2"),
-       "f:2:35: error: Expected a step but found \"as\"."},
-      {"call", inRun("call 1"),
-       "f:2:6: error: Expected the operation to call but found the number 1.\n"
-       "f:2:6: error: Expected a step but found the number 1."},
-      {"action", inRun("call a. (1)"),
-       "f:2:9: error: Expected the name of the action in quotes but found \"(\"."},
-      {"run without arguments", inRun("run \"x\""), "f:3:1: error: Expected \"(\" but found \"}\"."},
-      {"run without a name", inRun("run x()"),
-       "f:2:5: error: Expected the name of the Quindle to run in quotes but found \"x\".\n"
-       "f:2:5: error: Expected \"(\" but found \"x\".\n"
-       "f:2:5: error: Expected a step but found \"x\"."},
-      {"report", inRun("report 5"),
-       "f:2:8: error: Expected the text to report in quotes but found the number 5.\n"
-       "f:2:8: error: Expected a step but found the number 5."},
-      {"else if", inRun("if a { } else if b { }"),
-       "f:2:15: error: Expected \"{\" but found \"if\".\n"
-       "f:2:18: error: Expected a step but found \"b\"."},
-      {"for without each and in", inRun("for x y { }"),
-       "f:2:5: error: Expected \"each\" after \"for\".\n"
-       "f:2:7: error: Expected \"in\" after the loop variable."},
-      {"a fault costs the next step its keyword", inRun("let x 3\nselect a"),
-       "f:2:7: error: Expected \"=\" but found the number 3.\n"
-       "f:3:8: error: Expected a step but found \"a\"."},
-      {"param in a block", inRun("param x : Number"),
-       "f:2:1: error: Expected a step but found \"param\".\n"
-       "f:2:7: error: Expected a step but found \"x\"."},
-      {"a brace in a block", inRun("{ select a"), "f:2:1: error: Expected a step but found \"{\"."},
-      {"a block without its end costs all around it", "quindle \"a\" { on run { if a { select b",
-       "f:1:39: error: Expected \"}\" but found the end of the file.\n"
-       "f:1:39: error: Expected \"}\" but found the end of the file.\n"
-       "f:1:39: error: Expected \"}\" but found the end of the file."},
+  const std::string creator =
+      "Expected the creator to make it from, written \"Category/Identifier\" in quotes";
+  const std::string end = "Expected \"}\" but found the end of the file.";
+  expectFaultsOfSteps({
+      {"let = 3", {R"(2:5 Expected a name for the value but found "=".)"}},
+      {"create b = 3",
+       {"2:12 " + creator + " but found the number 3.", "2:12 Expected a step but found the number 3."}},
+      {"create \"b\"",
+       {"2:8 Expected a name for the object but found a text.", R"(2:8 Expected "=" but found a text.)"}},
+      {"set box.\"Size\" = 3", {R"(2:9 Expected "=" but found a text.)"}},
+      {"connect 1 < 2",
+       {"2:9 Expected the slot to connect but found the number 1.",
+        R"(2:9 Expected "<-" but found the number 1.)"}},
+      {"connect a.b <- \"x\"",
+       {"2:16 Expected what to connect it to but found a text.", "2:16 Expected a step but found a text."}},
+      {"select", {R"(3:1 Expected a value but found "}".)"}},
+      {"classify \"G\"", {R"(2:10 Expected "into" after "classify".)"}},
+      {"classify into \"G\" color (1, 0, 0) as 2", {R"(2:35 Expected a step but found "as".)"}},
+      {"call 1",
+       {"2:6 Expected the operation to call but found the number 1.",
+        "2:6 Expected a step but found the number 1."}},
+      {"call a. (1)", {R"(2:9 Expected the name of the action in quotes but found "(".)"}},
+      {"run \"x\"", {R"(3:1 Expected "(" but found "}".)"}},
+      {"run x()",
+       {R"(2:5 Expected the name of the Quindle to run in quotes but found "x".)",
+        R"(2:5 Expected "(" but found "x".)", R"(2:5 Expected a step but found "x".)"}},
+      {"report 5",
+       {"2:8 Expected the text to report in quotes but found the number 5.",
+        "2:8 Expected a step but found the number 5."}},
+      {"if a { } else if b { }",
+       {R"(2:15 Expected "{" but found "if".)", R"(2:18 Expected a step but found "b".)"}},
+      {"for x y { }",
+       {R"(2:5 Expected "each" after "for".)", R"(2:7 Expected "in" after the loop variable.)"}},
+      // A fault costs the next step its keyword.
+      {"let x 3\nselect a",
+       {R"(2:7 Expected "=" but found the number 3.)", R"(3:8 Expected a step but found "a".)"}},
   });
+  expectFaults("quindle \"a\" ",
+               {{"{ on run { if a { select b", {"1:39 " + end, "1:39 " + end, "1:39 " + end}}}, "");
 }
 
 TEST(ParseFaults, OfExpressions) {
-  const auto inRun = [](const std::string& steps) { return "quindle \"a\" { on run {\n" + steps + "\n} }"; };
-  expectDiagnostics({
-      {"one comparison", inRun("select a < b < c"), "f:2:14: error: Expected a step but found \"<\"."},
-      {"parentheses make no tuple", inRun("select (0.2, 0.1)"),
-       "f:2:12: error: Expected \")\" but found \",\".\n"
-       "f:2:12: error: Expected a step but found \",\"."},
-      {"empty parentheses", inRun("select ()"), "f:2:9: error: Expected a value but found \")\"."},
-      {"a comma calls for an argument", inRun("select f(1,)"),
-       "f:2:12: error: Expected a value but found \")\"."},
-      {"no arithmetic", inRun("let y = x - 1"), "f:2:11: error: Expected a step but found \"-\"."},
-      {"unclosed brackets, inside out", "quindle \"a\" { on run { select f(not (a and",
-       "f:1:43: error: Expected a value but found the end of the file.\n"
-       "f:1:43: error: Expected \")\" but found the end of the file.\n"
-       "f:1:43: error: Expected \")\" but found the end of the file.\n"
-       "f:1:43: error: Expected \"}\" but found the end of the file.\n"
-       "f:1:43: error: Expected \"}\" but found the end of the file."},
+  expectFaultsOfSteps({
+      {"select a < b < c", {R"(2:14 Expected a step but found "<".)"}},
+      {"select (0.2, 0.1)",
+       {"2:12 Expected \")\" but found \",\".", R"(2:12 Expected a step but found ",".)"}},
+      {"select ()", {"2:9 Expected a value but found \")\"."}},
+      {"select f(1,)", {"2:12 Expected a value but found \")\"."}},
+      {"let y = x - 1", {R"(2:11 Expected a step but found "-".)"}},
   });
+  const std::string bracket = "1:43 Expected \")\" but found the end of the file.";
+  const std::string brace = R"(1:43 Expected "}" but found the end of the file.)";
+  expectFaults("quindle \"a\" { on run { ",
+               {{"select f(not (a and",
+                 {"1:43 Expected a value but found the end of the file.", bracket, bracket, brace, brace}}},
+               "");
 }
 
 TEST(ParseFaults, AnEarlierErrorMakesTheResultFalse) {
