@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace Zamt::Host {
@@ -35,10 +36,20 @@ private:
   int file;
 };
 
+/// Whether there is something to read. Looks up now and then, since a signal that comes just before a read
+/// would not end it.
+bool waitForInput(int file) {
+  constexpr int lookUpAfter = 200; // milliseconds
+  pollfd waiting{file, POLLIN, 0};
+  while (!interrupted)
+    if (::poll(&waiting, 1, lookUpAfter) > 0) return true;
+  return false;
+}
+
 /// Empty when everything was read, otherwise what went wrong.
 std::string readAll(int file, std::string& text) {
   std::array<char, 65536> buffer;
-  while (!interrupted) {
+  while (waitForInput(file)) {
     const ssize_t got = ::read(file, buffer.data(), buffer.size());
     if (got == 0) return {};
     if (got < 0 && errno == EINTR) continue;

@@ -45,13 +45,9 @@ TEST_P(NestingTest, IsReadPrintedCopiedAndDestroyed) {
     QuindleDocument doc;
     Diag diag;
     EXPECT_TRUE(parseQuindle(nesting.text(levels), "f", doc, diag)) << diag.firstError();
-    EXPECT_EQ(printedBytes(doc), nesting.printed);
-    // A copy needs no more than what overflows the stack if it recurses.
-    doc = QuindleDocument();
-    EXPECT_TRUE(parseQuindle(nesting.text(levels / 5), "f", doc, diag));
     const QuindleDocument copy = doc;
     doc = QuindleDocument();
-    EXPECT_LE(printedBytes(copy) - nesting.printed / 5, 1U);
+    EXPECT_EQ(printedBytes(copy), nesting.printed);
   });
 }
 
