@@ -1,6 +1,7 @@
 #pragma once
 
 /// Everything that a host of Quindles includes.
+#include "quindle/check/checkQuindle.h"
 #include "quindle/core/Diag.h"
 #include "quindle/core/QuindleDocument.h"
 #include "quindle/plan/QuindleOperation.h"
@@ -8,6 +9,10 @@
 #include "quindle/plan/compileClassify.h"
 #include "quindle/plan/compileSelect.h"
 #include "quindle/plan/evaluateQuindleExpr.h"
+#include "quindle/reference/QuindleReference.h"
+#include "quindle/reference/QuindleRegistry.h"
+#include "quindle/reference/explainQuindle.h"
 #include "quindle/runtime/QuindleOps.h"
 #include "quindle/runtime/QuindleRuntime.h"
 #include "quindle/text/parseQuindle.h"
+#include "quindle/text/writeQuindle.h"

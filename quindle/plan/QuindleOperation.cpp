@@ -1,16 +1,12 @@
 #include "quindle/plan/QuindleOperation.h"
 
+#include "quindle/plan/conditionCosts.h"
+
 #include <algorithm>
 
 namespace Zamt {
 
 namespace {
-
-// Relative costs. Only their order matters: a dear condition sees what the cheaper ones before it left.
-constexpr std::uint32_t freeOfCost = 1;
-constexpr std::uint32_t readsOneValue = 10;
-constexpr std::uint32_t worksPerPoint = 100;
-constexpr std::uint32_t searchesAround = 10000;
 
 QuindleOpParam needed(const char* name, const char* slot, const char* help) {
   return {name, slot, help, true, {}};
@@ -31,7 +27,7 @@ QuindleOperation relativeToSurface(const char* side, const char* summary, const 
           "Points the surface does not reach over are never kept, since outside its footprint there is no "
           "below or above. Note that opening a surface writes a search index into the file, so it has to be "
           "writable.",
-      worksPerPoint,
+      worksPerPoint.cost,
       {needed("surface", "surface", "Path of the M8 file holding the surface."),
        optional(
            "margin", "margin", QuindleValue::number(0),
@@ -51,7 +47,7 @@ std::vector<QuindleOperation> makeCatalogue() {
        "given by name when the data carries a label set, or by number when it does not. This is the "
        "condition almost every editing Quindle starts with, because it is what stops an edit from touching "
        "data that was already correct.",
-       readsOneValue,
+       readsOneValue.cost,
        {needed("classes", "classes",
                "Which classes to keep, separated by commas. Names when the data has a label set, otherwise "
                "the numbers."),
@@ -66,7 +62,7 @@ std::vector<QuindleOperation> makeCatalogue() {
        "field the data carries - Intensity, Amplitude, Deviation, Planarity, or anything computed earlier in "
        "the Quindle. Written either as a range or as a comparison such as Amplitude > 120, which means the "
        "same thing.",
-       readsOneValue,
+       readsOneValue.cost,
        {needed("name", "field", "The field to read."),
         optional("minimum", "minimum", number(0), "Smallest value still kept."),
         optional("maximum", "maximum", number(1), "Largest value still kept."),
@@ -84,7 +80,7 @@ std::vector<QuindleOperation> makeCatalogue() {
        "It reads a normal the data already carries rather than working one out per point, because estimating "
        "a normal costs roughly a thousand times more than reading one. If the data has no NormalVector field "
        "yet, compute it once first and this becomes almost free.",
-       readsOneValue,
+       readsOneValue.cost,
        {optional("tolerance", "tolerance", number(15),
                  "How many degrees away from exactly vertical a surface may lean and still count."),
         optional("field", "directionfield", text("NormalVector"), "The field holding the surface normals.")},
@@ -98,7 +94,7 @@ std::vector<QuindleOperation> makeCatalogue() {
        "minimum finds the solid interior of a surface while leaving its ragged edge out.\n"
        "By far the most expensive condition here, so write it alongside cheaper ones and let them narrow the "
        "work down first.",
-       searchesAround,
+       searchesAround.cost,
        {needed("radius", "radius", "How far away another point may be and still count."),
         optional("minimum", "minneighbours", number(0),
                  "Fewest neighbours a point may have and still be kept."),
@@ -111,7 +107,7 @@ std::vector<QuindleOperation> makeCatalogue() {
        "Restricts the selection to a box in world coordinates. This is also how a Quindle is given somewhere "
        "to work when nobody is drawing on the screen: hand it the region of the active tile and it covers "
        "exactly that tile, which is what makes the same Quindle usable by hand and over a whole dataset.",
-       freeOfCost,
+       freeOfCost.cost,
        {needed("region", "box",
                "The region to stay inside - a tile, a bounding box, or a box written out in full.")},
        {}},
@@ -120,7 +116,7 @@ std::vector<QuindleOperation> makeCatalogue() {
        "Keep the points within a distance of a position.",
        "Restricts the selection to a ball in world coordinates. Useful for working around a point picked in "
        "the scene without drawing a region by hand.",
-       freeOfCost,
+       freeOfCost.cost,
        {needed("centre", "centre", "Middle of the ball, in world coordinates."),
         needed("radius", "radius", "How far from the middle to reach.")},
        {}},
@@ -133,7 +129,7 @@ std::vector<QuindleOperation> makeCatalogue() {
        "Slower than the conditions above, which are compiled, but it runs over the same data in the same "
        "parallel pass, so it is not slow in absolute terms. Reach for a named condition when one exists, and "
        "this when none does.",
-       worksPerPoint,
+       worksPerPoint.cost,
        {needed("expression", "expression", "The expression to test, in quotes.")},
        {}}};
 }

@@ -46,4 +46,13 @@ QUINDLE_API const std::vector<QuindleOperation>& allQuindleOperations();
 /// The condition of exactly this keyword, or null.
 QUINDLE_API const QuindleOperation* findQuindleOperation(const std::string& name);
 
+/// The page on one condition: what it keeps, what it costs, its arguments with their defaults, and the object
+/// that it builds. Empty text if there is no condition of exactly this keyword.
+QUINDLE_API std::string describeQuindleOperation(const std::string& name);
+
+/// One line for each condition whose creator begins with `creatorPrefix`, byte for byte, in the order of the
+/// catalogue: the call with its optional arguments in brackets, and the summary. An empty prefix takes all;
+/// empty text if no creator begins so.
+QUINDLE_API std::string listQuindleOperations(const std::string& creatorPrefix);
+
 } // namespace Zamt

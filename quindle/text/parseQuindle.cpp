@@ -1,45 +1,16 @@
 #include "quindle/text/parseQuindle.h"
 
+#include "quindle/text/FileWords.h"
 #include "quindle/text/StepReader.h"
 #include "quindle/text/TokenReader.h"
 #include "quindle/text/readValue.h"
 
-#include <array>
-#include <string_view>
 #include <unordered_set>
 #include <utility>
 
 namespace Zamt {
 
 namespace {
-
-struct Setting {
-  std::string_view word;
-  const char* what;
-  std::string QuindleDocument::*field;
-};
-
-constexpr std::array<Setting, 6> settings{{
-    {"description", "the description", &QuindleDocument::description},
-    {"category", "the category", &QuindleDocument::category},
-    {"icon", "the icon", &QuindleDocument::icon},
-    {"shortcut", "the shortcut", &QuindleDocument::shortcut},
-    {"author", "the author", &QuindleDocument::author},
-    {"version", "the version", &QuindleDocument::version},
-}};
-
-constexpr std::array<std::pair<std::string_view, QuindleParam::DefaultSource>, 3> defaultSources{{
-    {"pick", QuindleParam::DefaultSource::Pick},
-    {"brush", QuindleParam::DefaultSource::Brush},
-    {"active", QuindleParam::DefaultSource::Active},
-}};
-
-constexpr std::array<std::pair<std::string_view, QuindleTrigger::Kind>, 4> occasions{{
-    {"run", QuindleTrigger::Kind::Run},
-    {"key", QuindleTrigger::Kind::Key},
-    {"tile.enter", QuindleTrigger::Kind::TileEnter},
-    {"load", QuindleTrigger::Kind::Load},
-}};
 
 void replaceNamedSource(QuindleParam& param) {
   if (param.defaultValue.kind != QuindleValue::Kind::Identifier) return;
@@ -120,7 +91,7 @@ void FileReader::readItem() {
 }
 
 bool FileReader::readSetting() {
-  for (const Setting& setting : settings) {
+  for (const TextSetting& setting : textSettings) {
     if (!tokens_.acceptWord(setting.word)) continue;
     doc_.*setting.field = tokens_.expectText(setting.what);
     return true;

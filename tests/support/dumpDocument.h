@@ -12,8 +12,11 @@
 /// `toSource` leaves out. No function here recurses, so that documents of any depth can be dumped.
 namespace Zamt::Testing {
 
-inline std::string dumpPosition(std::int32_t line, std::int32_t column) {
-  return '@' + std::to_string(line) + ':' + std::to_string(column);
+/// Whether a dump shows where things stand; without, documents from different texts can be compared.
+enum class Positions { Shown, LeftOut };
+
+inline std::string dumpPosition(std::int32_t line, std::int32_t column, Positions positions) {
+  return positions == Positions::Shown ? '@' + std::to_string(line) + ':' + std::to_string(column) : "";
 }
 
 /// A value with its kind, as in Number 5, Text "a", Tuple (1, 2).
@@ -25,17 +28,17 @@ inline std::string dumpValue(const QuindleValue& value) {
 }
 
 /// An expression in prefix form: [And@1:8 [Reference@1:8 a] [Literal@1:14 Number 5]].
-inline std::string dumpExpr(const QuindleExpr& root) {
+inline std::string dumpExpr(const QuindleExpr& root, Positions positions = Positions::Shown) {
   static constexpr std::array<const char*, 8> kinds{"None", "Literal", "Reference", "Call",
                                                     "And",  "Or",      "Not",       "Compare"};
   std::string out;
   tree::walk(
       root, [](const QuindleExpr& expr) -> const std::vector<QuindleExpr>& { return expr.operands; },
-      [&out](const QuindleExpr& expr, const QuindleExpr*, std::size_t index) {
+      [&](const QuindleExpr& expr, const QuindleExpr*, std::size_t index) {
         if (index == 0) {
           out += '[';
           out += kinds.at(static_cast<std::size_t>(expr.kind));
-          if (expr.kind != QuindleExpr::Kind::None) out += dumpPosition(expr.line, expr.column);
+          if (expr.kind != QuindleExpr::Kind::None) out += dumpPosition(expr.line, expr.column, positions);
           if (expr.kind == QuindleExpr::Kind::Literal) out += ' ' + dumpValue(expr.value);
           if (!expr.name.empty()) out += ' ' + expr.name;
           if (!expr.op.empty()) out += ' ' + expr.op;
@@ -51,20 +54,21 @@ inline std::string dumpExpr(const QuindleExpr& root) {
 }
 
 /// A step without its blocks, on one line.
-inline std::string dumpStepHead(const QuindleStep& step) {
+inline std::string dumpStepHead(const QuindleStep& step, Positions positions = Positions::Shown) {
   static constexpr std::array<const char*, 13> kinds{"Comment",  "Let",    "Create",  "Select", "Classify",
                                                      "Unparsed", "Set",    "Connect", "Call",   "If",
                                                      "ForEach",  "Report", "Run"};
-  std::string out = kinds.at(static_cast<std::size_t>(step.kind)) + dumpPosition(step.line, step.column);
+  std::string out =
+      kinds.at(static_cast<std::size_t>(step.kind)) + dumpPosition(step.line, step.column, positions);
   const auto add = [&out](const char* field, bool isSet, const std::string& text) {
     if (isSet) out += std::string(" ") + field + '=' + text;
   };
   add("name", !step.name.empty(), step.name);
   add("source", !step.source.empty(), step.source);
-  add("value", step.value.kind != QuindleExpr::Kind::None, dumpExpr(step.value));
-  add("condition", step.condition.kind != QuindleExpr::Kind::None, dumpExpr(step.condition));
+  add("value", step.value.kind != QuindleExpr::Kind::None, dumpExpr(step.value, positions));
+  add("condition", step.condition.kind != QuindleExpr::Kind::None, dumpExpr(step.condition, positions));
   for (std::size_t i = 0; i < step.args.size(); ++i)
-    add("arg", true, step.argNames.at(i) + ':' + dumpExpr(step.args[i]));
+    add("arg", true, step.argNames.at(i) + ':' + dumpExpr(step.args[i], positions));
   add("as", step.classNumber.kind != QuindleValue::Kind::None, dumpValue(step.classNumber));
   add("color", step.color.kind != QuindleValue::Kind::None, dumpValue(step.color));
   add("comment", step.kind == QuindleStep::Kind::Comment, '<' + step.comment + '>');
@@ -72,7 +76,7 @@ inline std::string dumpStepHead(const QuindleStep& step) {
 }
 
 /// One line a step, a block two blanks further in than its step, an "Else" between the blocks.
-inline std::string dumpSteps(const std::vector<QuindleStep>& steps) {
+inline std::string dumpSteps(const std::vector<QuindleStep>& steps, Positions positions = Positions::Shown) {
   struct Rest {
     const std::vector<QuindleStep>* list;
     std::size_t next;
@@ -85,7 +89,7 @@ inline std::string dumpSteps(const std::vector<QuindleStep>& steps) {
     const std::string indent((open.size() - 1) * 2, ' ');
     if (top.next < top.list->size()) {
       const QuindleStep& step = (*top.list)[top.next++];
-      out += indent + dumpStepHead(step) + '\n';
+      out += indent + dumpStepHead(step, positions) + '\n';
       if (!step.body.empty() || !step.elseBody.empty()) open.push_back({&step.body, 0, false});
       continue;
     }
@@ -101,9 +105,10 @@ inline std::string dumpSteps(const std::vector<QuindleStep>& steps) {
   return out;
 }
 
-inline std::string dumpParam(const QuindleParam& param) {
+inline std::string dumpParam(const QuindleParam& param, Positions positions = Positions::Shown) {
   static constexpr std::array<const char*, 4> sources{"Written", "Pick", "Brush", "Active"};
-  std::string out = "param" + dumpPosition(param.line, param.column) + ' ' + param.name + " : " + param.type;
+  std::string out =
+      "param" + dumpPosition(param.line, param.column, positions) + ' ' + param.name + " : " + param.type;
   out += std::string(" = ") + sources.at(static_cast<std::size_t>(param.defaultSource)) + ' ' +
          dumpValue(param.defaultValue);
   out += " [" + dumpValue(param.minimum) + " .. " + dumpValue(param.maximum) + ']';
@@ -112,7 +117,7 @@ inline std::string dumpParam(const QuindleParam& param) {
 }
 
 /// The whole document but its revision and listeners. Settings that are absent have no line.
-inline std::string dumpDocument(const QuindleDocument& doc) {
+inline std::string dumpDocument(const QuindleDocument& doc, Positions positions = Positions::Shown) {
   static constexpr std::array<const char*, 4> occasions{"Run", "Key", "TileEnter", "Load"};
   std::string out = "quindle <" + doc.name + "> from <" + doc.sourceFile + ">\n";
   const std::array<std::pair<const char*, const std::string*>, 6> settings{{{"description", &doc.description},
@@ -125,12 +130,12 @@ inline std::string dumpDocument(const QuindleDocument& doc) {
     if (!text->empty()) out += std::string(word) + " <" + *text + ">\n";
   for (const std::string& tag : doc.tags) out += "tag <" + tag + ">\n";
   if (!doc.enabled) out += "disabled\n";
-  for (const QuindleParam& param : doc.params) out += dumpParam(param);
+  for (const QuindleParam& param : doc.params) out += dumpParam(param, positions);
   for (const QuindleTrigger& trigger : doc.triggers) {
-    out += std::string("on") + dumpPosition(trigger.line, 0) + ' ' +
+    out += std::string("on") + dumpPosition(trigger.line, 0, positions) + ' ' +
            occasions.at(static_cast<std::size_t>(trigger.kind));
     if (!trigger.key.empty()) out += " <" + trigger.key + '>';
-    out += '\n' + dumpSteps(trigger.steps);
+    out += '\n' + dumpSteps(trigger.steps, positions);
   }
   return out;
 }

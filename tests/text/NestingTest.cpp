@@ -1,39 +1,19 @@
 #include "quindle/text/parseQuindle.h"
 
+#include "tests/support/smallStack.h"
+
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
-#include <pthread.h>
 #include <string>
 
 namespace Zamt {
 namespace {
 
+using Testing::onSmallStack;
+using Testing::repeated;
+
 constexpr std::size_t levels = 1'000'000;
-constexpr std::size_t stackBytes = std::size_t{8} << 20U;
-
-std::string repeated(const std::string& piece, std::size_t times = levels) {
-  std::string text;
-  text.reserve(piece.size() * times);
-  for (std::size_t i = 0; i < times; ++i) text += piece;
-  return text;
-}
-
-/// The main thread may have a larger stack than a host gives us.
-void onSmallStack(std::function<void()> work) {
-  pthread_attr_t attributes;
-  ASSERT_EQ(pthread_attr_init(&attributes), 0);
-  ASSERT_EQ(pthread_attr_setstacksize(&attributes, stackBytes), 0);
-  pthread_t thread{};
-  const auto run = [](void* argument) -> void* {
-    (*static_cast<std::function<void()>*>(argument))();
-    return nullptr;
-  };
-  ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
-  ASSERT_EQ(pthread_join(thread, nullptr), 0);
-  pthread_attr_destroy(&attributes);
-}
 
 /// What is printed of a document: every expression and value below it.
 std::size_t printedBytes(const QuindleDocument& doc) {
@@ -113,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Nesting, ReportsEveryMinusSignInFrontOfWhatIsNoNumber) {
   QuindleDocument doc;
   Diag diag;
-  EXPECT_FALSE(parseQuindle(param + repeated("-") + "x }", "f", doc, diag));
+  EXPECT_FALSE(parseQuindle(param + repeated("-", levels) + "x }", "f", doc, diag));
   EXPECT_EQ(diag.errorCount, levels);
   EXPECT_EQ(diag.entries.back().format(), "f:1:1000042: error: Only a number can be negated here.");
 }

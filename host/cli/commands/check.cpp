@@ -2,6 +2,7 @@
 #include "host/cli/commands/commands.h"
 #include "host/cli/selects.h"
 #include "host/points/Interruption.h"
+#include "quindle/check/checkQuindle.h"
 #include "quindle/text/parseQuindle.h"
 
 #include <CLI/App.hpp>
@@ -35,8 +36,10 @@ Finding checkOne(const std::string& which, Diag& all) {
   Diag diag;
   QuindleDocument document;
   QuindleSource source;
-  if (readQuindleSource(which, source, diag) && parseQuindle(source.text, source.label, document, diag))
+  if (readQuindleSource(which, source, diag) && parseQuindle(source.text, source.label, document, diag)) {
+    checkQuindle(document, diag);
     planSelects(document, diag);
+  }
   Finding finding{source.label, document.name, diag.errorCount, 0};
   for (const Diag::Entry& entry : diag.entries)
     if (entry.severity == Diag::Severity::Warning) ++finding.warnings;
