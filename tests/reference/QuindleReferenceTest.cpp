@@ -1,0 +1,176 @@
+#include "quindle/reference/QuindleReference.h"
+
+#include "quindle/plan/QuindleOperation.h"
+#include "quindle/plan/QuindlePlanNode.h"
+#include "tests/support/parsed.h"
+
+#include <gmock/gmock.h>
+
+namespace Zamt::Testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+TEST(QuindleReference, SectionsAreFoundByTheirExactKey) {
+  EXPECT_THAT(quindleReferenceSectionKeys(),
+              ElementsAre("what", "file", "settings", "params", "triggers", "steps", "conditions", "values",
+                          "reports", "comments", "running", "limits"));
+  for (const QuindleReferenceSection& section : quindleLanguageReference())
+    EXPECT_EQ(findQuindleReferenceSection(section.key), &section);
+  for (const char* wrong : {"", "Steps", "step", "steps "})
+    EXPECT_EQ(findQuindleReferenceSection(wrong), nullptr) << wrong;
+}
+
+TEST(QuindleReference, WholeTextIsTheSectionsUnderTheirHeadings) {
+  const std::string text = quindleLanguageReferenceText();
+  EXPECT_THAT(text, StartsWith("== What a Quindle is  (what)\n\nA Quindle is one text file holding"));
+  EXPECT_THAT(text, HasSubstr("the text is the Quindle.\n\n== The shape of the file  (file)\n\nEverything"));
+  EXPECT_EQ(text.find("\n\n\n"), std::string::npos);
+  EXPECT_THAT(text, HasSubstr("steps after it act on.\n  \n  classify into")); // entries stand apart
+}
+
+TEST(QuindleReference, ConditionsAreThoseOfTheCatalogue) {
+  std::string list;
+  for (const QuindleOperation& operation : allQuindleOperations()) {
+    const std::string all = listQuindleOperations("");
+    const std::size_t at = all.find('\n' + operation.name + '(') + 1;
+    list += "  " + all.substr(at, all.find('\n', at) + 1 - at);
+  }
+  EXPECT_THAT(findQuindleReferenceSection("conditions")->body,
+              HasSubstr("optional ones in brackets:\n\n" + list + "\nThat is not the limit"));
+}
+
+/// What the manual shows is written out here, each place that a form leaves open filled in.
+using Fillings = std::vector<std::pair<std::string, std::string>>;
+
+std::string filledIn(std::string form, const Fillings& fillings) {
+  for (const auto& [place, thing] : fillings)
+    for (std::size_t at = 0; (at = form.find(place, at)) != std::string::npos; at += thing.size())
+      form.replace(at, place.size(), thing);
+  return form;
+}
+
+std::string filledIn(const std::string& form) {
+  static const Fillings fillings{
+      {"<Grid|Field|Region|Brush|Surface|Number|Text|Class|Object|File>", "Number"},
+      {"<default|active|brush|pick>", "2"},
+      {"<condition> [and|or|not <condition>] ...", "class(\"Ground\") and not Amplitude > 3"},
+      {"[as <number>]", "as 3"},
+      {"[color (<r>, <g>, <b>)]", "color (1, 0.5, 0)"},
+      {"<param>: <value>, ...", "size: 2"},
+      {"{ ... }", "{ report \"so\" }"},
+      {"true | false", "false"},
+      {"true|false", "false"},
+      {"<object>.<slot>", "box.grid"},
+      {"<source>", "cloud"},
+      {"<object>.<action>", "box.select"},
+      {"<object>", "box"},
+      {"<step>", "report \"so\""},
+      {"<name> ", "size "},
+      {"<Type>", "Number"},
+      {"<default>", "2"},
+      {"<min> .. <max>", "0 .. 5"},
+      {"<value>", "1"},
+      {"<expression>", "1 < 2"},
+      {"<collection>", "tiles"},
+  };
+  return filledIn(form, fillings);
+}
+
+/// The sample lines of a text, a list for each run of them, without the two blanks in front, and without
+/// explanations on lines of their own, which stand further in.
+std::vector<std::vector<std::string>> sampleBlocks(const std::string& text) {
+  std::vector<std::vector<std::string>> blocks;
+  bool inBlock = false;
+  for (std::size_t from = 0, end = 0; from < text.size(); from = end + 1) {
+    end = text.find('\n', from);
+    const std::string line = text.substr(from, end - from);
+    const bool isSample = line.starts_with("  ");
+    if (isSample && !inBlock) blocks.emplace_back();
+    inBlock = isSample;
+    if (isSample && line.size() > 2 && !line.starts_with("          "))
+      blocks.back().push_back(line.substr(2));
+  }
+  return blocks;
+}
+
+void expectUsable(const std::string& text) {
+  SCOPED_TRACE(text);
+  const QuindleDocument doc = parsed(text);
+  for (const QuindleTrigger& trigger : doc.triggers)
+    for (const QuindleStep& step : trigger.steps) {
+      QuindlePlanNode plan;
+      Diag diag;
+      if (step.kind != QuindleStep::Kind::Select) continue;
+      EXPECT_TRUE(planPredicate(step.condition, plan, diag, "test.quindle")) << diag.format();
+    }
+}
+
+constexpr std::size_t whole = std::string::npos;
+
+struct Samples {
+  const char* section;
+  std::size_t block;  ///< Which run of sample lines.
+  std::size_t count;  ///< How many there are.
+  std::size_t width;  ///< Of what can be written, in front of what is said of it.
+  const char* before; ///< What makes a document of it.
+  const char* after;
+  Fillings fillings = {};
+};
+
+const Samples allSamples[] = {
+    {"settings", 0, 8, 28, "quindle \"T\" {", "}", {{"...", "some text"}}},
+    {"params", 0, 1, whole, "quindle \"T\" {", "}"},
+    {"params", 1, 10, 8, "quindle \"T\" { param p : ", "}"},
+    {"params", 2, 3, 8, "quindle \"T\" { param p : Region", "}"},
+    {"triggers", 0, 2, 28, "quindle \"T\" {", "}"},
+    {"steps", 0, 11, whole, "quindle \"T\" { on run {", "} }"},
+    {"conditions", 0, 2, whole, "quindle \"T\" { on run {", "} }"},
+    {"conditions",
+     1,
+     9,
+     whole,
+     "quindle \"T\" { on run { select ",
+     "\n} }",
+     {{"[", ""}, {"]", ""}, {"  -  ", " #"}}},
+    {"values", 0, 5, 32, "quindle \"T\" { param p : Text = (", ") }", {{"    ", ", "}}},
+    {"reports", 0, 4, 15, "quindle \"T\" { on run { report \"", "\" } }"},
+    {"comments", 0, 3, whole, "quindle \"T\" { on run {\n", "\n} }"},
+    {"limits",
+     0,
+     2,
+     whole,
+     "quindle \"T\" { on run {",
+     "} }",
+     {{"on tile.enter, on load", "} on tile.enter { } on load {"}}},
+};
+
+TEST(QuindleReference, EverySampleLineIsGoodToWrite) {
+  for (const Samples& samples : allSamples) {
+    SCOPED_TRACE(samples.section);
+    const auto blocks = sampleBlocks(findQuindleReferenceSection(samples.section)->body);
+    ASSERT_LT(samples.block, blocks.size());
+    const std::vector<std::string>& lines = blocks[samples.block];
+    EXPECT_EQ(lines.size(), samples.count);
+    for (const std::string& line : lines) {
+      std::string form = line.substr(0, samples.width);
+      form.erase(form.find_last_not_of(' ') + 1);
+      expectUsable(samples.before + filledIn(filledIn(form), samples.fillings) + samples.after);
+    }
+  }
+}
+
+TEST(QuindleReference, FilesAsShownAreGoodToWrite) {
+  const std::string file = findQuindleReferenceSection("file")->body;
+  const std::string summary = quindleGrammarSummary();
+  EXPECT_EQ(summary.size(), 1752U);
+  for (const std::string* text : {&file, &summary}) {
+    const std::size_t from = text->find("  quindle \"");
+    expectUsable(filledIn(text->substr(from, text->find("\n  }\n", from) + 5 - from)));
+  }
+}
+
+} // namespace
+} // namespace Zamt::Testing
