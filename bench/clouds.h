@@ -6,11 +6,14 @@
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <limits>
 #include <string>
 
 // The clouds of the benchmarks: made once, kept in the directory for temporary files.
@@ -67,6 +70,33 @@ inline std::shared_ptr<PointCloud> openCloud(std::uint64_t points) {
   if (!cloud) giveUp(error);
   return cloud;
 }
+
+/// The seconds that `work` takes: the least of a few tries, for a yardstick.
+template <class Work>
+double secondsOf(const Work& work, int tries = 3) {
+  double least = std::numeric_limits<double>::infinity();
+  for (int i = 0; i < tries; ++i) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    least = std::min(least, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+  }
+  return least;
+}
+
+/// Adds up the time of the iterations, to be set against a yardstick.
+class Stopwatch {
+public:
+  template <class Work>
+  void run(const Work& work) {
+    seconds += secondsOf(work, 1);
+    ++rounds;
+  }
+  double mean() const { return rounds > 0 ? seconds / rounds : 0; }
+
+private:
+  double seconds = 0;
+  int rounds = 0;
+};
 
 /// Puts what was selected and the process's peak memory, the mapped file included, beside the time.
 inline void report(benchmark::State& state, std::uint64_t selected) {

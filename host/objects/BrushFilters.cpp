@@ -104,10 +104,11 @@ class ByClass : public BrushFilter {
 };
 
 class ByField : public BrushFilter {
-  VInput<std::string> field_ = input<std::string>("field", "The field to read.");
+  VInput<std::string> field_ = input<std::string>("field", "The field to read, such as Amplitude.");
   VInput<double> minimum_ = input<double>("minimum", "The smallest value kept.", 0);
   VInput<double> maximum_ = input<double>("maximum", "The largest value kept.", 1);
-  VInput<double> component_ = input<double>("component", "Which value of the field, from 0.", 0);
+  VInput<double> component_ =
+      input<double>("component", "Which value of a field that has several, counted from 0.", 0);
 
   bool make(const Grid& grid, SelectionStep& step, std::string& problem) override {
     step.filter =
@@ -119,7 +120,8 @@ class ByField : public BrushFilter {
 class ByTin : public BrushFilter {
   VInput<std::string> surface_ = input<std::string>("surface", "The PLY, OBJ or STL file of the surface.");
   VInput<std::string> side_ = input<std::string>("side", "Which side to keep: below or above.", "below");
-  VInput<double> margin_ = input<double>("margin", "How far past the surface a point has to be.", 0);
+  VInput<double> margin_ =
+      input<double>("margin", "How far past the surface a point has to be, in units of the cloud.", 0);
   SurfaceCache surfaces_;
 
   bool make(const Grid& grid, SelectionStep& step, std::string& problem) override {
@@ -142,7 +144,8 @@ class ByTin : public BrushFilter {
 class ByDirection : public BrushFilter {
   VInput<std::string> directionfield_ =
       input<std::string>("directionfield", "The field that holds the normals.", "NormalVector");
-  VInput<double> tolerance_ = input<double>("tolerance", "Degrees that a normal may lean.", 15);
+  VInput<double> tolerance_ =
+      input<double>("tolerance", "How many degrees from level a normal may lean.", 15);
   VInput<std::string> relation_ = input<std::string>(
       "relation", "How a normal lies to the vertical: perpendicular, as that of a wall.", "perpendicular");
 
@@ -157,7 +160,8 @@ class ByDirection : public BrushFilter {
 };
 
 class ByNeighbours : public BrushFilter {
-  VInput<double> radius_ = input<double>("radius", "How far away another point may be and still count.");
+  VInput<double> radius_ =
+      input<double>("radius", "How far away another point may be and still count, in units of the cloud.");
   VInput<double> fewest_ = input<double>("minneighbours", "The fewest neighbours of a point kept.", 0);
   VInput<double> most_ = input<double>("maxneighbours", "The most neighbours of a point kept.", 3);
 
@@ -168,7 +172,10 @@ class ByNeighbours : public BrushFilter {
 };
 
 class ByBox : public BrushFilter {
-  VInput<Region> box_ = input<Region>("box", "The region to stay inside: an object, or six numbers.");
+  VInput<Region> box_ = input<Region>(
+      "box",
+      "Where to stay inside: the region of a brush, two corners as six numbers, or a polygon as WKT or "
+      "GeoJSON.");
 
   bool make(const Grid& grid, SelectionStep& step, std::string& problem) override {
     step.filter = makeRegionFilter(*grid.cloud, box_.get(), problem);
@@ -177,8 +184,10 @@ class ByBox : public BrushFilter {
 };
 
 class BySphere : public BrushFilter {
-  VInput<WorldPoint> centre_ = input<WorldPoint>("centre", "The middle of the ball, as three numbers.");
-  VInput<double> radius_ = input<double>("radius", "How far from the middle to reach.");
+  VInput<WorldPoint> centre_ =
+      input<WorldPoint>("centre", "The middle of the ball, as three world coordinates.");
+  VInput<double> radius_ =
+      input<double>("radius", "How far from the middle to reach, in units of the cloud.");
 
   bool make(const Grid& grid, SelectionStep& step, std::string& problem) override {
     if (!centre_.get().given) {
@@ -217,7 +226,8 @@ public:
 
 private:
   VInput<BrushPtr> brush_ = input<BrushPtr>("brush", "The points of the one brush.");
-  VInput<BrushPtr> otherbrush_ = input<BrushPtr>("otherbrush", "The points of the other.");
+  VInput<BrushPtr> otherbrush_ =
+      input<BrushPtr>("otherbrush", "The points of the other brush, kept as well.");
 };
 
 template <class Filter>

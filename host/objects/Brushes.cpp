@@ -20,7 +20,8 @@ std::shared_ptr<const PointFilter> nothing(const PointCloud& cloud, std::string&
 class RegionBrush : public BrushObject {
 public:
   explicit RegionBrush(const std::string& slot)
-      : region_(input<Region>(slot, "Where to select: what an inside condition takes.")) {}
+      : region_(input<Region>(
+            slot, "Where to select: two corners as six numbers, or a polygon as WKT or GeoJSON.")) {}
 
   bool describe(const Grid& grid, SelectionStep& step, std::string& problem) override {
     step.filter = makeRegionFilter(*grid.cloud, region_.get(), problem);
@@ -32,7 +33,7 @@ private:
   void compute() override { published_.publish(region_.get()); }
 
   VInput<Region> region_;
-  VOutput<Region> published_ = output<Region>("region", "The region itself.");
+  VOutput<Region> published_ = output<Region>("region", "The region, for an inside condition.");
 };
 
 /// A brush drawn on the screen. Nothing draws in a scene without one, and an undrawn brush keeps nothing.
@@ -57,8 +58,10 @@ private:
   }
 
   using ChunkPtr = Rethold::StrongPtr<PointDataChunk>;
-  VInput<ChunkPtr> screenpoints_ = input<ChunkPtr>("screenpoints", "The line that was drawn.");
-  VOutput<Region> published_ = output<Region>("region", "The area that was drawn.");
+  VInput<ChunkPtr> screenpoints_ =
+      input<ChunkPtr>("screenpoints", "Where the points of the line come from that is drawn on the screen.");
+  VOutput<Region> published_ =
+      output<Region>("region", "The area that was drawn, for an inside condition; empty while nothing is.");
 };
 
 void registerRegionBrush(const std::string& identifier, const std::string& slot, const std::string& what) {

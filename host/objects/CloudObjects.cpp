@@ -14,10 +14,10 @@ using FieldPtr = Rethold::StrongPtr<FieldHandle>;
 class FieldObject : public VObject {
   VInput<GridPtr> grid_ = input<GridPtr>("grid", "The cloud that has the field.");
   VInput<std::string> fieldname_ =
-      input<std::string>("fieldname", "The field, as \"Classification@Classification\".");
-  VOutput<FieldPtr> field_ = output<FieldPtr>("field", "The field.");
+      input<std::string>("fieldname", "The name of the field, written as \"Classification@Classification\".");
+  VOutput<FieldPtr> field_ = output<FieldPtr>("field", "The field, for objects that read or write one.");
   VOutput<GridPtr> through_ = output<GridPtr>("grid", "The cloud, passed on.");
-  VOutput<std::string> status_ = output<std::string>("status", "Which field that is.");
+  VOutput<std::string> status_ = output<std::string>("status", "Which field of which cloud that is.");
 
   void compute() override {
     const std::string name = fieldname_.get().substr(0, fieldname_.get().find('@'));

@@ -28,7 +28,8 @@ private:
   VInput<std::string> file_ = input<std::string>("file", "The LAS file to read.");
   VOutput<Rethold::StrongPtr<Grid>> grid_ =
       output<Rethold::StrongPtr<Grid>>("grid", "The points of the file.");
-  VOutput<std::string> problem_ = output<std::string>("problem", "Why the file cannot be used.");
+  VOutput<std::string> problem_ =
+      output<std::string>("problem", "Why the file cannot be used; empty if it can.");
   VOutput<std::string> status_ = output<std::string>("status", "What was read.");
 };
 

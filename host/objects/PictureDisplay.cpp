@@ -15,16 +15,21 @@ class PictureDisplay : public VObject {
   using FieldPtr = Rethold::StrongPtr<FieldHandle>;
 
   VInput<GridPtr> grid_ = input<GridPtr>("grid", "The cloud to draw.");
-  VInput<FieldPtr> mask_ = input<FieldPtr>("mask", "The points to draw in the mask colour.");
+  VInput<FieldPtr> mask_ =
+      input<FieldPtr>("mask", "The points to draw in front of all others, in the mask colour.");
   VInput<std::string> maskdisplay_ =
       input<std::string>("maskdisplay", "How to draw masked points: fill or outline.", "fill");
-  VInput<double> width_ = input<double>("width", "The width in pixels.", View{}.width);
-  VInput<double> azimuth_ = input<double>("azimuth", "Where to look, in degrees from north.", View{}.azimuth);
-  VInput<double> elevation_ =
-      input<double>("elevation", "How far above the horizon to look from, in degrees.", View{}.elevation);
+  VInput<double> width_ = input<double>("width", "The width of the picture in pixels.", View{}.width);
+  VInput<double> azimuth_ =
+      input<double>("azimuth", "Which way to look, in degrees clockwise from north.", View{}.azimuth);
+  VInput<double> elevation_ = input<double>(
+      "elevation", "How many degrees above the horizon to look from; 90 is straight from above.",
+      View{}.elevation);
   VInput<std::string> file_ = input<std::string>("file", "The PNG file to write.");
-  Rethold::StrongPtr<VSlot> save_ = action("save", "Draws the picture and writes it.", [this] { save(); });
-  VOutput<std::string> problem_ = output<std::string>("problem", "Why there is no picture.");
+  Rethold::StrongPtr<VSlot> save_ =
+      action("save", "Draws the cloud and writes the picture to the file.", [this] { save(); });
+  VOutput<std::string> problem_ =
+      output<std::string>("problem", "Why there is no picture; empty if there is one.");
   VOutput<std::string> status_ = output<std::string>("status", "What was drawn.");
 
   void save() {

@@ -173,22 +173,23 @@ bool Scene::makeRegion(const QuindleParam& param, const std::string& text, std::
   return true;
 }
 
-/// Gives one parameter its value from the application where it takes one, and an object where the user wrote
-/// what stands for one.
+/// Gives one parameter its value from the application where it takes one, and an object where the user, or
+/// the default, wrote what stands for one.
 bool Scene::supply(const QuindleParam& param, std::map<std::string, std::string>& args, Diag& diag) {
-  const auto given = args.find(param.name);
-  const bool isGiven = given != args.end();
-  if (isGiven && ops_->exists(given->second)) return true;
-  if (!isGiven && !leftToApplication(param)) return true;
+  std::string written;
+  if (const auto given = args.find(param.name); given != args.end())
+    written = given->second;
+  else if (!leftToApplication(param))
+    written = param.defaultValue.toPlainText();
+  if (ops_->exists(written)) return true;
 
-  if (param.type == "Grid" && !isGiven) {
-    args[param.name] = cloud_;
-  } else if (param.type == "Field") {
-    return makeField(param, isGiven ? given->second : "Classification", args[param.name], diag);
-  } else if (param.type == "Region" || param.type == "Brush") {
-    if (isGiven) return makeRegion(param, given->second, args[param.name], diag);
+  if (param.type == "Field")
+    return makeField(param, written.empty() ? "Classification" : written, args[param.name], diag);
+  if (param.type == "Region" || param.type == "Brush") {
+    if (!written.empty()) return makeRegion(param, written, args[param.name], diag);
     if (!region_.empty()) args[param.name] = region_;
   }
+  if (param.type == "Grid" && written.empty()) args[param.name] = cloud_;
   return true;
 }
 

@@ -64,7 +64,7 @@ bool isReachable(const QuindleAction& action) {
 
 /// The type of what a slot holds: its parameter's value, or the member of it that the slot is about.
 bool holdsAction(const VSlot& slot) {
-  const StrongPtr<VParameter> parameter = slot.parameter();
+  const auto& parameter = slot.parameter();
   StrongPtr<VValueBase> value = parameter ? parameter->value() : nullptr;
   if (value && !slot.member().empty()) value = value->component(slot.member());
   return value && value->type() == Rethold::typeOf<StrongPtr<VAction>>();

@@ -18,6 +18,7 @@ const std::string unplannable = "quindle \"Unplannable\" {\n"
                                 "  on run {\n"
                                 "    if true { select Ground } else { select Amplitude != 3 }\n"
                                 "    select frob(1)\n"
+                                "    run \"Unplannable\"()\n"
                                 "  }\n"
                                 "}\n";
 
@@ -31,6 +32,7 @@ TEST(Check, SaysWhereEachFaultIs) {
   EXPECT_EQ(
       result.err,
       "faulty.quindle:3:11: error: Expected \"=\" but found the number 3.\n"
+      "unplannable.quindle:6: error: This Quindle runs itself, which would never stop.\n"
       "unplannable.quindle:4:22: error: \"Ground\" on its own is not a condition. Compare it with something, "
       "or call it as a condition.\n"
       "unplannable.quindle:4:45: error: A comparison with != cannot be turned into a range. Write not (... "
@@ -39,7 +41,7 @@ TEST(Check, SaysWhereEachFaultIs) {
       "unplannable.quindle:5:12: error: There is no condition called \"frob\". The ones there are: class, "
       "field, below, above, vertical, neighbours, inside, within, expr.\n");
   EXPECT_EQ(result.out, "faulty.quindle: 1 error, 0 warnings\n"
-                        "unplannable.quindle: 3 errors, 0 warnings\n");
+                        "unplannable.quindle: 4 errors, 0 warnings\n");
 }
 
 TEST(Check, ReadsStandardInputAndPassesWhatIsOnlyDoubtful) {
@@ -47,7 +49,10 @@ TEST(Check, ReadsStandardInputAndPassesWhatIsOnlyDoubtful) {
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.err,
             "<stdin>: warning: This Quindle has no trigger, so nothing will ever run it. Add an \"on run "
-            "{ ... }\" block.\n");
+            "{ ... }\" block.\n"
+            "<stdin>: warning: This Quindle has no description. That text is what the library, the block "
+            "palette and the AI use to tell the user what it does.\n"
+            "<stdin>: warning: This Quindle has no trigger, so nothing will ever run it.\n");
 }
 
 TEST(Check, GivesMachinesTheSameAsJson) {

@@ -93,6 +93,10 @@ TEST_F(HostSceneTest, RegionsAndFieldsCanBeGivenAsTheyAreWritten) {
   const auto everything = run(doc, {{"region", "POLYGON ((511000 5402000, 513000 5402000, 513000 5404000, "
                                                "511000 5404000, 511000 5402000))"}});
   EXPECT_NE(everything, std::vector<std::string>{"0"});
+  const QuindleDocument withDefault =
+      parsedRun("select class(\"Water\") and inside(region)\nclassify into \"Ground\"\nreport \"{selected}\"",
+                "param cloud : Grid param region : Region = (511000, 5402000, 0, 513000, 5404000, 1000)");
+  EXPECT_EQ(run(withDefault), everything);
   Diag diag;
   EXPECT_FALSE(scene.run(doc, {{"region", "nowhere"}}, false, result, diag));
   EXPECT_TRUE(diag.firstError().starts_with("The value of \"region\" can't be used: ")) << diag.format();

@@ -19,10 +19,10 @@ public:
 private:
   explicit RandomText(unsigned seed) : random_(seed) {}
 
-  /// A "$" and a letter in a form stand for one of that letter's forms, at random; the first one when the
-  /// text has become long enough. "$u" is a word that was not used before. Left out are a comment without
+  /// A "$" and a letter in a form stand for one of that letter's forms, at random; the first one when it
+  /// is deep or long enough. "$u" is a word that was not used before. Left out are a comment without
   /// text, an "and" in parentheses right inside an "and", and the same of "or", which do not come back.
-  std::string expand(char letter) {
+  std::string expand(char letter, unsigned depth = 0) {
     static const std::map<char, std::vector<std::string>> forms{
         {'i',
          {"", "$i description \"$x\"", "$i category \"$x\" icon \"$x\"", "$i shortcut \"$x\" version \"$x\"",
@@ -47,24 +47,24 @@ private:
           "call $w.a", "call b.\"$x'\"($r)", "call a.\"b c.d\"()", "run \"$x\"()", "run \"$x\"($r)",
           "report \"$x\"", "if $o {$b}", "if $o {$b} else {$b}", "for each $w in $o {$b}"}},
         {'r', {"$o", "$w: $o", "$r, $r", "not: a, a : b"}},
-        {'o', {"$a", "$a", "$a", "$a", "$a or $a", "$a or $a or $a", "(a and $m) or $a"}},
-        {'a',
-         {"$m", "$m", "$m", "$m", "$m and $m", "$m and $m and $m", "($a or $o) and $m", "$m and ($a or $a)"}},
-        {'m',
-         {"$t", "$t", "$t", "$t", "not $m", "not ($o)", "$t $p $t", "($o) $p $t", "$t$p ($o)", "$t $p not"}},
+        {'o', {"$a", "$a or $a", "$a or $a or $a", "(a and $m) or $a"}},
+        {'a', {"$m", "$m and $m", "$m and $m and $m", "($a or $o) and $m", "$m and ($a or $a)"}},
+        {'m', {"$t", "not $m", "not ($o)", "$t $p $t", "($o) $p $t", "$t$p ($o)", "$t $p not"}},
         {'p', {"<", "<=", ">", ">=", "==", "!="}},
         {'t', {"a", "$w", "$n", "\"$x\"", "true", "false", "and", "or", "$w()", "$w ($r)", "(f($r))"}},
     };
     if (letter == 'u') return "u" + std::to_string(words_++);
     const std::vector<std::string>& choice = forms.at(letter);
-    const std::string& form = length_ > longEnough ? choice[0] : choice[random_() % choice.size()];
+    const std::string& form =
+        depth > deepEnough || length_ > longEnough ? choice[0] : choice[random_() % choice.size()];
     std::string out;
     for (std::size_t i = 0; i < form.size(); ++i)
-      out += form[i] == '$' ? expand(form[++i]) : form.substr(i, 1);
+      out += form[i] == '$' ? expand(form[++i], depth + 1) : form.substr(i, 1);
     length_ += form.size();
     return out;
   }
 
+  static constexpr unsigned deepEnough = 25;
   static constexpr std::size_t longEnough = 2000;
 
   std::mt19937 random_;

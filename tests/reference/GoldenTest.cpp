@@ -1,0 +1,42 @@
+/// Texts held against files in golden/, byte for byte: the explanation of each Quindle in examples/ and
+/// quindles/, and the pages of all conditions. After a change that is meant, this writes the files anew; look
+/// at the difference before committing it:
+///
+///   QUINDLE_REFRESH_GOLDEN=1 build/dev/bin/tests-reference --gtest_filter='Golden.*'
+#include "quindle/plan/QuindleOperation.h"
+#include "quindle/reference/explainQuindle.h"
+#include "tests/support/parsed.h"
+#include "tests/support/runCommand.h"
+
+namespace Zamt::Testing {
+namespace {
+
+void expectGolden(const std::string& name, const std::string& text) {
+  const std::string golden = QUINDLE_SOURCE_DIR "/tests/reference/golden/" + name + ".txt";
+  if (std::getenv("QUINDLE_REFRESH_GOLDEN")) std::ofstream(golden, std::ios::binary) << text;
+  EXPECT_EQ(text, readFile(golden)) << golden;
+}
+
+TEST(Golden, QuindlesAreExplainedInTheseWords) {
+  for (const char* directory : {"/examples", "/tests/reference/quindles"})
+    for (const auto& entry :
+         std::filesystem::directory_iterator(QUINDLE_SOURCE_DIR + std::string(directory))) {
+      const QuindleDocument doc = parsed(readFile(entry.path()), entry.path().filename());
+      expectGolden(entry.path().stem(), explainQuindle(doc, QuindleResolver()));
+    }
+}
+
+TEST(Golden, ConditionsAreDescribedInTheseWords) {
+  std::string pages = listQuindleOperations("");
+  for (const QuindleOperation& operation : allQuindleOperations())
+    pages += "\n== \n" + describeQuindleOperation(operation.name);
+  expectGolden("condition-pages", pages);
+  EXPECT_EQ(describeQuindleOperation("nothing"), "");
+  EXPECT_EQ(listQuindleOperations("Selection/"), listQuindleOperations(""));
+  EXPECT_EQ(listQuindleOperations("Selection/BrushFilterByT"),
+            "below(surface, [margin])  -  Keep the points under a triangulated surface.\n"
+            "above(surface, [margin])  -  Keep the points over a triangulated surface.\n");
+}
+
+} // namespace
+} // namespace Zamt::Testing
