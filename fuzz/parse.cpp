@@ -1,19 +1,14 @@
+#include "fuzz/require.h"
 #include "quindle/text/parseQuindle.h"
 #include "tests/support/dumpDocument.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
-namespace {
+using Zamt::Fuzz::require;
 
-void require(bool holds, const char* promise) {
-  if (holds) return;
-  std::fprintf(stderr, "Broken promise: %s\n", promise);
-  std::abort();
-}
+namespace {
 
 void requirePositionsInText(const Zamt::Diag& diag, const std::string& text) {
   const auto lines = static_cast<std::int32_t>(std::count(text.begin(), text.end(), '\n')) + 1;
