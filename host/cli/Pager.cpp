@@ -17,6 +17,22 @@ namespace {
 /// A shell ends so when the command it was given is no program, or one that can't be run.
 constexpr int notExecutable = 126;
 
+/// While it lives Ctrl-C does nothing here: it is for the pager, which may take it to stop a search.
+class IgnoredInterrupt {
+public:
+  IgnoredInterrupt() {
+    struct sigaction ignore {};
+    ignore.sa_handler = SIG_IGN;
+    sigaction(SIGINT, &ignore, &before);
+  }
+  IgnoredInterrupt(const IgnoredInterrupt&) = delete;
+  IgnoredInterrupt& operator=(const IgnoredInterrupt&) = delete;
+  ~IgnoredInterrupt() { sigaction(SIGINT, &before, nullptr); }
+
+private:
+  struct sigaction before {};
+};
+
 /// Starts `command` in a shell that reads from `input`. -1 if that can't be.
 pid_t startShell(std::string command, int input) {
   posix_spawn_file_actions_t actions;
@@ -28,6 +44,7 @@ pid_t startShell(std::string command, int input) {
   sigset_t defaults;
   sigemptyset(&defaults);
   sigaddset(&defaults, SIGPIPE);
+  sigaddset(&defaults, SIGINT);
   posix_spawnattr_setsigdefault(&attributes, &defaults);
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
   std::string shell = "sh";
@@ -51,8 +68,8 @@ void writeAll(int file, std::string_view text) {
   }
 }
 
-/// Ctrl-C is for the pager, which may take it to stop a search, so waiting goes on.
-bool waitWasShown(pid_t child) {
+/// Waits until the pager ends; whether it was run at all.
+bool waitForPager(pid_t child) {
   int status = 0;
   while (::waitpid(child, &status, 0) < 0)
     if (errno != EINTR) return true;
@@ -67,11 +84,12 @@ bool showPaged(const std::string& text) {
   const std::string command = chosen == nullptr ? "less -R" : chosen;
   std::array<int, 2> ends{};
   if (command.empty() || ::pipe2(ends.data(), O_CLOEXEC) != 0) return false;
+  const IgnoredInterrupt whileShown;
   const pid_t child = startShell(command, ends[0]);
   ::close(ends[0]);
   if (child >= 0) writeAll(ends[1], text);
   ::close(ends[1]);
-  return child >= 0 && waitWasShown(child);
+  return child >= 0 && waitForPager(child);
 }
 
 } // namespace Zamt::Host

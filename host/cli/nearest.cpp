@@ -37,7 +37,8 @@ std::size_t editDistance(const std::string& a, const std::string& b) {
 
 /// The distance of a name that is near; nothing if it is far, which most are by their length alone.
 std::optional<std::size_t> nearness(const std::string& wanted, const std::string& name) {
-  const std::size_t allowed = std::max<std::size_t>(1, wanted.size() / 3);
+  const std::size_t allowed =
+      std::max<std::size_t>(1, (wanted.size() + 1) / 3); // two letters swapped are two
   const std::size_t difference =
       wanted.size() > name.size() ? wanted.size() - name.size() : name.size() - wanted.size();
   if (difference <= allowed)

@@ -20,6 +20,10 @@ TEST(Command, WrongUsageEndsWithTwoAndDoesNothing) {
       {{"frobnicate"}, "A subcommand is required"},
       {{"check"}, "Q is required"},
       {{"check", "--frob", good}, "--frob"},
+      {{"fmt", "--check", "--write", good}, "--check excludes --write"},
+      {{"fmt", "--drop-comments", good}, "--drop-comments requires --write"},
+      {{"fmt", "--write", "-"}, "Standard input can't be replaced."},
+      {{"registry", "--level", "young"}, "--level"},
       {{"plan", good, good}, "The following argument was not expected"},
       {{"sample", directory.path("a.las"), "--points", "-5"}, "--points"},
       {{"run", good}, "CLOUD is required"},
@@ -46,7 +50,12 @@ TEST(Command, HelpIsThereForEveryVerbWithAnExample) {
                                                {"check", "--help"},
                                                {"plan", "--help"},
                                                {"info", "--help"},
-                                               {"sample", "--help"}}) {
+                                               {"sample", "--help"},
+                                               {"fmt", "--help"},
+                                               {"explain", "--help"},
+                                               {"reference", "--help"},
+                                               {"conditions", "--help"},
+                                               {"registry", "--help"}}) {
     SCOPED_TRACE(words[0]);
     const CommandResult result = quindle(words);
     EXPECT_EQ(result.exitCode, 0);
