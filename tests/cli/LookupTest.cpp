@@ -93,16 +93,10 @@ TEST(Lookup, JsonHoldsTheSameWords) {
   };
   EXPECT_EQ(json({"conditions", "within"})["conditions"][0]["arguments"][1]["name"], "radius");
   EXPECT_EQ(json({"reference"})["sections"].size(), 12U);
-  EXPECT_EQ(json({"registry", "Display"})["items"],
-            (nlohmann::json{
-                {{"name", "Display/Picture"},
-                 {"category", "Display"},
-                 {"summary", "Draws a cloud into a PNG file."},
-                 {"description", "Draws every point in the colour of its class, seen from above or from the "
-                                 "side, and the points of a mask in front of all others."},
-                 {"completion", "Display/Picture"},
-                 {"kind", "creator"},
-                 {"maturity", "mature"}}}));
+  const nlohmann::json picture = json({"registry", "Display"})["items"][0];
+  EXPECT_EQ(picture["completion"], "Display/Picture");
+  EXPECT_EQ(picture["kind"], "creator");
+  EXPECT_EQ(picture["maturity"], "mature");
   EXPECT_EQ(json({"registry", "--limit", "2", "--level", "2001"})["items"].size(), 2U);
 }
 
