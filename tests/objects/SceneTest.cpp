@@ -96,6 +96,7 @@ TEST_F(HostSceneTest, RegionsAndFieldsCanBeGivenAsTheyAreWritten) {
   const QuindleDocument withDefault =
       parsedRun("select class(\"Water\") and inside(region)\nclassify into \"Ground\"\nreport \"{selected}\"",
                 "param cloud : Grid param region : Region = (511000, 5402000, 0, 513000, 5404000, 1000)");
+  scene.runtime().forget(withDefault.name);
   const std::uint64_t water = scene.grid()->cloud->countClasses()[9];
   EXPECT_EQ(run(withDefault), std::vector{std::to_string(water)});
   Diag diag;
