@@ -74,8 +74,7 @@ void printRegistry(const RegistryOptions& options, const Categories& categories,
     console.print(describeQuindleRegistry(options.wanted, options.level));
 }
 
-/// The category that a scene has only once an object with actions is in it, and that is asked for all the
-/// same.
+/// Whether actions are asked for in a scene that has none.
 bool lacksActions(const RegistryOptions& options, const Categories& categories) {
   const bool asked =
       options.wanted.empty() ? !options.cloud.empty() : options.wanted == QuindleActionCategory;
