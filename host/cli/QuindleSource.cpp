@@ -16,10 +16,6 @@ namespace Zamt::Host {
 
 namespace {
 
-/// A Quindle is a page or two of text. What is larger than this (inclusive) is the wrong file, or a device
-/// that never ends.
-constexpr std::size_t maxQuindleBytes = std::size_t{256} * 1024 * 1024;
-
 /// An open file that is closed when done with; standard input is left open.
 class Input {
 public:

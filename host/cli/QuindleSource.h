@@ -3,9 +3,14 @@
 #include "quindle/core/Diag.h"
 #include "quindle/core/QuindleDocument.h"
 
+#include <cstddef>
 #include <string>
 
 namespace Zamt::Host {
+
+/// A Quindle is a page or two of text. What is larger than this is the wrong file, or a device that never
+/// ends.
+constexpr std::size_t maxQuindleBytes = std::size_t{256} * 1024 * 1024;
 
 /// The bytes of a Quindle and what diagnostics call the place they came from.
 struct QuindleSource {

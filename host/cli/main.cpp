@@ -35,9 +35,14 @@ int main(int argc, char** argv) {
   addRunCommand(app, session);
   addPreviewCommand(app, session);
   addCheckCommand(app, session);
+  addFmtCommand(app, session);
+  addExplainCommand(app, session);
   addPlanCommand(app, session);
   addInfoCommand(app, session);
   addSampleCommand(app, session);
+  addReferenceCommand(app, session);
+  addConditionsCommand(app, session);
+  addRegistryCommand(app, session);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& problem) {

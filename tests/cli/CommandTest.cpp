@@ -20,6 +20,10 @@ TEST(Command, WrongUsageEndsWithTwoAndDoesNothing) {
       {{"frobnicate"}, "A subcommand is required"},
       {{"check"}, "Q is required"},
       {{"check", "--frob", good}, "--frob"},
+      {{"fmt", "--check", "--write", good}, "--check excludes --write"},
+      {{"fmt", "--drop-comments", good}, "--drop-comments requires --write"},
+      {{"fmt", "--write", "-"}, "Standard input can't be replaced."},
+      {{"registry", "--level", "young"}, "--level"},
       {{"plan", good, good}, "The following argument was not expected"},
       {{"sample", directory.path("a.las"), "--points", "-5"}, "--points"},
       {{"run", good}, "CLOUD is required"},
@@ -40,7 +44,8 @@ TEST(Command, WrongUsageEndsWithTwoAndDoesNothing) {
 }
 
 TEST(Command, HelpIsThereForEveryVerbWithAnExample) {
-  for (const std::string verb : {"", "run", "preview", "check", "plan", "info", "sample"}) {
+  for (const std::string verb : {"", "run", "preview", "check", "plan", "info", "sample", "fmt", "explain",
+                                 "reference", "conditions", "registry"}) {
     SCOPED_TRACE(verb);
     const CommandResult result = quindle(verb.empty() ? Words{"--help"} : Words{verb, "--help"});
     EXPECT_EQ(result.exitCode, 0);

@@ -17,8 +17,13 @@ struct Session {
 void addRunCommand(CLI::App& app, Session& session);
 void addPreviewCommand(CLI::App& app, Session& session);
 void addCheckCommand(CLI::App& app, Session& session);
+void addFmtCommand(CLI::App& app, Session& session);
+void addExplainCommand(CLI::App& app, Session& session);
 void addPlanCommand(CLI::App& app, Session& session);
 void addInfoCommand(CLI::App& app, Session& session);
 void addSampleCommand(CLI::App& app, Session& session);
+void addReferenceCommand(CLI::App& app, Session& session);
+void addConditionsCommand(CLI::App& app, Session& session);
+void addRegistryCommand(CLI::App& app, Session& session);
 
 } // namespace Zamt::Host
