@@ -43,8 +43,10 @@ TEST(Lookup, ShowsWhatIsAskedFor) {
       {{"registry", "Edit/MaskedLabels", "--level", "mature"},
        "Edit/MaskedLabels  [mature]\nCategory: Edit\n",
        "\n    create <name> = \"Edit/MaskedLabels\"\n"},
-      {{"registry", "--cloud", cloud}, "== Compute  (3)\n", "== Selection  (9)", none},
-      {{"registry", "--cloud", cloud, "Actions in this scene"}, "", "", none},
+      {{"registry", "--cloud", cloud},
+       "== Actions in this scene  (1)\n\nPicture.save  -  ",
+       "== Selection  (9)"},
+      {{"registry", "Actions in this scene"}, "", "", none},
   };
   for (const Found& one : cases) {
     SCOPED_TRACE(testing::PrintToString(one.words));

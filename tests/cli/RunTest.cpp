@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <map>
 #include <memory>
 #include <set>
+#include <sstream>
 
 using namespace Zamt::Testing;
 
@@ -197,7 +199,41 @@ TEST_F(Run, WritingOverTheInputIsSafeAndClassesCanBeLeftAlone) {
   EXPECT_EQ(run({}), path("same.las") + "\n  0");
 }
 
-TEST_F(Run, TheConditionOfTheManualPlansAsToldAndRuns) {
+TEST_F(Run, EveryConditionOfTheManualRunsAsItIsWrittenThere) {
+  const std::map<std::string, std::string> calls{
+      {"class", "class(\"Ground, Building\")"},
+      {"field", "field(\"Amplitude\", 10, 200)"},
+      {"below", "below(water, 0.2)"},
+      {"above", "above(surface: water, margin: 0.2)"},
+      {"vertical", "vertical()"},
+      {"neighbours", "neighbours(2)"},
+      {"inside", "inside(\"512000 5403000 0 512100 5403100 999\")"},
+      {"within", "within(\"512100, 5403080, 415\", 60)"},
+      {"expr", "expr(\"Amplitude > 120 and z < 420\")"}};
+  std::istringstream manual(quindle({"reference", "conditions"}).out);
+  std::size_t met = 0;
+  for (std::string line; std::getline(manual, line);) {
+    const std::size_t bracket = line.find('(');
+    if (!line.starts_with("  ") || bracket == std::string::npos) continue;
+    std::string step = line;
+    if (!line.starts_with("  select ")) {
+      const auto call = calls.find(line.substr(2, bracket - 2));
+      ASSERT_NE(call, calls.end()) << line;
+      step = "select " + call->second;
+      ++met;
+    }
+    const std::string script =
+        directory->write("manual-line.quindle",
+                         "quindle \"Line\" { param cloud : Grid = active param water : Surface on run { " +
+                             step + " classify into \"Rail\" } }");
+    const CommandResult result = quindle({"preview", script, cloud(), "--set", water(), "--json"});
+    ASSERT_EQ(result.exitCode, 0) << step << result.out;
+    EXPECT_GT(nlohmann::json::parse(result.out)["clouds"][0]["changes"][0]["modified"], 0) << step;
+  }
+  EXPECT_EQ(met, calls.size());
+}
+
+TEST_F(Run, AConditionWithARegionGivenAsTextRuns) {
   const std::string script = directory->write(
       "manual.quindle",
       "quindle \"Manual\" { param cloud : Grid = active param tile : Region on run { select "

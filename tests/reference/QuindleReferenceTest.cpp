@@ -1,5 +1,6 @@
 #include "quindle/reference/QuindleReference.h"
 
+#include "quindle/check/checkQuindle.h"
 #include "quindle/plan/QuindlePlanNode.h"
 #include "tests/support/parsed.h"
 
@@ -41,7 +42,8 @@ std::string replaced(std::string text, const Fillings& fillings) {
   return text;
 }
 
-/// A form of the manual with each place filled in that it leaves open: a word where nothing else is said.
+/// A form of the manual with each place filled in that it leaves open: a word of its own where nothing else
+/// is said.
 std::string filledIn(const std::string& form) {
   const std::string some =
       replaced(form, {{"<condition> [and|or|not <condition>] ...", "class(\"Ground\") and not Amplitude > 3"},
@@ -52,7 +54,16 @@ std::string filledIn(const std::string& form) {
                       {"<step>", "report \"so\""},
                       {"true | false", "false"},
                       {"true|false", "false"}});
-  return std::regex_replace(some, std::regex("<[A-Za-z][^<>]*>"), "word");
+  const std::regex place("<[A-Za-z][^<>]*>");
+  std::string filled;
+  auto rest = some.begin();
+  int words = 0;
+  for (std::sregex_iterator found(some.begin(), some.end(), place), end; found != end; ++found) {
+    filled.append(rest, (*found)[0].first);
+    filled += "word" + std::to_string(++words);
+    rest = (*found)[0].second;
+  }
+  return filled.append(rest, some.end());
 }
 
 /// The sample lines of a text, a list for each run of them, without the two blanks in front, and without
@@ -75,6 +86,8 @@ std::vector<std::vector<std::string>> sampleBlocks(const std::string& text) {
 void expectUsable(const std::string& text) {
   SCOPED_TRACE(text);
   const QuindleDocument doc = parsed(text);
+  Diag findings;
+  EXPECT_TRUE(checkQuindle(doc, findings)) << findings.format();
   for (const QuindleTrigger& trigger : doc.triggers)
     for (const QuindleStep& step : trigger.steps) {
       QuindlePlanNode plan;
