@@ -12,7 +12,7 @@ namespace tree {
 
 template <>
 struct Shape<QuindleValue> {
-  static void eachList(auto& value, const auto& visit) { visit(value.items); } // NOLINT(misc-no-recursion)
+  static void eachList(auto& value, const auto& visit) { visit(value.items); }
 
   static void copyFields(const QuindleValue& from, QuindleValue& to) {
     to.kind = from.kind;
@@ -24,7 +24,7 @@ struct Shape<QuindleValue> {
 
 template <>
 struct Shape<QuindleExpr> {
-  static void eachList(auto& expr, const auto& visit) { visit(expr.operands); } // NOLINT(misc-no-recursion)
+  static void eachList(auto& expr, const auto& visit) { visit(expr.operands); }
 
   static void copyFields(const QuindleExpr& from, QuindleExpr& to) {
     to.kind = from.kind;
@@ -39,7 +39,7 @@ struct Shape<QuindleExpr> {
 
 template <>
 struct Shape<QuindleStep> {
-  static void eachList(auto& step, const auto& visit) { // NOLINT(misc-no-recursion)
+  static void eachList(auto& step, const auto& visit) {
     visit(step.body);
     visit(step.elseBody);
   }
@@ -194,7 +194,7 @@ QuindleValue& QuindleValue::operator=(QuindleValue&& other) noexcept {
   return *this;
 }
 
-QuindleValue::~QuindleValue() { // NOLINT(misc-no-recursion): see destroyChildren
+QuindleValue::~QuindleValue() {
   if (!items.empty()) tree::destroyChildren(*this);
 }
 
@@ -212,7 +212,7 @@ QuindleExpr& QuindleExpr::operator=(QuindleExpr&& other) noexcept {
   return *this;
 }
 
-QuindleExpr::~QuindleExpr() { // NOLINT(misc-no-recursion): see destroyChildren
+QuindleExpr::~QuindleExpr() {
   if (!operands.empty()) tree::destroyChildren(*this);
 }
 
@@ -231,7 +231,7 @@ QuindleStep& QuindleStep::operator=(QuindleStep&& other) noexcept {
   return *this;
 }
 
-QuindleStep::~QuindleStep() { // NOLINT(misc-no-recursion): see destroyChildren
+QuindleStep::~QuindleStep() {
   if (!body.empty() || !elseBody.empty()) tree::destroyChildren(*this);
 }
 

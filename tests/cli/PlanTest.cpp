@@ -18,12 +18,12 @@ TEST(Plan, PutsCheapConditionsFirstAsATree) {
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.out, "<stdin>:4: select\n"
-                        "  and                                       cheap\n"
-                        "    class(\"Ground\", \"Classification\")       cheap\n"
-                        "    not field(\"Amplitude\", 120, 1e+300, 0)  cheap\n"
-                        "    or                                      expensive\n"
-                        "      neighbours(0.5, 0, 2)                 expensive\n"
-                        "      inside(tile)                          free\n");
+                        "  and                                          10  cheap\n"
+                        "    class(\"Ground\", \"Classification\")          10  cheap\n"
+                        "    not field(\"Amplitude\", 120, 1e+300, 0)     10  cheap\n"
+                        "    or                                      10000  expensive\n"
+                        "      neighbours(0.5, 0, 2)                 10000  expensive\n"
+                        "      inside(tile)                              1  free\n");
 }
 
 TEST(Plan, GivesMachinesAFlatListWithDepths) {

@@ -2,6 +2,7 @@
 #include "host/cli/commands/commands.h"
 #include "host/cli/selects.h"
 #include "quindle/core/Tree.h"
+#include "quindle/plan/conditionCosts.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -10,7 +11,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -34,23 +34,16 @@ struct PlanLine {
   std::int32_t line = 0;
 };
 
-struct CostWord {
-  std::uint32_t cost; ///< The highest that the word is used for.
-  std::string_view word;
-};
-constexpr std::array<CostWord, 4> costWords{
-    {{1, "free"}, {10, "cheap"}, {100, "moderate"}, {10000, "expensive"}}};
-
 /// Deeper nodes are shown at this depth, as indentation would otherwise cost the square of the depth.
 constexpr std::size_t maxShownDepth = 32;
 
 /// Longer conditions push their cost to the right instead of widening the whole table.
 constexpr std::size_t maxColumn = 76;
 
+/// The first of the words for a cost.
 std::string_view wordOf(std::uint32_t cost) {
-  for (const CostWord& entry : costWords)
-    if (cost <= entry.cost) return entry.word;
-  return costWords.back().word;
+  const std::string_view words = costWords(cost);
+  return words.substr(0, words.find(','));
 }
 
 PlanLine lineOf(const QuindlePlanNode& node, std::size_t depth) {
@@ -98,7 +91,8 @@ void printPlan(const QuindleDocument& document, const PlannedSelect& select, Con
   }
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const std::size_t gap = texts[i].size() < column ? column - texts[i].size() : 0;
-    console.printLine(fmt::format("{}{}  {}", texts[i], std::string(gap, ' '), wordOf(lines[i].cost)));
+    console.printLine(fmt::format("{}{}  {:>5}  {}", texts[i], std::string(gap, ' '), lines[i].cost,
+                                  wordOf(lines[i].cost)));
   }
 }
 
