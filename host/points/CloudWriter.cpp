@@ -7,6 +7,7 @@
 #include <atomic>
 #include <limits>
 #include <mutex>
+#include <oneapi/tbb/enumerable_thread_specific.h>
 #include <oneapi/tbb/parallel_for.h>
 #include <optional>
 
@@ -210,6 +211,7 @@ bool writePieces(const PointCloud::State& cloud, const Changes& changes, AtomicF
   const std::vector<Piece> pieces = piecesOf(cloud, changes);
   std::atomic<bool> failed{false};
   std::mutex firstError;
+  tbb::enumerable_thread_specific<std::vector<std::byte>> buffers;
   tbb::parallel_for(std::size_t{0}, pieces.size(), [&](std::size_t i) {
     if (failed) return;
     const Piece& piece = pieces[i];
@@ -217,7 +219,7 @@ bool writePieces(const PointCloud::State& cloud, const Changes& changes, AtomicF
     std::string problem;
     bool good = true;
     if (piece.block) {
-      std::vector<std::byte> buffer;
+      std::vector<std::byte>& buffer = buffers.local();
       patchBlock(cloud, piece, buffer);
       good = file.write(to, buffer, problem);
     } else {

@@ -6,7 +6,7 @@ namespace Zamt::Host {
 
 bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, std::string& error) {
   const std::unique_ptr<AtomicFile> file = AtomicFile::create(path, error);
-  return file && file->write(0, bytes, error) && file->commit(error);
+  return file && file->reserve(bytes.size(), error) && file->write(0, bytes, error) && file->commit(error);
 }
 
 } // namespace Zamt::Host
