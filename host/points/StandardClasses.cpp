@@ -13,8 +13,8 @@ struct StandardClass {
 };
 
 // ASPRS LAS 1.4 R15, tables "ASPRS Standard LIDAR Point Classes": one for the formats 0 to 5, one for 6
-// to 10.
-constexpr std::array oldClasses{
+// to 10, which have these in common.
+constexpr std::array commonClasses{
     StandardClass{0, "Created, Never Classified"},
     StandardClass{1, "Unclassified"},
     StandardClass{2, "Ground"},
@@ -22,21 +22,15 @@ constexpr std::array oldClasses{
     StandardClass{4, "Medium Vegetation"},
     StandardClass{5, "High Vegetation"},
     StandardClass{6, "Building"},
+    StandardClass{9, "Water"},
+};
+constexpr std::array oldClasses{
     StandardClass{7, "Low Point"},
     StandardClass{8, "Model Key-point"},
-    StandardClass{9, "Water"},
     StandardClass{12, "Overlap"},
 };
 constexpr std::array newClasses{
-    StandardClass{0, "Created, Never Classified"},
-    StandardClass{1, "Unclassified"},
-    StandardClass{2, "Ground"},
-    StandardClass{3, "Low Vegetation"},
-    StandardClass{4, "Medium Vegetation"},
-    StandardClass{5, "High Vegetation"},
-    StandardClass{6, "Building"},
     StandardClass{7, "Low Noise"},
-    StandardClass{9, "Water"},
     StandardClass{10, "Rail"},
     StandardClass{11, "Road Surface"},
     StandardClass{13, "Wire - Guard"},
@@ -56,10 +50,12 @@ constexpr std::array newClasses{
 std::vector<ClassName> standardClasses(unsigned pointFormat) {
   std::vector<ClassName> result;
   const auto add = [&](const StandardClass& standard) { result.push_back({standard.number, standard.name}); };
+  std::ranges::for_each(commonClasses, add);
   if (pointFormat >= 6)
     std::ranges::for_each(newClasses, add);
   else
     std::ranges::for_each(oldClasses, add);
+  std::ranges::sort(result, {}, &ClassName::number);
   return result;
 }
 

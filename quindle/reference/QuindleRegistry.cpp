@@ -1,6 +1,7 @@
 #include "quindle/reference/QuindleRegistry.h"
 
 #include "quindle/plan/QuindleOperation.h"
+#include "quindle/reference/maturity.h"
 
 #include "cadmer/VAction.h"
 #include "rethold/Pointer.h"
@@ -12,7 +13,6 @@
 #include "sorbine/VSlot.h"
 
 #include <algorithm>
-#include <array>
 #include <climits>
 #include <cstddef>
 #include <map>
@@ -28,14 +28,6 @@ constexpr const char* conditionCategory = "Quindle conditions";
 constexpr const char* actionCategory = "Actions in this scene";
 
 enum Kind { Condition = 0, Creator = 1, Action = 2 };
-
-struct Maturity {
-  int lowestRank;
-  const char* word;
-};
-
-constexpr std::array<Maturity, 4> maturities{
-    {{2000, "mature"}, {0, "beta"}, {-1000, "experimental"}, {INT_MIN, "unfinished"}}};
 
 std::string maturityOf(int rank) {
   return std::find_if(maturities.begin(), maturities.end(),

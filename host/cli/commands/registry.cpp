@@ -2,6 +2,7 @@
 #include "host/cli/nearest.h"
 #include "host/objects/Scene.h"
 #include "quindle/reference/QuindleRegistry.h"
+#include "quindle/reference/maturity.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -25,17 +26,18 @@ namespace Zamt::Host {
 
 namespace {
 
-constexpr int everything = std::numeric_limits<int>::min();
-
-/// The lowest rank of creators of each maturity.
-const std::map<std::string, int> levels{
-    {"mature", 2000}, {"beta", 0}, {"experimental", -1000}, {"unfinished", everything}};
+/// The lowest rank of creators by the word for their maturity.
+std::map<std::string, int> levels() {
+  std::map<std::string, int> ranks;
+  for (const Maturity& maturity : maturities) ranks.emplace(maturity.word, maturity.lowestRank);
+  return ranks;
+}
 
 struct RegistryOptions {
   std::string wanted; ///< A category or a name; empty for all.
   std::string cloud;
   std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();
-  int level = everything;
+  int level = maturities.back().lowestRank;
   bool json = false;
 };
 
@@ -141,7 +143,7 @@ void addRegistryCommand(CLI::App& app, Session& session) {
   verb->add_option("--level", options->level,
                    "How mature a creator has to be: mature, beta, experimental, unfinished, or a rank. All "
                    "are listed if it is left out.")
-      ->transform(CLI::Transformer(levels).description(""))
+      ->transform(CLI::Transformer(levels()).description(""))
       ->type_name("LEVEL");
   verb->add_option("--limit", options->limit, "The most items to list of a category.")->type_name("N");
   verb->add_flag("--json", options->json,
