@@ -30,7 +30,7 @@ TEST(Documents, QuoteCodeThatIsBuilt) {
       at += fence.size();
       const std::string block = document.substr(at, document.find("```", at) - at);
       bool found = false;
-      for (const std::size_t blanks : {0, 2, 4})
+      for (const unsigned blanks : {0U, 2U, 4U})
         found = found || built.find('\n' + indented(block, blanks)) != std::string::npos;
       EXPECT_TRUE(found) << name << " quotes what no file of tests/docs holds:\n" << block;
     }
