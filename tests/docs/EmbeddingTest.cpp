@@ -211,6 +211,7 @@ TEST_F(Embedding, FailuresOfARunLookAsTheTableSays) {
       {quindle("report \"a\"", "param n : Number = 9 [0 .. 5] \"N.\""), ""},
       {"quindle \"Roofs\" { description \"D.\" enabled false on run { report \"a\" } }", ""},
       {"quindle \"Roofs\" { description \"D.\" on load { report \"a\" } }", ""},
+      {quindle("for each x in cloud { report \"a\" }"), "Cloud"},
       {quindle(classify("select clas(1)")), "Cloud"},
       {quindle(classify("select Amplitude > strenght")), "Cloud"},
       {quindle("create a = \"No/Such\""), "Cloud"},
