@@ -5,6 +5,7 @@
 ///
 ///   QUINDLE_REFRESH_GOLDEN=1 build/dev/bin/tests-cli --gtest_filter='Tutorial.*'
 #include "tests/cli/quindle.h"
+#include "tests/support/environment.h"
 
 #include <gtest/gtest.h>
 
@@ -39,9 +40,6 @@ protected:
   void SetUp() override {
     std::istringstream text(readFile(tutorialFile));
     for (std::string line; std::getline(text, line);) lines.push_back(line);
-    // The reader's own directory of Quindles is a fresh one.
-    for (const char* name : {"APPDATA", "XDG_DATA_HOME", "QUINDLE_DATA_DIRS"}) ::unsetenv(name);
-    ::setenv("HOME", directory.path().c_str(), 1);
   }
 
   bool inBlock() const { return next < lines.size() && lines[next] != "```"; }
@@ -78,6 +76,11 @@ protected:
 
   const bool refreshing = std::getenv("QUINDLE_REFRESH_GOLDEN") != nullptr;
   TemporaryDirectory directory;
+  /// The reader has no Quindles yet, neither of their own nor installed.
+  Environment environment{{"APPDATA", {}},
+                          {"XDG_DATA_HOME", {}},
+                          {"HOME", directory.path()},
+                          {"QUINDLE_DATA_DIRS", directory.path("share")}};
   std::vector<std::string> lines;
   std::size_t next = 0;
   std::size_t commands = 0;
