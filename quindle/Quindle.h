@@ -1,6 +1,8 @@
 #pragma once
 
+/// @file
 /// Everything that a host of Quindles includes.
+
 #include "quindle/check/checkQuindle.h"
 #include "quindle/core/Diag.h"
 #include "quindle/core/QuindleDocument.h"
