@@ -1,0 +1,15 @@
+# quindle_install_pkgconfig(<template> <header directory>): fills in a .pc file and installs it. All of its
+# directories start from where the file itself lies, so that an installation can be moved.
+function(quindle_install_pkgconfig template headers)
+  set(directory ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  foreach(place directory headers)
+    cmake_path(ABSOLUTE_PATH ${place} BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX} NORMALIZE)
+  endforeach()
+  file(RELATIVE_PATH libdir ${directory} ${CMAKE_INSTALL_FULL_LIBDIR})
+  file(RELATIVE_PATH includedir ${directory} ${headers})
+  set(QUINDLE_PC_LIBDIR "\${pcfiledir}/${libdir}")
+  set(QUINDLE_PC_INCLUDEDIR "\${pcfiledir}/${includedir}")
+  cmake_path(GET template STEM LAST_ONLY name)
+  configure_file(${template} ${CMAKE_CURRENT_BINARY_DIR}/${name} @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name} DESTINATION ${directory})
+endfunction()
