@@ -1,5 +1,7 @@
 #include "host/cli/nearest.h"
 
+#include "quindle/core/AsciiText.h"
+
 #include <algorithm>
 #include <optional>
 #include <utility>
@@ -12,13 +14,6 @@ constexpr std::size_t offered = 3;
 
 /// Shorter words are inside of nearly everything.
 constexpr std::size_t leastPart = 3;
-
-std::string lowered(std::string_view text) {
-  std::string out(text);
-  for (char& c : out)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return out;
-}
 
 /// How many bytes have to be put in, taken out or replaced to make one text the other.
 std::size_t editDistance(const std::string& a, const std::string& b) {

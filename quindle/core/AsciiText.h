@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// Case and white space of ASCII, the same in every locale. Other bytes are left as they are.
+namespace Zamt {
+
+inline constexpr std::string_view whiteSpace = " \t\n\v\f\r";
+
+constexpr char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+constexpr char uppered(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+inline std::string lowered(std::string_view text) {
+  std::string out(text);
+  for (char& c : out) c = lowered(c);
+  return out;
+}
+
+constexpr std::string_view trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(whiteSpace);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(whiteSpace) - first + 1);
+}
+
+} // namespace Zamt

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "quindle/core/Diag.h"
+#include "quindle/core/Export.h"
+#include "quindle/core/QuindleDocument.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace Zamt {
+
+/// One file of a collection. One that can't be used keeps its place, with the reason.
+struct QUINDLE_API QuindleLibraryEntry {
+  std::string path; ///< As it was given to `load`; what tells entries apart.
+  /// What the file holds, or as much of it as could be read. A file that gives no name goes by its own,
+  /// without the extension.
+  QuindleDocument document;
+  bool usable = false; ///< It was read, parsed and passed the checks.
+  std::string error;   ///< Why it is not usable; empty if it is.
+};
+
+/// The Quindles of a set of directories, in memory, in the order in which they were loaded. It owns its
+/// entries; what `find`, `search` and `runnable` return points to them and is good until the library is next
+/// changed. Nothing watches the directories: a host that wrote files clears and scans again.
+///
+/// Nothing is locked: one thread at a time.
+class QUINDLE_API QuindleLibrary {
+public:
+  /// Reads one file, in place of the entry of exactly this path if there is one. True if it is usable. If
+  /// not, there is an entry all the same, and `diag` gets one error (it can't be read) or one warning (its
+  /// first fault).
+  bool load(const std::string& path, Diag& diag);
+
+  /// Loads every regular file, links followed, that lies directly in `directory` and whose name ends in
+  /// ".quindle", in the order of their paths. Returns how many; a directory that is not there is a note.
+  std::uint64_t scan(const std::string& directory, Diag& diag);
+
+  /// Scans several directories. One that bears the name of an entry of an earlier directory is hidden by it:
+  /// that is a note, and it leaves the list. Returns how many files there were, hidden ones included.
+  std::uint64_t scan(const std::vector<std::string>& directories, Diag& diag);
+
+  /// Forgets all entries.
+  void clear();
+
+  /// The first entry of exactly this name, or null.
+  const QuindleLibraryEntry* find(const std::string& name) const;
+
+  /// The entries that hold `query`, the case of ASCII letters ignored, in their name, description, category
+  /// or one of their tags; all of them for empty text. In the order of the list.
+  std::vector<const QuindleLibraryEntry*> search(const std::string& query) const;
+
+  /// Every category that an entry names, once, sorted by bytes.
+  std::vector<std::string> categories() const;
+
+  /// The entries that can be run: usable and switched on. In the order of the list.
+  std::vector<const QuindleLibraryEntry*> runnable() const;
+
+  /// A function that finds Quindles in this library, for `QuindleRuntime::resolver` and `explainQuindle`. It
+  /// points to the library, which has to outlive it and must stay where it is.
+  QuindleResolver resolver() const;
+
+private:
+  void put(QuindleLibraryEntry&& entry);
+  void hideBehind(std::size_t earlier, Diag& diag);
+  void noteName(std::size_t index);
+  void forgetName(std::size_t index);
+  std::size_t firstOf(const std::string& name) const;
+
+  std::vector<QuindleLibraryEntry> entries_;
+  std::unordered_map<std::string, std::size_t> byPath_;      ///< Where in `entries_` a path stands.
+  std::map<std::string, std::set<std::size_t>> indexByName_; ///< Likewise all of one name.
+};
+
+} // namespace Zamt

@@ -1,0 +1,205 @@
+#include "quindle/library/QuindleFiles.h"
+#include "tests/support/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <sys/ptrace.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/user.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace Zamt;
+using Zamt::Testing::readFile;
+using Zamt::Testing::TemporaryDirectory;
+
+/// What becomes of a saved file when the system, or the process, fails in the middle. A child process saves
+/// and its parent, which traces it, stops it at each call it makes of the system.
+namespace {
+
+std::string text(const std::string& report) {
+  return "quindle \"Kept\" { description \"d\" on run { report \"" + report + "\" } }";
+}
+const std::string oldText = text("old");
+const std::string newText = text("new, and of another length");
+
+constexpr int saved = 0;
+constexpr int refused = 1;
+constexpr int refusedWithoutWord = 2;
+
+int save(const std::string& directory) {
+  QuindleDocument document;
+  Diag diag;
+  if (saveQuindle(directory, newText, document, diag)) return saved;
+  const std::string& message = diag.firstError();
+  const std::string path = quindleFileName(directory, "Kept");
+  const bool said =
+      message == "Cannot write \"" + path + "\"." || message == "Could not finish writing \"" + path + "\".";
+  return said ? refused : refusedWithoutWord;
+}
+
+/// Runs `work` in a child and gives its exit status as `waitpid` does.
+int inChild(const std::function<int()>& work) {
+  const pid_t child = ::fork();
+  if (child == 0) ::_exit(work());
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return status;
+}
+
+#if defined(__x86_64__)
+
+/// What happens at one of the child's system calls.
+struct Fault {
+  int atCall = 0;    ///< Counted from 1.
+  bool kill = false; ///< The process ends in front of the call; otherwise the call fails with `code`.
+  int code = 0;
+};
+
+/// The calls that a disk can make fail.
+bool touchesFiles(unsigned long long call) {
+  constexpr std::array<unsigned long long, 8> calls{SYS_openat, SYS_write, SYS_fsync,  SYS_close,
+                                                    SYS_rename, SYS_mkdir, SYS_fchmod, SYS_newfstatat};
+  return std::find(calls.begin(), calls.end(), call) != calls.end();
+}
+
+struct Traced {
+  bool ended = false; ///< Before the call of the fault came.
+  bool decisive =
+      false; ///< The call of the fault was one without which the new text is not safe on the disk.
+  int status = 0;
+};
+
+/// Tells the calls that the new text depends on from those that look around or tidy up.
+class SavingOrder {
+public:
+  bool isDecisive(unsigned long long call) {
+    const bool decisive = call == SYS_write || call == SYS_rename || (call == SYS_fsync && !renamed) ||
+                          (call == SYS_close && flushed && !renamed);
+    flushed = flushed || call == SYS_fsync;
+    renamed = renamed || call == SYS_rename;
+    return decisive;
+  }
+
+private:
+  bool flushed = false;
+  bool renamed = false;
+};
+
+/// Saves in a child that meets the fault; nothing if the machine does not let processes be traced.
+std::optional<Traced> saveWith(const Fault& fault, const std::string& directory) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) ::_exit(EXIT_FAILURE);
+    ::raise(SIGSTOP);
+    ::_exit(save(directory));
+  }
+  Traced traced;
+  ::waitpid(child, &traced.status, 0);
+  if (!WIFSTOPPED(traced.status)) return std::nullopt;
+  int calls = 0;
+  SavingOrder order;
+  bool entering = false;
+  bool failing = false;
+  while (true) {
+    ::ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
+    ::waitpid(child, &traced.status, 0);
+    if (!WIFSTOPPED(traced.status)) break;
+    entering = !entering;
+    user_regs_struct registers{};
+    ::ptrace(PTRACE_GETREGS, child, nullptr, &registers);
+    const bool decisive = entering && order.isDecisive(registers.orig_rax);
+    if (entering && touchesFiles(registers.orig_rax) && ++calls == fault.atCall) {
+      traced.decisive = decisive;
+      if (fault.kill) {
+        ::kill(child, SIGKILL);
+        ::waitpid(child, &traced.status, 0);
+        return traced;
+      }
+      registers.orig_rax = static_cast<unsigned long long>(-1); // no such call, so that nothing happens
+      failing = true;
+      ::ptrace(PTRACE_SETREGS, child, nullptr, &registers);
+    } else if (!entering && failing) {
+      registers.rax = static_cast<unsigned long long>(-fault.code);
+      failing = false;
+      ::ptrace(PTRACE_SETREGS, child, nullptr, &registers);
+    }
+  }
+  traced.ended = calls < fault.atCall;
+  return traced;
+}
+
+class SaveFaults : public testing::TestWithParam<Fault> {};
+
+TEST_P(SaveFaults, LeaveTheOldTextOrTheNewAtEveryCall) {
+  int met = 0;
+  for (int call = 1; true; ++call) {
+    SCOPED_TRACE("call " + std::to_string(call));
+    const TemporaryDirectory directory;
+    const std::string path = directory.write("Kept.quindle", oldText);
+    Fault fault = GetParam();
+    fault.atCall = call;
+    const std::optional<Traced> traced = saveWith(fault, directory.path());
+    if (!traced) GTEST_SKIP() << "This machine does not let processes be traced.";
+    const std::string held = readFile(path);
+    EXPECT_TRUE(held == oldText || held == newText) << held;
+    if (!fault.kill) {
+      EXPECT_TRUE(WIFEXITED(traced->status));
+      EXPECT_EQ(WEXITSTATUS(traced->status), held == newText ? saved : refused);
+      EXPECT_FALSE(traced->decisive && held == newText);
+    }
+    std::size_t listed = 0;
+    for (const std::string& name : directory.names()) listed += name.ends_with(".quindle") ? 1 : 0;
+    EXPECT_EQ(listed, 1U);
+    if (traced->ended) break;
+    ++met;
+  }
+  EXPECT_GE(met, 6); // open, make, write, flush, close and rename at the least
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, SaveFaults,
+                         testing::Values(Fault{0, true, 0}, Fault{0, false, ENOSPC}, Fault{0, false, EIO}),
+                         [](const testing::TestParamInfo<Fault>& one) {
+                           return one.param.kill          ? "Killed"
+                                  : one.param.code == EIO ? "DiskError"
+                                                          : "DiskFull";
+                         });
+
+#endif
+
+TEST(SaveLimits, AFileTooLargeToWriteIsRefusedAndTheHostLives) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.write("Kept.quindle", oldText);
+  const int status = inChild([&] {
+    const rlimit limit{newText.size() - 1, newText.size() - 1};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    return save(directory.path());
+  });
+  ASSERT_TRUE(WIFEXITED(status)) << "ended by signal " << WTERMSIG(status);
+  EXPECT_EQ(WEXITSTATUS(status), refused);
+  EXPECT_EQ(readFile(path), oldText);
+  EXPECT_EQ(directory.names().size(), 1U);
+}
+
+TEST(SaveLimits, AWriteProtectedFileIsRefusedAndStays) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.write("Kept.quindle", oldText);
+  std::filesystem::permissions(directory.path(), std::filesystem::perms::all);
+  std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+  const int status = inChild([&] {
+    constexpr uid_t nobody = 65534; // the superuser may write everything
+    if (::getuid() == 0 && ::setuid(nobody) != 0) return saved;
+    return save(directory.path());
+  });
+  EXPECT_EQ(WEXITSTATUS(status), refused);
+  EXPECT_EQ(readFile(path), oldText);
+  EXPECT_EQ(directory.names().size(), 1U);
+}
+
+} // namespace
