@@ -2,8 +2,6 @@
 // directory that the platform has to find.
 #include "checks.h"
 
-#include "quindle/scene/TolvenQuindleOps.h"
-
 #include "cadmer/CommandLineParser.h"
 #include "sorbine/VCreator.h"
 #include "sorbine/VObject.h"

@@ -1,7 +1,5 @@
 #include "checks.h"
 
-#include "quindle/scene/TolvenQuindleOps.h"
-
 #include "sorbine/VValue.h"
 
 #include <iostream>
