@@ -1,6 +1,8 @@
 #include "host/cli/QuindleSource.h"
 
+#include "host/cli/Collection.h"
 #include "host/points/Interruption.h"
+#include "quindle/library/QuindleFiles.h"
 #include "quindle/text/parseQuindle.h"
 
 #include <fmt/format.h>
@@ -9,7 +11,9 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <poll.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace Zamt::Host {
@@ -58,12 +62,24 @@ std::string readAll(int file, std::string& text) {
   return interruptedMessage;
 }
 
-} // namespace
+/// Whether `which` can't be the name of a Quindle in the collection.
+bool isPath(const std::string& which) {
+  std::error_code unknown;
+  return which.find('/') != std::string::npos || which.ends_with(".quindle") ||
+         std::filesystem::exists(std::filesystem::symlink_status(which, unknown));
+}
 
-bool readQuindleSource(const std::string& which, QuindleSource& source, Diag& diag) {
-  source.label = which == "-" ? "<stdin>" : which;
-  source.text.clear();
-  const Input input(which);
+/// Turns a name into the path of its file. False with an error when there is none of that name.
+bool findByName(const std::string& name, QuindleSource& source, Diag& diag) {
+  const QuindleLibrary library = scanCollection();
+  const QuindleLibraryEntry* const entry = findInCollection(library, name, diag);
+  if (entry == nullptr) return false;
+  source.label = entry->path;
+  source.installed = !isOwn(*entry);
+  return true;
+}
+
+bool readLabelled(const Input& input, QuindleSource& source, Diag& diag) {
   if (input.handle() < 0) {
     diag.error(fmt::format("This can't be opened: {}. Check the path.", std::strerror(errno)), source.label);
     return false;
@@ -71,6 +87,14 @@ bool readQuindleSource(const std::string& which, QuindleSource& source, Diag& di
   const std::string problem = readAll(input.handle(), source.text);
   if (!problem.empty()) diag.error(problem, source.label);
   return problem.empty();
+}
+
+} // namespace
+
+bool readQuindleSource(const std::string& which, QuindleSource& source, Diag& diag) {
+  source = {which == "-" ? "<stdin>" : which, {}, false};
+  if (which != "-" && !isPath(which) && !findByName(which, source, diag)) return false;
+  return readLabelled(Input(which == "-" ? which : source.label), source, diag);
 }
 
 bool loadQuindle(const std::string& which, QuindleDocument& document, Diag& diag) {

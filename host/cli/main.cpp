@@ -38,6 +38,14 @@ int main(int argc, char** argv) {
   addFmtCommand(app, session);
   addExplainCommand(app, session);
   addPlanCommand(app, session);
+  addListCommand(app, session);
+  addSearchCommand(app, session);
+  addShowCommand(app, session);
+  addSaveCommand(app, session);
+  addDeleteCommand(app, session);
+  addEnableCommand(app, session);
+  addDisableCommand(app, session);
+  addKeysCommand(app, session);
   addInfoCommand(app, session);
   addSampleCommand(app, session);
   addReferenceCommand(app, session);

@@ -1,5 +1,6 @@
 #include "host/cli/runClouds.h"
 
+#include "host/cli/Collection.h"
 #include "host/cli/QuindleSource.h"
 #include "host/objects/Grid.h"
 #include "host/objects/Scene.h"
@@ -115,6 +116,7 @@ Exit runAll(const RunOptions& options, const std::vector<std::string>& outputs, 
     console.error(problem);
     return Exit::Usage;
   }
+  scene.runtime().resolver = collectionResolver(job.document.sourceFile);
   if (!options.classes.empty()) scene.setClasses(options.classes);
   Diag all;
   bool good = true;

@@ -3,7 +3,7 @@
 #include "quindle/check/checkQuindle.h"
 #include "quindle/core/AsciiText.h"
 #include "quindle/library/readTextFile.h"
-#include "quindle/text/parseQuindle.h"
+#include "quindle/text/parseBriefly.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -38,7 +38,7 @@ void readEntry(QuindleLibraryEntry& entry, Diag& diag) {
   }
   Diag faults; // the caller is told of the first one only
   entry.usable =
-      parseQuindle(text, entry.path, entry.document, faults) && checkQuindle(entry.document, faults);
+      parseBriefly(text, entry.path, entry.document, faults) && checkQuindle(entry.document, faults);
   if (entry.usable) return;
   entry.error = whyNotUsable(faults);
   diag.warning("\"" + entry.path + "\" is not usable: " + entry.error, entry.path);

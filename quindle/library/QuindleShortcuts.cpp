@@ -1,7 +1,7 @@
 #include "quindle/library/QuindleShortcuts.h"
 
 #include "quindle/core/AsciiText.h"
-#include "quindle/library/displayName.h"
+#include "quindle/library/entryNames.h"
 
 #include <algorithm>
 #include <array>

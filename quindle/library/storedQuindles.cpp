@@ -1,8 +1,7 @@
 #include "quindle/check/checkQuindle.h"
-#include "quindle/core/AsciiText.h"
 #include "quindle/library/QuindleFiles.h"
 #include "quindle/library/QuindleLibrary.h"
-#include "quindle/library/displayName.h"
+#include "quindle/library/entryNames.h"
 #include "quindle/library/readTextFile.h"
 #include "quindle/library/replaceFile.h"
 #include "quindle/text/parseQuindle.h"
@@ -20,14 +19,6 @@ QuindleLibrary scanned(const std::vector<std::string>& searchPath) {
   Diag dropped;
   library.scan(searchPath, dropped);
   return library;
-}
-
-const QuindleLibraryEntry* findQuindleLoosely(const QuindleLibrary& library, const std::string& name) {
-  if (const QuindleLibraryEntry* const exact = library.find(name)) return exact;
-  const std::string wanted = lowered(name);
-  for (const QuindleLibraryEntry* const entry : library.search({}))
-    if (lowered(displayName(*entry)) == wanted) return entry;
-  return nullptr;
 }
 
 std::string knownQuindleNames(const QuindleLibrary& library) {

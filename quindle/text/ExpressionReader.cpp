@@ -68,6 +68,15 @@ void ExpressionReader::openArgument(std::vector<QuindleExpr>& args, std::vector<
   open_.back().names = &names;
 }
 
+/// Parentheses right behind one another hold the same node, and wait as one: a million cost no memory.
+void ExpressionReader::openParenthesis() {
+  Open& top = open_.back();
+  const bool isParenthesis = open_.size() > 1 && top.args == nullptr;
+  if (!isParenthesis || top.atom != top.root) return open(*top.atom);
+  ++top.parentheses;
+  startFactor(*top.root);
+}
+
 /// Reads the "not"s in front of a factor that goes into `node`.
 void ExpressionReader::startFactor(QuindleExpr& node) {
   QuindleExpr* inner = &node;
@@ -94,7 +103,7 @@ bool ExpressionReader::readAtom() {
   const Token& token = tokens_.current();
   if (token.isSymbol("(")) {
     tokens_.advance();
-    open(atom);
+    openParenthesis();
     return false;
   }
   setPosition(atom, token);
@@ -146,6 +155,13 @@ bool ExpressionReader::readOperator() {
 /// another atom is to be read or nothing is left open.
 bool ExpressionReader::closeBracket() {
   const Open closed = open_.back();
+  if (closed.parentheses > 1) {
+    tokens_.expectSymbol(")");
+    Open& next = open_.back() = {};
+    next.parentheses = closed.parentheses - 1;
+    next.root = next.term = next.factor = next.atom = closed.root;
+    return true;
+  }
   open_.pop_back();
   const bool isArgument = closed.args != nullptr;
   if (isArgument && tokens_.acceptSymbol(",")) {

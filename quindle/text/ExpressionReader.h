@@ -28,6 +28,7 @@ private:
   /// An expression being read, between the brackets that hold it. The nodes it points to stay where they are:
   /// a list of operands only grows when its last one is complete.
   struct Open {
+    std::size_t parentheses = 1;   ///< How many stand directly inside one another here.
     QuindleExpr* root = nullptr;   ///< What is between the brackets; the "or", once there is one.
     QuindleExpr* term = nullptr;   ///< The operand of the "or"; the "and", once there is one.
     QuindleExpr* factor = nullptr; ///< The operand of the "and", behind its "not"s.
@@ -40,6 +41,7 @@ private:
 
   void read();
   void open(QuindleExpr& root);
+  void openParenthesis();
   void openArgument(std::vector<QuindleExpr>& args, std::vector<std::string>& names);
   void startFactor(QuindleExpr& node);
   bool readAtom();

@@ -83,8 +83,8 @@ std::string describeToken(const Token& token) {
   return '"' + std::string(token.text) + '"';
 }
 
-Lexer::Lexer(const std::string& source, const std::string& file, Diag& diag)
-    : file_(file), diag_(diag), at_(source.data()), end_(source.data() + source.size()), lineStart_(at_) {}
+Lexer::Lexer(const std::string& source, FaultSink& faults)
+    : faults_(faults), at_(source.data()), end_(source.data() + source.size()), lineStart_(at_) {}
 
 Token Lexer::next() {
   skipToToken();
@@ -109,11 +109,6 @@ Token Lexer::next() {
   default: scanSymbol(token, 1);
   }
   return token;
-}
-
-void Lexer::report(Diag::Severity severity, const std::string& message, std::int32_t line,
-                   std::int32_t column) {
-  diag_.at(severity, message, file_, line, column);
 }
 
 void Lexer::startLine() {
@@ -159,7 +154,7 @@ void Lexer::skipBlockComment() {
   if (length == std::string_view::npos) {
     countLinesTo(end_);
     at_ = end_;
-    report(Diag::Severity::Error, "This comment is never closed.", line, column);
+    faults_.at(Diag::Severity::Error, "This comment is never closed.", line, column);
     return;
   }
   const char* const behind = rest.data() + length + markLength;
@@ -224,7 +219,7 @@ void Lexer::scanText(Token& token) {
   if (*at_ == '"')
     ++at_;
   else if (*at_ == '\n')
-    report(Diag::Severity::Error, "This text is never closed.", token.line, token.column);
+    faults_.at(Diag::Severity::Error, "This text is never closed.", token.line, token.column);
 }
 
 void Lexer::skipPlainText() {
@@ -242,8 +237,8 @@ void Lexer::resolveEscape(std::string& out) {
   case 'n': out += '\n'; break;
   case 't': out += '\t'; break;
   default:
-    report(Diag::Severity::Warning, std::string("Unknown escape \\") + c + " - taken literally.", line_,
-           columnOf(at_));
+    faults_.at(Diag::Severity::Warning, std::string("Unknown escape \\") + c + " - taken literally.", line_,
+               columnOf(at_));
     out += c;
   }
   ++at_;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "quindle/core/Diag.h"
+#include "quindle/text/FaultSink.h"
 
 #include <array>
 #include <cstdint>
@@ -33,10 +33,10 @@ struct PendingComment {
   std::int32_t line = 0; ///< On which it began.
 };
 
-/// Cuts a source into tokens and sets the comments aside. `source`, `file` and `diag` must outlive it.
+/// Cuts a source into tokens and sets the comments aside. `source` and `faults` must outlive it.
 class Lexer {
 public:
-  Lexer(const std::string& source, const std::string& file, Diag& diag);
+  Lexer(const std::string& source, FaultSink& faults);
 
   /// The next token; at the end of the source, `End` again and again.
   Token next();
@@ -46,7 +46,6 @@ public:
 
 private:
   std::int32_t columnOf(const char* byte) const { return static_cast<std::int32_t>(byte - lineStart_) + 1; }
-  void report(Diag::Severity severity, const std::string& message, std::int32_t line, std::int32_t column);
   void startLine(); ///< The byte before `at_` was a newline.
   void skipToToken();
   void skipLineComment(const char* text);
@@ -59,8 +58,7 @@ private:
   void resolveEscape(std::string& out);
   void scanSymbol(Token& token, std::size_t length);
 
-  const std::string& file_;
-  Diag& diag_;
+  FaultSink& faults_;
   const char* at_;
   const char* end_; ///< Here stands the zero byte of the string, which ends every run of a class.
   const char* lineStart_;

@@ -41,12 +41,8 @@ bool stopsRecovery(const Token& token) {
 
 } // namespace
 
-TokenReader::TokenReader(const std::string& source, const std::string& file, Diag& diag)
-    : lexer_(source, file, diag),
-      file_(file),
-      diag_(diag),
-      current_(lexer_.next()),
-      lookahead_(lexer_.next()) {}
+TokenReader::TokenReader(const std::string& source, FaultSink& faults)
+    : lexer_(source, faults), faults_(faults), current_(lexer_.next()), lookahead_(lexer_.next()) {}
 
 bool TokenReader::acceptWord(std::string_view word) {
   if (!isWord(word)) return false;
@@ -87,11 +83,11 @@ bool TokenReader::expectSymbol(std::string_view symbol) {
 }
 
 void TokenReader::fail(const std::string& message) {
-  diag_.at(Diag::Severity::Error, message, file_, current_.line, current_.column);
+  faults_.at(Diag::Severity::Error, message, current_.line, current_.column);
 }
 
 void TokenReader::failFound(std::string_view before) {
-  fail(std::string(before) + describeToken(current_) + '.');
+  if (faults_.isOpen()) fail(std::string(before) + describeToken(current_) + '.');
 }
 
 void TokenReader::recover() {

@@ -16,7 +16,8 @@ struct QuindleStep;
 /// said about the current one.
 class TokenReader {
 public:
-  TokenReader(const std::string& source, const std::string& file, Diag& diag);
+  /// `source` and `faults` must outlive it.
+  TokenReader(const std::string& source, FaultSink& faults);
 
   const Token& current() const { return current_; }
   const Token& lookahead() const { return lookahead_; }
@@ -56,8 +57,7 @@ public:
 
 private:
   Lexer lexer_;
-  const std::string& file_;
-  Diag& diag_;
+  FaultSink& faults_;
   Token current_;
   Token lookahead_;
   std::size_t placedComments_ = 0;

@@ -3,6 +3,7 @@
 #include "quindle/text/FileWords.h"
 #include "quindle/text/StepReader.h"
 #include "quindle/text/TokenReader.h"
+#include "quindle/text/parseBriefly.h"
 #include "quindle/text/readValue.h"
 
 #include <unordered_set>
@@ -26,10 +27,12 @@ void replaceNamedSource(QuindleParam& param) {
 class FileReader {
 public:
   // Copies, for both may be fields of the document that is about to be filled.
-  FileReader(const std::string& source, const std::string& file, QuindleDocument& doc, Diag& diag)
+  FileReader(const std::string& source, const std::string& file, QuindleDocument& doc, Diag& diag,
+             FaultSink::Keep keep)
       : source_(source),
         file_(file),
-        tokens_(source_, file_, diag),
+        faults_(file_, diag, keep),
+        tokens_(source_, faults_),
         steps_(tokens_),
         doc_(doc),
         diag_(diag) {}
@@ -50,6 +53,7 @@ private:
 
   const std::string source_;
   const std::string file_;
+  FaultSink faults_;
   TokenReader tokens_;
   StepReader steps_;
   QuindleDocument& doc_;
@@ -68,8 +72,9 @@ bool FileReader::read() {
   while (!tokens_.atBlockEnd()) readItem();
   if (!tokens_.expectSymbol("}")) return false;
   if (doc_.triggers.empty())
-    diag_.warning(
-        "This Quindle has no trigger, so nothing will ever run it. Add an \"on run { ... }\" block.", file_);
+    faults_.at(Diag::Severity::Warning,
+               "This Quindle has no trigger, so nothing will ever run it. Add an \"on run { ... }\" block.",
+               0, 0);
   return diag_.errorCount == 0;
 }
 
@@ -144,8 +149,8 @@ bool FileReader::readRange(QuindleParam& param) {
 
 void FileReader::addParam(QuindleParam&& param) {
   if (isParamName(param.name)) {
-    diag_.at(Diag::Severity::Error, "There is already a parameter called \"" + param.name + "\".", file_,
-             param.line, 0);
+    faults_.at(Diag::Severity::Error, "There is already a parameter called \"" + param.name + "\".",
+               param.line, 0);
     return;
   }
   if (!paramNames_.empty()) paramNames_.insert(param.name);
@@ -191,7 +196,11 @@ bool FileReader::readOccasion(QuindleTrigger& trigger) {
 } // namespace
 
 bool parseQuindle(const std::string& text, const std::string& file, QuindleDocument& doc, Diag& diag) {
-  return FileReader(text, file, doc, diag).read();
+  return FileReader(text, file, doc, diag, FaultSink::Keep::All).read();
+}
+
+bool parseBriefly(const std::string& text, const std::string& file, QuindleDocument& doc, Diag& diag) {
+  return FileReader(text, file, doc, diag, FaultSink::Keep::UpToFirstError).read();
 }
 
 } // namespace Zamt

@@ -3,10 +3,12 @@
 /// at the difference before committing it:
 ///
 ///   QUINDLE_REFRESH_GOLDEN=1 build/dev/bin/tests-reference --gtest_filter='Golden.*'
+#include "quindle/library/QuindleLibrary.h"
 #include "quindle/plan/QuindleOperation.h"
 #include "quindle/reference/explainQuindle.h"
-#include "tests/support/parsed.h"
-#include "tests/support/runCommand.h"
+#include "tests/support/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
 
 namespace Zamt::Testing {
 namespace {
@@ -18,12 +20,15 @@ void expectGolden(const std::string& name, const std::string& text) {
 }
 
 TEST(Golden, QuindlesAreExplainedInTheseWords) {
-  for (const char* directory : {"/examples", "/tests/reference/quindles"})
-    for (const auto& entry :
-         std::filesystem::directory_iterator(QUINDLE_SOURCE_DIR + std::string(directory))) {
-      const QuindleDocument doc = parsed(readFile(entry.path()), entry.path().filename());
-      expectGolden(entry.path().stem(), explainQuindle(doc, QuindleResolver()));
-    }
+  for (const char* directory : {"/examples", "/tests/reference/quindles"}) {
+    QuindleLibrary library;
+    Diag diag;
+    library.scan(QUINDLE_SOURCE_DIR + std::string(directory), diag);
+    EXPECT_EQ(diag.format(), "");
+    for (const QuindleLibraryEntry* const entry : library.search({}))
+      expectGolden(std::filesystem::path(entry->path).stem(),
+                   explainQuindle(entry->document, library.resolver()));
+  }
 }
 
 TEST(Golden, ConditionsAreDescribedInTheseWords) {

@@ -84,7 +84,7 @@ void addCheckCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<CheckOptions>();
   CLI::App* verb =
       app.add_subcommand("check", "Say what is wrong or doubtful in Quindles, all of it at once.");
-  verb->add_option("Q", options->quindles, "The Quindles: files, or - for standard input.")->required();
+  verb->add_option("Q", options->quindles, quindlesHelp)->required();
   verb->add_flag(
       "--json", options->json,
       "Print JSON: \"quindles\" with file, name, ok, errors and warnings of each, and \"diagnostics\".");

@@ -1,3 +1,4 @@
+#include "host/cli/Collection.h"
 #include "host/cli/QuindleSource.h"
 #include "host/cli/commands/commands.h"
 #include "quindle/reference/explainQuindle.h"
@@ -23,7 +24,8 @@ Exit explain(const ExplainOptions& options, Console& console) {
   Diag diag;
   QuindleDocument document;
   const bool good = loadQuindle(options.quindle, document, diag);
-  const std::string text = good ? explainQuindle(document, {}) : std::string();
+  const std::string text =
+      good ? explainQuindle(document, collectionResolver(document.sourceFile)) : std::string();
   if (options.json) {
     console.printJson({{"name", document.name}, {"text", text}, {"diagnostics", diagnosticsJson(diag)}});
   } else {
@@ -39,7 +41,7 @@ void addExplainCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<ExplainOptions>();
   CLI::App* verb =
       app.add_subcommand("explain", "Tell in plain words what a Quindle needs and what it will do.");
-  verb->add_option("Q", options->quindle, "The Quindle: a file, or - for standard input.")->required();
+  verb->add_option("Q", options->quindle, quindleHelp)->required();
   verb->add_flag("--json", options->json, "Print JSON: \"name\", \"text\" and \"diagnostics\".");
   verb->footer("Example:\n  quindle explain examples/underwater-ground.quindle");
   verb->callback([options, &session] { session.exit = explain(*options, session.console); });

@@ -5,6 +5,7 @@
 #include "host/points/writeWholeFile.h"
 #include "quindle/core/NestedSteps.h"
 #include "quindle/core/Tree.h"
+#include "quindle/library/QuindleFiles.h"
 #include "quindle/text/parseQuindle.h"
 #include "quindle/text/writeQuindle.h"
 
@@ -42,6 +43,7 @@ struct Formatted {
   bool good = false;             ///< `text` may stand for the Quindle.
   bool changed = false;          ///< It differs from what is there.
   bool written = false;
+  bool installed = false; ///< Part of the installation, which is never written.
 };
 
 /// How many blanks stand in front of the steps of a trigger and of all that their blocks hold.
@@ -113,6 +115,12 @@ void formatSource(const QuindleSource& source, const QuindleDocument& document, 
 
 /// Replaces the file unless that would move or drop comments that nobody agreed to.
 void writeBack(const FormatOptions& options, Formatted& result, Diag& diag) {
+  if (result.installed) {
+    diag.error("This file is part of the installation and is left as it is. Save a copy of your own first, "
+               "with \"quindle save\".",
+               result.label);
+    return;
+  }
   if (result.strayComments > 0 && !options.dropComments) {
     diag.error(fmt::format("This file is left as it is, because {} can't stay in place. Put what is to stay "
                            "into a block, or write --drop-comments.",
@@ -132,6 +140,7 @@ Formatted formatOne(const FormatOptions& options, const std::string& which, Diag
   const bool read =
       readQuindleSource(which, source, diag) && parseQuindle(source.text, source.label, document, diag);
   result.label = source.label;
+  result.installed = source.installed;
   result.name = document.name;
   if (read) formatSource(source, document, result, diag);
   if (options.write && result.changed) writeBack(options, result, diag);
@@ -186,7 +195,7 @@ Exit format(const FormatOptions& options, Console& console) {
 void addFmtCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<FormatOptions>();
   CLI::App* verb = app.add_subcommand("fmt", "Print Quindles in their canonical layout.");
-  verb->add_option("Q", options->quindles, "The Quindles: files, or - for standard input.")->required();
+  verb->add_option("Q", options->quindles, quindlesHelp)->required();
   CLI::Option* check = verb->add_flag(
       "--check", options->check, "Print only the names of files that would change, and end with 1 if any.");
   CLI::Option* write =

@@ -136,7 +136,7 @@ void addPlanCommand(CLI::App& app, Session& session) {
   CLI::App* verb =
       app.add_subcommand("plan", "Show the conditions of each \"select\" in the order in which they are "
                                  "worked out, with their costs.");
-  verb->add_option("Q", options->quindle, "The Quindle: a file, or - for standard input.")->required();
+  verb->add_option("Q", options->quindle, quindleHelp)->required();
   verb->add_flag(
       "--json", options->json,
       "Print JSON: \"name\", \"selects\" with line, ok and nodes (depth, kind, text, cost, costWord, line) "

@@ -1,5 +1,6 @@
 #include "host/cli/commands/runOptions.h"
 
+#include "host/cli/QuindleSource.h"
 #include "host/points/Region.h"
 
 #include <fmt/format.h>
@@ -36,7 +37,7 @@ bool readText(const std::string& path, std::string& text, std::string& problem) 
 } // namespace
 
 void addRunOptions(CLI::App& verb, RunOptions& options) {
-  verb.add_option("Q", options.quindle, "The Quindle: a file, or - for standard input.")->required();
+  verb.add_option("Q", options.quindle, quindleHelp)->required();
   verb.add_option("CLOUD", options.clouds, "The clouds, LAS files; each is worked on by itself.")->required();
   verb.add_option("--set", options.settings, "NAME=VALUE: the value of a parameter. May be given again.")
       ->allow_extra_args(false)

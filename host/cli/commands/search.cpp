@@ -1,0 +1,47 @@
+#include "host/cli/Collection.h"
+#include "host/cli/commands/commands.h"
+#include "host/cli/entryTable.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <fmt/format.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Zamt::Host {
+
+namespace {
+
+struct SearchOptions {
+  std::string query;
+  bool json = false;
+};
+
+Exit search(const SearchOptions& options, Console& console) {
+  const QuindleLibrary library = scanCollection();
+  const std::vector<const QuindleLibraryEntry*> found = library.search(options.query);
+  Diag diag;
+  if (found.empty())
+    diag.note(
+        fmt::format("No Quindle holds \"{}\" in its name, description, category or tags.", options.query));
+  printEntries(library, found, diag, options.json, console);
+  return found.empty() ? Exit::Failed : Exit::Done;
+}
+
+} // namespace
+
+void addSearchCommand(CLI::App& app, Session& session) {
+  auto options = std::make_shared<SearchOptions>();
+  CLI::App* verb = app.add_subcommand(
+      "search", "List the Quindles that hold a text in their name, description, category or tags.");
+  verb->add_option("TEXT", options->query, "What to look for; the case of letters does not matter.")
+      ->required();
+  verb->add_flag("--json", options->json, entriesJsonHelp);
+  verb->footer("Ends with 1 when nothing was found. Example:\n  quindle search water");
+  verb->callback([options, &session] { session.exit = search(*options, session.console); });
+}
+
+} // namespace Zamt::Host
