@@ -19,5 +19,6 @@
 #include "quindle/reference/explainQuindle.h"
 #include "quindle/runtime/QuindleOps.h"
 #include "quindle/runtime/QuindleRuntime.h"
+#include "quindle/scene/TolvenQuindleOps.h"
 #include "quindle/text/parseQuindle.h"
 #include "quindle/text/writeQuindle.h"

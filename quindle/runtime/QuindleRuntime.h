@@ -126,20 +126,21 @@ public:
   void forgetPreviewDisplay(Diag& diag);
 
 private:
-  class ProgramCompiler;
-  class ProgramWalk;
+  class QUINDLE_PRIVATE ProgramCompiler;
+  class QUINDLE_PRIVATE ProgramWalk;
 
-  std::shared_ptr<const Program> programFor(const QuindleDocument& doc, QuindleRunResult& result, Diag& diag);
-  bool applyBindings(const QuindleDocument& doc, const Program& program,
-                     const std::map<std::string, std::string>& args, Diag& diag);
-  bool runNested(const RunStep& step, const QuindleDocument& doc,
-                 const std::map<std::string, std::string>& args,
-                 const std::map<std::string, QuindleValue>& lets, bool preview, QuindleRunResult& result,
-                 Diag& diag);
-  bool resolveNested(const RunStep& step, const QuindleDocument& doc, QuindleDocument& nested,
-                     Diag& diag) const;
-  bool mayNest(const QuindleDocument& doc, const QuindleDocument& nested, Diag& diag) const;
-  std::string makeBrush(Diag& diag);
+  QUINDLE_PRIVATE std::shared_ptr<const Program> programFor(const QuindleDocument& doc,
+                                                            QuindleRunResult& result, Diag& diag);
+  QUINDLE_PRIVATE bool applyBindings(const QuindleDocument& doc, const Program& program,
+                                     const std::map<std::string, std::string>& args, Diag& diag);
+  QUINDLE_PRIVATE bool runNested(const RunStep& step, const QuindleDocument& doc,
+                                 const std::map<std::string, std::string>& args,
+                                 const std::map<std::string, QuindleValue>& lets, bool preview,
+                                 QuindleRunResult& result, Diag& diag);
+  QUINDLE_PRIVATE bool resolveNested(const RunStep& step, const QuindleDocument& doc, QuindleDocument& nested,
+                                     Diag& diag) const;
+  QUINDLE_PRIVATE bool mayNest(const QuindleDocument& doc, const QuindleDocument& nested, Diag& diag) const;
+  QUINDLE_PRIVATE std::string makeBrush(Diag& diag);
 
   QuindleOps& ops;
   /// Shared, since a run walks a program that a run nested in it may replace.
