@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <limits>
+#include <ranges>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -129,7 +130,7 @@ void QuindleLibrary::hideBehind(std::size_t earlier, Diag& diag) {
     if (!hidden) kept.push_back(std::move(entry));
     entries_.pop_back();
   }
-  for (auto entry = kept.rbegin(); entry != kept.rend(); ++entry) put(std::move(*entry));
+  for (QuindleLibraryEntry& entry : std::ranges::reverse_view(kept)) put(std::move(entry));
 }
 
 void QuindleLibrary::noteName(std::size_t index) {

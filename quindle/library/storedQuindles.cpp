@@ -45,15 +45,23 @@ bool removeFile(const std::string& path, Diag& diag) {
   return false;
 }
 
+/// Removes the file of the entry if it lies in the user's directory.
+bool removeOwn(const std::string& directory, const QuindleLibraryEntry& entry, Diag& diag) {
+  if (isOwnQuindle(directory, entry.path)) return removeFile(entry.path, diag);
+  diag.error("\"" + displayName(entry) + "\" is not yours to delete: it is part of the installation, at \"" +
+             entry.path +
+             "\". Switch it off instead, or duplicate it under a name of your own and change that.");
+  return false;
+}
+
 } // namespace
 
 bool readQuindle(const std::vector<std::string>& searchPath, const std::string& name, std::string& text,
                  QuindleDocument& document, Diag& diag) {
-  const std::string wanted = name; // the name may be the document's own
-  text.clear();
-  document = {};
   const QuindleLibrary library = scanned(searchPath);
-  const QuindleLibraryEntry* const entry = lookUp(library, wanted, diag);
+  const QuindleLibraryEntry* const entry = lookUp(library, name, diag);
+  text.clear(); // only now, since the name may be the document's own
+  document = {};
   if (entry == nullptr) return false;
   if (!readTextFile(entry->path, text)) {
     diag.error("Cannot read \"" + entry->path + "\".");
@@ -90,22 +98,12 @@ bool saveQuindle(const std::string& directory, const std::string& text, QuindleD
 
 bool deleteQuindle(const std::string& directory, const std::vector<std::string>& searchPath,
                    const std::string& name, std::string& file, bool& revealed, Diag& diag) {
-  const std::string wanted = name; // the name may be the text of `file`
-  file.clear();
-  revealed = false;
   const QuindleLibrary library = scanned(searchPath);
-  const QuindleLibraryEntry* const entry = lookUp(library, wanted, diag);
-  if (entry == nullptr) return false;
-  file = entry->path;
-  if (!isOwnQuindle(directory, file)) {
-    diag.error("\"" + displayName(*entry) +
-               "\" is not yours to delete: it is part of the installation, at \"" + file +
-               "\". Switch it off instead, or duplicate it under a name of your own and change that.");
-    return false;
-  }
-  if (!removeFile(file, diag)) return false;
-  revealed = findQuindleLoosely(scanned(searchPath), wanted) != nullptr;
-  return true;
+  const QuindleLibraryEntry* const entry = lookUp(library, name, diag);
+  const bool removed = entry != nullptr && removeOwn(directory, *entry, diag);
+  revealed = removed && findQuindleLoosely(scanned(searchPath), name) != nullptr;
+  file = entry == nullptr ? std::string() : entry->path; // last, since the name may be its text
+  return removed;
 }
 
 } // namespace Zamt
