@@ -95,10 +95,11 @@ public:
     const Object* const feeder = source.empty() ? nullptr : find(source, diag);
     if (!reader || (!feeder && !source.empty())) return false;
     const auto input = inputs.find(slot);
-    const bool fits = input != inputs.end() && (!feeder || feeder->publishes == input->second);
-    // Filters read only what is older than they are, so no chain of them can run in a circle.
-    if (!fits || (input->second == "Brush" && feeder && feeder >= reader))
+    if (input == inputs.end() || (feeder && feeder->publishes != input->second))
       return refuse(object, "cannot have " + inQuotes(source) + " attached to its " + inQuotes(slot), diag);
+    // So that no chain of filters runs in a circle, and each can be worked out after those that it reads.
+    if (input->second == "Brush" && feeder && feeder >= reader)
+      return refuse(object, "reads only what was made before it, as " + inQuotes(source) + " was not", diag);
     reader->sources[slot] = source;
     return true;
   }
@@ -222,7 +223,7 @@ private:
 
   void select(Object& editor) {
     unselectAll(editor);
-    for (Object& object : objects) // in their order, since each reads those before it
+    for (Object& object : objects)
       if (object.publishes == "Brush") evaluate(object);
     editor.slots["problem"] = problemOf(editor);
     if (!editor.slots["problem"].empty()) return;
