@@ -232,11 +232,11 @@ TEST_F(Collection, TroubleInADirectoryIsNamedFileByFile) {
             "note: There is no Quindle in " + home.path(own).substr(0, home.path(own).size() - 1) + ", " +
                 home.path("share/quindles") + ". Keep one there with \"quindle save FILE\".\n");
   const std::string twin = "quindle \"Twin\" { description \"d\" on run { report \"1\" } }";
-  const std::string nestedBrackets(50'000'000, '(');
+  const std::string brackets(50'000'000, '(');
   writeOwn("a.quindle", "not one");
   writeOwn("b.quindle", "");
-  writeOwn("c.quindle", nestedBrackets);
-  writeOwn("d.quindle", "quindle \"Deep\" { on run { select " + nestedBrackets);
+  writeOwn("c.quindle", brackets);
+  writeOwn("d.quindle", "quindle \"Deep\" { on run { select " + brackets.substr(0, 5'000'000));
   writeOwn("e.quindle", "quindle \"\xff\xfe\x1b[2J\" { description \"\xc3\" on run { report \"\x80\" } }");
   writeOwn("f.quindle", "quindle \"Windows\" {\r\n description \"d\"\r\n on run { report \"x\" }\r\n}\r\n");
   writeOwn("g.quindle", twin);
