@@ -387,11 +387,13 @@ public:
     const std::string key = normalizedShortcut(pressed); // "ctrl+1" is "Ctrl+1"
     std::cout << "\n" << (preview ? "Preview " : "Press ") << key << "\n";
     const auto bound = keys.find(key);
-    if (bound == keys.end()) {
-      std::cout << "  There is no Quindle on this key.\n";
+    const QuindleLibraryEntry* const entry = bound == keys.end() ? nullptr : library.find(bound->second);
+    // A name finds the first file that bears it, which need not be one that can run.
+    if (!entry || !entry->usable) {
+      std::cout << "  There is no Quindle to run on this key.\n";
       return;
     }
-    const QuindleDocument& document = library.find(bound->second)->document;
+    const QuindleDocument& document = entry->document;
     Diag diag;
     QuindleRunResult result;
     runtime.run(document, suppliedValues(document), preview, result, diag);
