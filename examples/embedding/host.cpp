@@ -429,8 +429,8 @@ int main(int argc, char** argv) {
   Strings keys{"--preview", "Ctrl+1", "Ctrl+1", "Ctrl+1", "Ctrl+3", "Ctrl+4", "Ctrl+5"};
   if (words.size() > 1) keys.assign(words.begin() + 1, words.end());
 
-  PointScene scene({0.1, 0.0, -3.2, 0.2, 1.4, 6.1, 6.4, 6.2, 3.1, 0.3, 2.2, 7.5},
-                   {2, 2, 2, 2, 1, 1, 1, 2, 1, 2, 5, 5},
+  PointScene scene({0.1, 0.0, -3.2, 0.2, 1.4, 6.1, 6.4, 6.2, 3.1, 9.4, 2.2, 7.5},
+                   {2, 2, 2, 2, 1, 1, 1, 2, 1, 6, 5, 5},
                    {{1, "Unclassified"}, {2, "Ground"}, {5, "Vegetation"}, {6, "Building"}});
   std::cout << "Points, of the classes 1 Unclassified, 2 Ground, 5 Vegetation and 6 Building\n";
   scene.draw();
