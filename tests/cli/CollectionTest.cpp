@@ -134,6 +134,9 @@ TEST_F(Collection, NothingIsSavedOverAnotherQuindleOrWithFaults) {
   EXPECT_EQ(refusal({"save", "-"}, "quindle \"A b\" { description \"d\" on run { run \"A b\"() } }"),
             "<stdin>:1: error: This Quindle runs itself, which would never stop.\n");
   EXPECT_EQ(readFile(path), text);
+  EXPECT_EQ(printed({"save", "-"}, text), "\"A b\" is saved as " + path + ", in place of the one before\n");
+  writeOwn("0.quindle", text);
+  EXPECT_THAT(run({"save", "-"}, text).err, HasSubstr("0.quindle has the same name and comes first."));
   EXPECT_THAT(refusal({"fmt", "--write", "x/A b"}), HasSubstr("x/A b: error: This can't be opened"));
 }
 
@@ -195,6 +198,19 @@ TEST_F(Collection, QuindlesRunOneAnother) {
       run({"run", "Survey lake", "lake.las", "-o", "both.las", "--set", "water=lake-water.ply"}).exitCode, 0);
   EXPECT_EQ(readFile(home.path("both.las")), readFile(home.path("two.las")));
   EXPECT_NE(readFile(home.path("both.las")), readFile(home.path("lake.las")));
+}
+
+TEST_F(Collection, LongClassNamesOfNestedQuindlesAreKnownAgain) {
+  ASSERT_EQ(run({"sample", "a.las", "--points", "1000"}).exitCode, 0);
+  const std::string head = "{ description \"d\" param cloud : Grid = active \"c\" on run { ";
+  writeOwn("inner.quindle",
+           "quindle \"Inner\" " + head +
+               "select class(\"Ground\") classify into \"Ground under the trees\" as 28 } }");
+  writeOwn("outer.quindle", "quindle \"Outer\" " + head + "run \"Inner\"(cloud: cloud) } }");
+  EXPECT_EQ(run({"run", "Outer", "a.las", "-o", "b.las"}).exitCode, 0);
+  const CommandResult again = run({"run", "Outer", "b.las", "-o", "c.las"});
+  EXPECT_EQ(again.exitCode, 0) << again.err;
+  EXPECT_EQ(readFile(home.path("b.las")), readFile(home.path("c.las")));
 }
 
 TEST_F(Collection, RunsThatCannotEndAreRefused) {
