@@ -85,7 +85,7 @@ public:
   bool press(const std::string& name, const std::map<std::string, std::string>& args,
              QuindleRunResult& result, Diag& diag) {
     const QuindleLibraryEntry* const entry = library.find(name);
-    return entry && runtime.run(entry->document, args, false, result, diag);
+    return entry && entry->usable && runtime.run(entry->document, args, false, result, diag);
   }
 
 private:
