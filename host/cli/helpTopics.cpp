@@ -22,9 +22,10 @@ See which Quindles there are, what one needs and what it will do.
 Preview before you run: the counts are exact, and nothing is written. Then
 run, into a new file.
 
-  quindle preview "Underwater ground" lake.las --set water=lake-water.ply
-  quindle run "Underwater ground" lake.las --set water=lake-water.ply \
-      -o out.las
+  quindle preview "Underwater ground" lake.las \
+      --set water=lake-water.ply
+  quindle run "Underwater ground" lake.las \
+      --set water=lake-water.ply -o out.las
 
 Write one yourself: start from the text of another, check it, and keep it in
 the collection under the name that it gives itself.
@@ -90,14 +91,15 @@ all heights, and what lies on its line is inside.
   quindle preview "Isolated noise" lake.las \
       --region "512000 5403000 512100 5403080"
   quindle preview "Isolated noise" lake.las \
-      --region "POLYGON ((512000 5403000, 512100 5403000, 512050 5403080))"
+    --region "POLYGON ((512000 5403000, 512100 5403000, 512050 5403080))"
 
 --region takes a file as well, written @FILE, with any of these in it. --set
 does not: have the shell read it.
 
   echo "512000 5403000 512100 5403080" > field.txt
   quindle preview "Isolated noise" lake.las --region @field.txt
-  quindle preview "Restore class" lake.las --set region="$(cat field.txt)"
+  quindle preview "Restore class" lake.las --set from=Ground \
+      --set region="$(cat field.txt)"
 
 A Quindle changes points only in the region of --region, or in the whole cloud
 without one. A parameter of the type Region or Brush takes that region if it
@@ -126,9 +128,11 @@ parameters. The types:
 Quote values that hold blanks. Paths are those of the shell that you write in,
 not of the file of the Quindle.
 
-  quindle preview "Isolated noise" lake.las --set radius=3 --set company=2
+  quindle preview "Isolated noise" lake.las \
+      --set radius=3 --set company=2
   quindle preview "Over water" lake.las --set water=lake-water.ply
-  quindle preview "Impossible heights" lake.las --set impossible="z > 450"
+  quindle preview "Impossible heights" lake.las \
+      --set impossible="z > 450"
   quindle preview "Restore class" lake.las --set from="Ground, 9" \
       --region "512000 5403000 512100 5403080"
 

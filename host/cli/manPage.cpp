@@ -113,7 +113,7 @@ std::string rootOptions(const CLI::App& app) {
 } // namespace
 
 std::string manPage(const CLI::App& app) {
-  const std::string name = app.get_name();
+  const std::string& name = app.get_name();
   std::string out = fmt::format(".TH QUINDLE 1 \"\" \"{}\" \"User Commands\"\n", escaped(app.version()));
   out += fmt::format(".SH NAME\n{} \\- edit point clouds with small programs\n", name);
   out += fmt::format(".SH SYNOPSIS\n{}\n", bold(synopsisOf(app, name)));
