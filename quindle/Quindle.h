@@ -1,6 +1,8 @@
 #pragma once
 
+/// @file
 /// Everything that a host of Quindles includes.
+
 #include "quindle/check/checkQuindle.h"
 #include "quindle/core/Diag.h"
 #include "quindle/core/QuindleDocument.h"
@@ -17,5 +19,6 @@
 #include "quindle/reference/explainQuindle.h"
 #include "quindle/runtime/QuindleOps.h"
 #include "quindle/runtime/QuindleRuntime.h"
+#include "quindle/scene/TolvenQuindleOps.h"
 #include "quindle/text/parseQuindle.h"
 #include "quindle/text/writeQuindle.h"

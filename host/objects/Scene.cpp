@@ -33,10 +33,14 @@ std::string parameterNames(const QuindleDocument& document) {
   return names.empty() ? "no parameters" : names;
 }
 
+bool isNumber(const std::string& text, double& value) {
+  return VValueTrait<double>::setValueFromText(value, text);
+}
+
 /// Whether `text` is a number outside the range that the parameter was declared with.
 bool outsideRange(const QuindleParam& param, const std::string& text) {
   double value = 0;
-  if (!VValueTrait<double>::setValueFromText(value, text)) return false;
+  if (!isNumber(text, value)) return false;
   const auto beyond = [&](const QuindleValue& bound, bool below) {
     return bound.kind == QuindleValue::Kind::Number &&
            (below ? value < bound.numberValue : value > bound.numberValue);
@@ -102,7 +106,7 @@ bool Scene::openCloud(const std::string& path, const QuindleDocument& document, 
     return false;
   }
   open->everything = VManagedObject::find<VObject>(brush_);
-  restoreClassNames(document, *open);
+  restoreClassNames(document, runtime_->resolver, *open);
   if (!(open->labels == compiledFor_)) forgetCompiled();
   compiledFor_ = open->labels;
   return true;
@@ -133,6 +137,8 @@ bool Scene::checkValues(const QuindleDocument& document, const std::map<std::str
       diag.error(fmt::format("\"{}\" has no parameter called \"{}\". It takes: {}.", document.name, name,
                              parameterNames(document)),
                  document.name);
+    else if (double number = 0; param->type == "Number" && !isNumber(value, number))
+      diag.error(fmt::format("\"{}\" takes a number, and \"{}\" is none.", name, value), document.name);
     else if (outsideRange(*param, value))
       diag.error(fmt::format("\"{}\" is {}, outside its range from {} to {}.", name, value,
                              param->minimum.toSource(), param->maximum.toSource()),

@@ -38,9 +38,10 @@ void collectFromExpr(const QuindleExpr& root, std::set<std::string>& texts) {
       });
 }
 
-/// Every text of the steps that is too long for a file, and so may be the whole of a name cut short in one.
-std::set<std::string> longTexts(const QuindleDocument& document) {
-  std::set<std::string> texts;
+/// Every text of the steps that is too long for a file, and so may be the whole of a name cut short in one,
+/// and the names of the Quindles that they run.
+void collectFromSteps(const QuindleDocument& document, std::set<std::string>& texts,
+                      std::vector<std::string>& runs) {
   std::vector<const QuindleStep*> pending;
   for (const QuindleTrigger& trigger : document.triggers)
     for (const QuindleStep& step : trigger.steps) pending.push_back(&step);
@@ -48,17 +49,33 @@ std::set<std::string> longTexts(const QuindleDocument& document) {
     const QuindleStep& step = *pending.back();
     pending.pop_back();
     if (step.kind == QuindleStep::Kind::Classify) collectFromExpr(step.value, texts);
+    if (step.kind == QuindleStep::Kind::Run) runs.push_back(step.name);
     collectFromExpr(step.condition, texts);
     for (const std::vector<QuindleStep>* list : {&step.body, &step.elseBody})
       for (const QuindleStep& inner : *list) pending.push_back(&inner);
+  }
+}
+
+/// The long texts of a Quindle and of all that it runs, each looked at once.
+std::set<std::string> longTexts(const QuindleDocument& document, const QuindleResolver& resolver) {
+  std::set<std::string> texts;
+  std::set<std::string> seen{document.name};
+  std::vector<std::string> waiting;
+  collectFromSteps(document, texts, waiting);
+  while (resolver && !waiting.empty()) {
+    const std::string name = std::move(waiting.back());
+    waiting.pop_back();
+    QuindleDocument nested;
+    std::string why;
+    if (seen.insert(name).second && resolver(name, nested, why)) collectFromSteps(nested, texts, waiting);
   }
   return texts;
 }
 
 } // namespace
 
-void restoreClassNames(const QuindleDocument& document, Grid& grid) {
-  for (const std::string& whole : longTexts(document))
+void restoreClassNames(const QuindleDocument& document, const QuindleResolver& resolver, Grid& grid) {
+  for (const std::string& whole : longTexts(document, resolver))
     for (auto& [number, label] : grid.labels.labels)
       if (label.name == storedName(whole)) label.name = whole;
 }

@@ -29,6 +29,8 @@ std::uint64_t mix(std::uint64_t value) {
 /// 53 bits to [0, 1).
 double toUnit(std::uint64_t bits) { return static_cast<double>(bits >> 11) * 0x1p-53; }
 
+/// Compilers differ in which operand or argument they work out first, so no expression draws twice: the scene
+/// has to be the same whoever built the program.
 class Random {
 public:
   explicit Random(std::uint64_t seed) : state(seed) {}
@@ -42,7 +44,8 @@ public:
 
   /// Bell-shaped with about this deviation, never more than 3.5 times of it away.
   double around(double mean, double deviation) {
-    const double sum = unit() + unit() + unit() + unit();
+    double sum = 0;
+    for (int i = 0; i < 4; ++i) sum += unit();
     return mean + (sum - 2) * 1.732 * deviation;
   }
 
@@ -212,8 +215,8 @@ private:
     const double x = random.between(0, sampleSize[0]);
     const double y = random.between(0, sampleSize[1]);
     const double off = random.chance(0.6) ? random.between(30, 120) : -random.between(8, 40);
-    return make(x, y, groundAt(x, y) + off, random.direction(), random.chance(0.5) ? Unclassified : Ground, 6,
-                3);
+    const std::uint8_t classNumber = random.chance(0.5) ? Unclassified : Ground;
+    return make(x, y, groundAt(x, y) + off, random.direction(), classNumber, 6, 3);
   }
 
   SamplePoint wall() {
@@ -235,7 +238,8 @@ private:
   SamplePoint treeCrown() {
     const Tree& tree = trees[static_cast<std::size_t>(random.unit() * treeCount)];
     const std::array<double, 3> out = random.direction();
-    const double depth = 1 - 0.5 * random.unit() * random.unit();
+    const double inward = 0.5 * random.unit();
+    const double depth = 1 - inward * random.unit();
     const double halfHeight = tree.height * 0.38;
     const double x = tree.x + out[0] * tree.radius * depth;
     const double y = tree.y + out[1] * tree.radius * depth;

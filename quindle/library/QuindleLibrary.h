@@ -65,11 +65,11 @@ public:
   QuindleResolver resolver() const;
 
 private:
-  void put(QuindleLibraryEntry&& entry);
-  void hideBehind(std::size_t earlier, Diag& diag);
-  void noteName(std::size_t index);
-  void forgetName(std::size_t index);
-  std::size_t firstOf(const std::string& name) const;
+  QUINDLE_PRIVATE void put(QuindleLibraryEntry&& entry);
+  QUINDLE_PRIVATE void hideBehind(std::size_t earlier, Diag& diag);
+  QUINDLE_PRIVATE void noteName(std::size_t index);
+  QUINDLE_PRIVATE void forgetName(std::size_t index);
+  QUINDLE_PRIVATE std::size_t firstOf(const std::string& name) const;
 
   std::vector<QuindleLibraryEntry> entries_;
   std::unordered_map<std::string, std::size_t> byPath_;      ///< Where in `entries_` a path stands.

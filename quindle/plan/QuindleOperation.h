@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+/// @file
 /// The fixed vocabulary of conditions that a "select" can name. The catalogue is made on first use, never
 /// changes, and may be read from any thread; pointers into it stay valid for the life of the process.
 namespace Zamt {

@@ -17,25 +17,29 @@ namespace Zamt {
 /// and no Or in an Or, the children of every And stand in order of cost, and every condition has as many
 /// arguments as its operation has parameters. Plans nest without limit; nothing here recurses.
 struct QUINDLE_API QuindlePlanNode {
+  /// What the node is, and which fields it uses.
   enum class Kind : std::int32_t {
     Condition = 0, ///< `operation`, `negated`, `arguments`.
     And = 1,       ///< `children`, cheapest first.
     Or = 2         ///< `children`, as written.
   };
 
-  Kind kind = Kind::Condition;
+  Kind kind = Kind::Condition;                 ///< Which of the fields below count.
   const QuindleOperation* operation = nullptr; ///< Points into the catalogue; null on And and Or.
   bool negated = false;                        ///< The condition's result is inverted.
   std::vector<QuindleExpr> arguments;          ///< One for each parameter of `operation`, in that order.
-  std::vector<QuindlePlanNode> children;
-  std::int32_t line = 0; ///< Of the expression that the node came from.
+  std::vector<QuindlePlanNode> children;       ///< Of an And or an Or.
+  std::int32_t line = 0;                       ///< Of the expression that the node came from.
 
+  /// A copy is deep. None of these recurses, however deep the nesting.
+  /// @{
   QuindlePlanNode() = default;
   QuindlePlanNode(const QuindlePlanNode& other);
   QuindlePlanNode(QuindlePlanNode&& other) noexcept = default;
   QuindlePlanNode& operator=(const QuindlePlanNode& other);
   QuindlePlanNode& operator=(QuindlePlanNode&& other) noexcept;
   ~QuindlePlanNode();
+  /// @}
 
   /// A condition costs what its operation does. An And counts as cheap as its cheapest member, which runs
   /// first; an Or as dear as its dearest branch. 0 where there is nothing to cost.

@@ -13,8 +13,8 @@ namespace Zamt {
 
 /// A slot that gets the value of a parameter each time the Quindle runs.
 struct QUINDLE_API QuindleBinding {
-  std::string object; ///< The name that the scene gave the object.
-  std::string slot;
+  std::string object;   ///< The name that the scene gave the object.
+  std::string slot;     ///< The input of that object.
   std::string param;    ///< The name of the parameter that supplies the value.
   bool connect = false; ///< The value is the name of an object to attach, not a text to write.
 };

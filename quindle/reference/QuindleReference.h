@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+/// @file
 /// The manual that the library carries: what a Quindle is and how to write one, in plain text for people and
 /// for assistants. It is made on first use, never changes, and may be read from any thread.
 namespace Zamt {

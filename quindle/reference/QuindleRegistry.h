@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+/// @file
 /// What a Quindle can name at this moment: the conditions, the creators that the application has loaded, and
 /// the actions of the objects that are in the scene. Nothing is kept: each call looks at the object graph
 /// anew, on the thread that owns it.
@@ -18,21 +19,21 @@ namespace Zamt {
 
 /// One action of one object.
 struct QUINDLE_API QuindleAction {
-  std::string object;
+  std::string object;  ///< The object's name in the scene.
   std::string action;  ///< The input slot, whose name is also the label of the button beside it.
   std::string creator; ///< What made the object; empty if nothing did or if it is gone.
-  std::string help;
+  std::string help;    ///< A line on what it does; may be empty.
 };
 
 /// One word that a Quindle can use.
 struct QUINDLE_API QuindleRegistryItem {
-  std::string name; ///< What it is looked up by: a keyword, "Category/Identifier" or "object.action".
-  std::string category;
-  std::string summary;
-  std::string description;
-  std::string completion; ///< What to type where that is not `name`; only of actions.
-  int kind = 0;           ///< 0 a condition, 1 a creator, 2 an action.
-  std::string maturity;   ///< Of a creator: "mature", "beta", "experimental" or "unfinished".
+  std::string name;        ///< What it is looked up by: a keyword, "Category/Identifier" or "object.action".
+  std::string category;    ///< The group that lists show it under.
+  std::string summary;     ///< One sentence.
+  std::string description; ///< Paragraphs; may be empty.
+  std::string completion;  ///< What to type where that is not `name`; only of actions.
+  int kind = 0;            ///< 0 a condition, 1 a creator, 2 an action.
+  std::string maturity;    ///< Of a creator: "mature", "beta", "experimental" or "unfinished".
 };
 
 /// The category of all actions: "Actions in this scene".

@@ -4,13 +4,13 @@ namespace Zamt {
 
 namespace {
 
-const std::string brushKind = "Brush";
-const std::string madeBrushName = "QuindleBrush";
-const std::string madeBrushCreator = "Compute/BrushFromScreenPoints";
-const std::string drawingKind = "PointDataChunk";
+constexpr const char* brushKind = "Brush";
+constexpr const char* madeBrushName = "QuindleBrush";
+constexpr const char* madeBrushCreator = "Compute/BrushFromScreenPoints";
+constexpr const char* drawingKind = "PointDataChunk";
 
 /// What the names of all objects begin with that Quindles make for themselves.
-const std::string ownPrefix = "Quindle_";
+constexpr const char* ownPrefix = "Quindle_";
 
 } // namespace
 

@@ -34,6 +34,7 @@ class QUINDLE_API QuindleRuntime {
 public:
   /// One thing that a run does. Nothing of an "if" is left in a program but the guards of its steps.
   struct QUINDLE_API RunStep {
+    /// What is done, and which fields say it.
     enum class Kind : std::int32_t {
       Fire = 0,   ///< `object`, `action`, `writes`, `counts`.
       Report = 1, ///< `text`.
@@ -41,13 +42,13 @@ public:
       Run = 3     ///< `name`, `args`, `argNames`.
     };
 
-    Kind kind = Kind::Fire;
-    std::string object; ///< The name that the scene gave the object.
-    std::string action;
-    std::string text; ///< The report line before its braces are filled in.
-    std::string name; ///< Of a Let, or of the Quindle that a Run runs.
-    QuindleExpr value;
-    std::vector<QuindleExpr> args;
+    Kind kind = Kind::Fire;            ///< Which of the fields below count.
+    std::string object;                ///< The name that the scene gave the object.
+    std::string action;                ///< Its action slot.
+    std::string text;                  ///< The report line before its braces are filled in.
+    std::string name;                  ///< Of a Let, or of the Quindle that a Run runs.
+    QuindleExpr value;                 ///< Of a Let.
+    std::vector<QuindleExpr> args;     ///< Of a Run, worked out where the step stands.
     std::vector<std::string> argNames; ///< Parallel to `args`.
     bool writes = false;               ///< The action changes data, so a preview skips it.
     bool counts = false;               ///< The action builds the selection whose counts a report reads.
@@ -56,10 +57,10 @@ public:
 
   /// What is left of a compiled Quindle: a thin list over objects that stand in the scene.
   struct QUINDLE_API Program {
-    std::uint32_t revision = 0; ///< Of the document when it was compiled.
-    std::vector<QuindleBinding> bindings;
-    std::vector<RunStep> steps;
-    std::string editorObject; ///< The editor of the last "classify into"; empty if there is none.
+    std::uint32_t revision = 0;           ///< Of the document when it was compiled.
+    std::vector<QuindleBinding> bindings; ///< What gets the parameters' values before the steps.
+    std::vector<RunStep> steps;           ///< In the order in which they run.
+    std::string editorObject;             ///< The editor of the last "classify into"; empty if there is none.
   };
 
   /// Keeps a reference to `ops`, which has to outlive the runtime.
@@ -125,20 +126,21 @@ public:
   void forgetPreviewDisplay(Diag& diag);
 
 private:
-  class ProgramCompiler;
-  class ProgramWalk;
+  class QUINDLE_PRIVATE ProgramCompiler;
+  class QUINDLE_PRIVATE ProgramWalk;
 
-  std::shared_ptr<const Program> programFor(const QuindleDocument& doc, QuindleRunResult& result, Diag& diag);
-  bool applyBindings(const QuindleDocument& doc, const Program& program,
-                     const std::map<std::string, std::string>& args, Diag& diag);
-  bool runNested(const RunStep& step, const QuindleDocument& doc,
-                 const std::map<std::string, std::string>& args,
-                 const std::map<std::string, QuindleValue>& lets, bool preview, QuindleRunResult& result,
-                 Diag& diag);
-  bool resolveNested(const RunStep& step, const QuindleDocument& doc, QuindleDocument& nested,
-                     Diag& diag) const;
-  bool mayNest(const QuindleDocument& doc, const QuindleDocument& nested, Diag& diag) const;
-  std::string makeBrush(Diag& diag);
+  QUINDLE_PRIVATE std::shared_ptr<const Program> programFor(const QuindleDocument& doc,
+                                                            QuindleRunResult& result, Diag& diag);
+  QUINDLE_PRIVATE bool applyBindings(const QuindleDocument& doc, const Program& program,
+                                     const std::map<std::string, std::string>& args, Diag& diag);
+  QUINDLE_PRIVATE bool runNested(const RunStep& step, const QuindleDocument& doc,
+                                 const std::map<std::string, std::string>& args,
+                                 const std::map<std::string, QuindleValue>& lets, bool preview,
+                                 QuindleRunResult& result, Diag& diag);
+  QUINDLE_PRIVATE bool resolveNested(const RunStep& step, const QuindleDocument& doc, QuindleDocument& nested,
+                                     Diag& diag) const;
+  QUINDLE_PRIVATE bool mayNest(const QuindleDocument& doc, const QuindleDocument& nested, Diag& diag) const;
+  QUINDLE_PRIVATE std::string makeBrush(Diag& diag);
 
   QuindleOps& ops;
   /// Shared, since a run walks a program that a run nested in it may replace.

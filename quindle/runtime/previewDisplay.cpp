@@ -8,10 +8,10 @@ namespace Zamt {
 
 namespace {
 
-const std::string maskName = "Quindle_PreviewMask";
-const std::string maskCreator = "Lattix/Field";
-const std::string defaultMaskField = "mask";
-const std::string displayPrefix = "Display/";
+constexpr const char* maskName = "Quindle_PreviewMask";
+constexpr const char* maskCreator = "Lattix/Field";
+constexpr const char* defaultMaskField = "mask";
+constexpr const char* displayPrefix = "Display/";
 
 /// The first parameter that names the data and has a value; empty if there is none.
 std::string dataOf(const QuindleDocument& doc, const std::map<std::string, std::string>& args) {

@@ -134,6 +134,9 @@ TEST_F(Collection, NothingIsSavedOverAnotherQuindleOrWithFaults) {
   EXPECT_EQ(refusal({"save", "-"}, "quindle \"A b\" { description \"d\" on run { run \"A b\"() } }"),
             "<stdin>:1: error: This Quindle runs itself, which would never stop.\n");
   EXPECT_EQ(readFile(path), text);
+  EXPECT_EQ(printed({"save", "-"}, text), "\"A b\" is saved as " + path + ", in place of the one before\n");
+  writeOwn("0.quindle", text);
+  EXPECT_THAT(run({"save", "-"}, text).err, HasSubstr("0.quindle has the same name and comes first."));
   EXPECT_THAT(refusal({"fmt", "--write", "x/A b"}), HasSubstr("x/A b: error: This can't be opened"));
 }
 
@@ -197,6 +200,19 @@ TEST_F(Collection, QuindlesRunOneAnother) {
   EXPECT_NE(readFile(home.path("both.las")), readFile(home.path("lake.las")));
 }
 
+TEST_F(Collection, LongClassNamesOfNestedQuindlesAreKnownAgain) {
+  ASSERT_EQ(run({"sample", "a.las", "--points", "1000"}).exitCode, 0);
+  const std::string head = "{ description \"d\" param cloud : Grid = active \"c\" on run { ";
+  writeOwn("inner.quindle",
+           "quindle \"Inner\" " + head +
+               "select class(\"Ground\") classify into \"Ground under the trees\" as 28 } }");
+  writeOwn("outer.quindle", "quindle \"Outer\" " + head + "run \"Inner\"(cloud: cloud) } }");
+  EXPECT_EQ(run({"run", "Outer", "a.las", "-o", "b.las"}).exitCode, 0);
+  const CommandResult again = run({"run", "Outer", "b.las", "-o", "c.las"});
+  EXPECT_EQ(again.exitCode, 0) << again.err;
+  EXPECT_EQ(readFile(home.path("b.las")), readFile(home.path("c.las")));
+}
+
 TEST_F(Collection, RunsThatCannotEndAreRefused) {
   ASSERT_EQ(run({"sample", "a.las", "--points", "100"}).exitCode, 0);
   const auto runs = [&](const std::string& name, const std::string& step) {
@@ -232,11 +248,11 @@ TEST_F(Collection, TroubleInADirectoryIsNamedFileByFile) {
             "note: There is no Quindle in " + home.path(own).substr(0, home.path(own).size() - 1) + ", " +
                 home.path("share/quindles") + ". Keep one there with \"quindle save FILE\".\n");
   const std::string twin = "quindle \"Twin\" { description \"d\" on run { report \"1\" } }";
-  const std::string nestedBrackets(50'000'000, '(');
+  const std::string brackets(50'000'000, '(');
   writeOwn("a.quindle", "not one");
   writeOwn("b.quindle", "");
-  writeOwn("c.quindle", nestedBrackets);
-  writeOwn("d.quindle", "quindle \"Deep\" { on run { select " + nestedBrackets);
+  writeOwn("c.quindle", brackets);
+  writeOwn("d.quindle", "quindle \"Deep\" { on run { select " + brackets.substr(0, 5'000'000));
   writeOwn("e.quindle", "quindle \"\xff\xfe\x1b[2J\" { description \"\xc3\" on run { report \"\x80\" } }");
   writeOwn("f.quindle", "quindle \"Windows\" {\r\n description \"d\"\r\n on run { report \"x\" }\r\n}\r\n");
   writeOwn("g.quindle", twin);

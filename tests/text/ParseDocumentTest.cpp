@@ -124,6 +124,20 @@ TEST(ParseDocument, ReadsExpressionsByPrecedence) {
   for (const auto& [text, dump] : cases) EXPECT_EQ(dumpExpr(parsedExpr(text)), dump) << text;
 }
 
+TEST(ParseDocument, ParenthesesInsideOneAnotherOnlyGroup) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"(((a or b)) and (((c))))", "(a or b) and c"},
+      {"((not a) and b)", "not a and b"},
+      {"((not ((a or b))) == (c))", "(not (a or b)) == c"},
+      {"((a) < ((b)))", "a < b"},
+      {"(((a < b)) == c)", "(a < b) == c"},
+      {"f(((a)), ((b or c) and d))", "f(a, (b or c) and d)"},
+      {"((a or b) or c)", "a or b or c"},
+      {"(((a) and b) or c) and d", "(a and b or c) and d"},
+  };
+  for (const auto& [text, plain] : cases) EXPECT_EQ(parsedExpr(text).toSource(), plain) << text;
+}
+
 TEST(ParseDocument, PlacesCommentsAmongTheSteps) {
   const std::pair<const char*, const char*> cases[] = {
       {"call a\n# c\ncall b", "Call@2:1 name=a\nComment@3:0 comment=<c>\nCall@4:1 name=b\n"},

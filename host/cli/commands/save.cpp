@@ -27,14 +27,27 @@ struct SaveOptions {
 struct Kept {
   QuindleDocument document; ///< Its `sourceFile` is where it went.
   std::string hides;        ///< The installed file of the same name; empty if there is none.
+  bool replaced = false;    ///< An older text of the user's was there.
   bool good = false;
 };
 
-/// The file that the collection gave for this name so far, unless it is the user's.
-std::string installedFile(const std::string& name) {
+/// What the name led to before.
+void lookBefore(const std::string& name, Kept& kept) {
   const QuindleLibrary library = scanCollection();
   const QuindleLibraryEntry* const entry = library.find(name);
-  return entry == nullptr || isOwn(*entry) ? std::string() : entry->path;
+  if (entry == nullptr) return;
+  if (!isOwn(*entry)) kept.hides = entry->path;
+  kept.replaced = entry->path == quindleFileName(userQuindleDirectory(), name);
+}
+
+/// Another file of the user's may bear the name too, under a file name of its own.
+void warnIfHidden(const QuindleDocument& document, Diag& diag) {
+  const QuindleLibrary library = scanCollection();
+  const QuindleLibraryEntry* const entry = library.find(document.name);
+  if (entry != nullptr && entry->path != document.sourceFile)
+    diag.warning(
+        fmt::format("{} has the same name and comes first. Delete that file to use this one.", entry->path),
+        document.sourceFile);
 }
 
 Kept keep(const std::string& file, Diag& diag) {
@@ -45,10 +58,13 @@ Kept keep(const std::string& file, Diag& diag) {
   if (!readQuindleSource(file, source, diag) || !parseQuindle(source.text, source.label, document, diag) ||
       !checkQuindle(document, diag) || !hasOwnPlace(document.name, diag))
     return kept;
-  kept.hides = installedFile(document.name);
+  lookBefore(document.name, kept);
   Diag failure;
   kept.good = saveQuindle(userQuindleDirectory(), source.text, kept.document, failure);
-  if (!kept.good) diag.absorb(failure);
+  if (kept.good)
+    warnIfHidden(kept.document, diag);
+  else
+    diag.absorb(failure);
   return kept;
 }
 
@@ -64,7 +80,8 @@ Exit save(const SaveOptions& options, Console& console) {
   }
   console.report(diag);
   if (kept.good)
-    console.printLine(fmt::format("\"{}\" is saved as {}", kept.document.name, kept.document.sourceFile));
+    console.printLine(fmt::format("\"{}\" is saved as {}{}", kept.document.name, kept.document.sourceFile,
+                                  kept.replaced ? ", in place of the one before" : ""));
   if (kept.good && !kept.hides.empty())
     console.printLine(fmt::format("It now stands in front of the installed one, {}", kept.hides));
   return kept.good ? Exit::Done : Exit::Failed;

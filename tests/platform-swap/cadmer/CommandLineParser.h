@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace Zamt {
+
+class CommandLineParser {
+public:
+  static std::vector<std::string> getDataDirs() { return {}; }
+};
+
+} // namespace Zamt

@@ -1,0 +1,7 @@
+#pragma once
+
+namespace Rethold {
+
+struct Intercube {};
+
+} // namespace Rethold

@@ -1,0 +1,7 @@
+#pragma once
+
+namespace Zamt {
+
+class ValuePool {};
+
+} // namespace Zamt
