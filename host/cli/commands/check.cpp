@@ -83,12 +83,12 @@ Exit check(const CheckOptions& options, Console& console) {
 void addCheckCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<CheckOptions>();
   CLI::App* verb =
-      app.add_subcommand("check", "Say what is wrong or doubtful in Quindles, all of it at once.");
-  verb->add_option("Q", options->quindles, quindlesHelp)->required();
+      app.add_subcommand("check", "Say what is wrong or doubtful in Quindles. All of it is told at once.");
+  verb->add_option("QUINDLE", options->quindles, quindlesHelp)->required();
   verb->add_flag(
       "--json", options->json,
       "Print JSON: \"quindles\" with file, name, ok, errors and warnings of each, and \"diagnostics\".");
-  verb->footer("Ends with 1 when there are errors. Example:\n  quindle check examples/*.quindle");
+  verb->footer("The exit code is 1 when there are errors.\nExample:\n  quindle check examples/*.quindle");
   verb->callback([options, &session] { session.exit = check(*options, session.console); });
 }
 

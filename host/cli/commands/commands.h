@@ -33,5 +33,6 @@ void addSampleCommand(CLI::App& app, Session& session);
 void addReferenceCommand(CLI::App& app, Session& session);
 void addConditionsCommand(CLI::App& app, Session& session);
 void addRegistryCommand(CLI::App& app, Session& session);
+void addHelpCommand(CLI::App& app, Session& session);
 
 } // namespace Zamt::Host

@@ -13,7 +13,7 @@ namespace Zamt::Host {
 void addDisableCommand(CLI::App& app, Session& session) {
   auto name = std::make_shared<std::string>();
   CLI::App* verb =
-      app.add_subcommand("disable", "Switch a Quindle off: it stays in the collection, but is not "
+      app.add_subcommand("disable", "Switch a Quindle off. It stays in the collection, but is not "
                                     "run and takes no keys.");
   verb->add_option("NAME", *name, "Its name; the case of letters does not matter.")->required();
   verb->footer(

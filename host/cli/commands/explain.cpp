@@ -39,9 +39,8 @@ Exit explain(const ExplainOptions& options, Console& console) {
 
 void addExplainCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<ExplainOptions>();
-  CLI::App* verb =
-      app.add_subcommand("explain", "Tell in plain words what a Quindle needs and what it will do.");
-  verb->add_option("Q", options->quindle, quindleHelp)->required();
+  CLI::App* verb = app.add_subcommand("explain", "Tell what a Quindle needs and does, in plain words.");
+  verb->add_option("QUINDLE", options->quindle, quindleHelp)->required();
   verb->add_flag("--json", options->json, "Print JSON: \"name\", \"text\" and \"diagnostics\".");
   verb->footer("Example:\n  quindle explain examples/underwater-ground.quindle");
   verb->callback([options, &session] { session.exit = explain(*options, session.console); });

@@ -195,9 +195,10 @@ Exit format(const FormatOptions& options, Console& console) {
 void addFmtCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<FormatOptions>();
   CLI::App* verb = app.add_subcommand("fmt", "Print Quindles in their canonical layout.");
-  verb->add_option("Q", options->quindles, quindlesHelp)->required();
-  CLI::Option* check = verb->add_flag(
-      "--check", options->check, "Print only the names of files that would change, and end with 1 if any.");
+  verb->add_option("QUINDLE", options->quindles, quindlesHelp)->required();
+  CLI::Option* check =
+      verb->add_flag("--check", options->check,
+                     "Print only the names of files that would change. The exit code is 1 if there are any.");
   CLI::Option* write =
       verb->add_flag("--write", options->write,
                      "Replace the files that change, and print their names. A file with a comment that can't "
@@ -210,7 +211,7 @@ void addFmtCommand(CLI::App& app, Session& session) {
   verb->add_flag("--json", options->json,
                  "Print JSON: \"quindles\" with file, name, ok, changed, written and, without --check and "
                  "--write, text of each, and \"diagnostics\".");
-  verb->footer("A file with errors is left as it is, and the command ends with 1.\n"
+  verb->footer("A file with errors is left as it is, and the exit code is 1.\n"
                "Example:\n  quindle fmt --check examples/*.quindle");
   verb->callback([options, &session] { session.exit = format(*options, session.console); });
 }

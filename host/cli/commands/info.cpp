@@ -124,15 +124,14 @@ Exit showInfo(const InfoOptions& options, Console& console) {
 
 void addInfoCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<InfoOptions>();
-  CLI::App* verb =
-      app.add_subcommand("info", "Show what clouds hold: fields with their ranges, classes with their "
-                                 "counts.");
-  verb->add_option("CLOUD", options->clouds, "The clouds, LAS files.")->required();
+  CLI::App* verb = app.add_subcommand(
+      "info", "Show what clouds hold. Fields come with their ranges, classes with their counts.");
+  verb->add_option("CLOUD", options->clouds, "The clouds: LAS files.")->required();
   verb->add_flag(
       "--json", options->json,
       "Print JSON: \"clouds\" with file, version, pointFormat, points, bounds (low, high), fields (name, "
       "type, components, low, high) and classes (number, name, points) of each, and \"diagnostics\".");
-  verb->footer("Example:\n  quindle info scene.las");
+  verb->footer("Example:\n  quindle info lake.las");
   verb->callback([options, &session] { session.exit = showInfo(*options, session.console); });
 }
 

@@ -83,11 +83,11 @@ Exit keys(const KeysOptions& options, bool asked, Console& console) {
 
 void addKeysCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<KeysOptions>();
-  CLI::App* verb =
-      app.add_subcommand("keys", "List the keys that Quindles ask for, with those that several ask "
-                                 "for marked, or say whether one is free.");
-  CLI::Option* free = verb->add_option("--free", options->combination,
-                                       "Say only whether this combination is free, and end with 1 if not.");
+  CLI::App* verb = app.add_subcommand(
+      "keys", "List the keys that Quindles ask for. Those that several ask for are marked.");
+  CLI::Option* free =
+      verb->add_option("--free", options->combination,
+                       "Say only whether this combination is free. The exit code is 1 if it is taken.");
   free->type_name("COMBINATION");
   verb->add_option("--for", options->name, "The Quindle that is to have it: what it holds itself is free.")
       ->type_name("NAME")

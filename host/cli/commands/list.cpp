@@ -77,7 +77,7 @@ Exit list(const ListOptions& options, Console& console) {
 void addListCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<ListOptions>();
   CLI::App* verb = app.add_subcommand(
-      "list", "List the Quindles of the collection: your own, and the installed ones that they do not hide.");
+      "list", "List the Quindles of the collection. These are your own, and the installed ones.");
   verb->add_option("--category", options->category, "List only those of this category.")
       ->type_name("CATEGORY");
   verb->add_flag("--json", options->json, entriesJsonHelp);

@@ -133,10 +133,9 @@ Exit plan(const PlanOptions& options, Console& console) {
 
 void addPlanCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<PlanOptions>();
-  CLI::App* verb =
-      app.add_subcommand("plan", "Show the conditions of each \"select\" in the order in which they are "
-                                 "worked out, with their costs.");
-  verb->add_option("Q", options->quindle, quindleHelp)->required();
+  CLI::App* verb = app.add_subcommand("plan", "Show the order in which conditions are worked out. They are "
+                                              "listed for each \"select\", with their costs.");
+  verb->add_option("QUINDLE", options->quindle, quindleHelp)->required();
   verb->add_flag(
       "--json", options->json,
       "Print JSON: \"name\", \"selects\" with line, ok and nodes (depth, kind, text, cost, costWord, line) "

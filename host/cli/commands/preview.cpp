@@ -26,11 +26,10 @@ Exit preview(const PreviewVerb& verb, Console& console) {
 
 void addPreviewCommand(CLI::App& app, Session& session) {
   auto own = std::make_shared<PreviewVerb>();
-  CLI::App* verb =
-      app.add_subcommand("preview", "Say what a Quindle would change in clouds, and write none.");
+  CLI::App* verb = app.add_subcommand("preview", "Say what a Quindle would change, and write nothing.");
   addRunOptions(*verb, own->options);
   verb->add_option("--picture", own->picture,
-                   "Draw the cloud, what would change in front, into this PNG file.")
+                   "Draw the cloud into this PNG file, with what would change in front. For one cloud only.")
       ->type_name("FILE.png");
   verb->footer("Example:\n  quindle preview examples/isolated-noise.quindle lake.las --set radius=3");
   verb->callback([own, &session] { session.exit = preview(*own, session.console); });

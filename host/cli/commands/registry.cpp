@@ -134,8 +134,8 @@ Exit showRegistry(const RegistryOptions& options, Console& console) {
 
 void addRegistryCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<RegistryOptions>();
-  CLI::App* verb = app.add_subcommand(
-      "registry", "List every word that a Quindle can name, by category, or show the page on one.");
+  CLI::App* verb = app.add_subcommand("registry", "List every word that a Quindle can name. They are listed "
+                                                  "by category; with a name, the page on it is shown.");
   verb->add_option("NAME", options->wanted, "A category, or the name of a condition, creator or action.")
       ->type_name("CATEGORY|NAME");
   verb->add_option("--cloud", options->cloud, "List the actions of the scene of this cloud too.")

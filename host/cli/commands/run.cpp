@@ -35,12 +35,11 @@ void addRunCommand(CLI::App& app, Session& session) {
   addRunOptions(*verb, own->options);
   CLI::Option* output =
       verb->add_option("-o,--output", own->output.output,
-                       "Where to write: a file, or a directory that exists, which several clouds need.")
+                       "Where to write: a file, or a directory that is there, which several clouds need.")
           ->type_name("OUT");
   verb->add_flag("--in-place", own->output.inPlace, "Write each cloud over itself.")->excludes(output);
-  verb->footer(
-      "A file is replaced whole or not at all. Example:\n  quindle run examples/underwater-ground.quindle "
-      "lake.las --set water=lake-water.ply -o out.las");
+  verb->footer("One of -o and --in-place is needed. A file is replaced whole or not at all.\n"
+               "Example:\n  quindle run examples/isolated-noise.quindle lake.las -o out.las");
   verb->callback([own, &session] { session.exit = run(*own, session.console); });
 }
 

@@ -37,21 +37,24 @@ bool readText(const std::string& path, std::string& text, std::string& problem) 
 } // namespace
 
 void addRunOptions(CLI::App& verb, RunOptions& options) {
-  verb.add_option("Q", options.quindle, quindleHelp)->required();
-  verb.add_option("CLOUD", options.clouds, "The clouds, LAS files; each is worked on by itself.")->required();
-  verb.add_option("--set", options.settings, "NAME=VALUE: the value of a parameter. May be given again.")
+  verb.add_option("QUINDLE", options.quindle, quindleHelp)->required();
+  verb.add_option("CLOUD", options.clouds, "The clouds: LAS files, each worked on by itself.")->required();
+  verb.add_option("--set", options.settings,
+                  "Give a parameter its value. May be written several times. See \"quindle help values\".")
       ->allow_extra_args(false)
       ->type_name("NAME=VALUE");
   verb.add_option(
           "--region", options.region,
-          "Where to work: a box of four or six numbers, a polygon as WKT or GeoJSON, or @FILE with one of "
-          "these in it.")
+          "Where points may change: a box of four or six numbers, a polygon as WKT or GeoJSON, or @FILE with "
+          "one of these in it. See \"quindle help regions\".")
       ->type_name("REGION");
   verb.add_option("--classes", options.classes,
                   "The only classes whose points may change: names or numbers, separated by commas.")
       ->type_name("CLASSES");
-  verb.add_option("--threads", options.threads, "How many threads to use.")
-      ->check(CLI::Range(1U, maxThreads))
+  verb.add_option("--threads", options.threads,
+                  fmt::format("How many threads to use, at most {}. As many as the machine has if left out.",
+                              maxThreads))
+      ->check(CLI::Range(1U, maxThreads).description(""))
       ->type_name("N");
   verb.add_flag(
       "--json", options.json,

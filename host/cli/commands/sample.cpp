@@ -92,20 +92,21 @@ Exit makeSample(const SampleOptions& options, Console& console) {
 void addSampleCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<SampleOptions>();
   CLI::App* verb =
-      app.add_subcommand("sample", "Make a scene to try Quindles on: a LAS file, and the surface of its "
-                                   "lake as PLY beside it. The same numbers give the same files.");
+      app.add_subcommand("sample", "Make a cloud to try Quindles on. The surface of its lake is written "
+                                   "beside it as PLY. The same numbers give the same files.");
   verb->add_option("OUT", options->output, "The LAS file to make.")->required();
-  verb->add_option("--points", options->points, "How many points.")
-      ->check(CLI::Range(std::uint64_t{1}, maxSamplePoints))
+  verb->add_option("--points", options->points,
+                   fmt::format("How many points, at most {}.", grouped(maxSamplePoints)))
+      ->check(CLI::Range(std::uint64_t{1}, maxSamplePoints).description(""))
       ->capture_default_str()
       ->type_name("N");
   verb->add_option("--seed", options->seed, "Another number, another scene.")
       ->capture_default_str()
-      ->type_name("S");
+      ->type_name("N");
   verb->add_flag("--force", options->force, "Replace files that are there already.");
   verb->add_flag("--json", options->json,
                  "Print JSON: \"cloud\", \"surface\", \"points\", \"seed\" and \"diagnostics\".");
-  verb->footer("Example:\n  quindle sample lake.las --points 1000000");
+  verb->footer("Example:\n  quindle sample lake.las --seed 2");
   verb->callback([options, &session] { session.exit = makeSample(*options, session.console); });
 }
 

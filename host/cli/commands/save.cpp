@@ -93,12 +93,12 @@ void addSaveCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<SaveOptions>();
   CLI::App* verb = app.add_subcommand(
       "save",
-      "Keep a Quindle in the collection, under the name inside it, in place of your own of that name.");
+      "Keep a Quindle in the collection. It goes by the name inside it, and replaces your own of that name.");
   verb->add_option("FILE", options->file, "The file that holds it, or - for standard input.")->required();
   verb->add_flag("--json", options->json,
                  "Print JSON: \"name\", \"path\", \"hides\" (the installed file of that name) and "
                  "\"diagnostics\".");
-  verb->footer("A Quindle with errors is not saved. Example:\n  quindle save my.quindle");
+  verb->footer("A Quindle with errors is not saved.\nExample:\n  quindle save my.quindle");
   verb->callback([options, &session] { session.exit = save(*options, session.console); });
 }
 

@@ -35,12 +35,12 @@ Exit search(const SearchOptions& options, Console& console) {
 
 void addSearchCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<SearchOptions>();
-  CLI::App* verb = app.add_subcommand(
-      "search", "List the Quindles that hold a text in their name, description, category or tags.");
+  CLI::App* verb = app.add_subcommand("search", "List the Quindles that hold a text. It is looked for in "
+                                                "their names, descriptions, categories and tags.");
   verb->add_option("TEXT", options->query, "What to look for; the case of letters does not matter.")
       ->required();
   verb->add_flag("--json", options->json, entriesJsonHelp);
-  verb->footer("Ends with 1 when nothing was found. Example:\n  quindle search water");
+  verb->footer("The exit code is 1 when nothing was found.\nExample:\n  quindle search water");
   verb->callback([options, &session] { session.exit = search(*options, session.console); });
 }
 

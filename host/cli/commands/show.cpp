@@ -45,7 +45,7 @@ void addShowCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<ShowOptions>();
   CLI::App* verb = app.add_subcommand("show", "Print the text of a Quindle of the collection.");
   verb->add_option("NAME", options->name, "Its name; the case of letters does not matter.")->required();
-  verb->add_flag("--path", options->path, "Print where its file is instead.");
+  verb->add_flag("--path", options->path, "Print the path of its file instead.");
   verb->add_flag("--json", options->json, "Print JSON: \"path\", \"text\" and \"diagnostics\".");
   verb->footer("Example:\n  quindle show \"Isolated noise\" > my.quindle");
   verb->callback([options, &session] { session.exit = show(*options, session.console); });
