@@ -8,14 +8,13 @@
 #include "quindle/text/parseQuindle.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <span>
 
 namespace Zamt::Host {
 
 namespace {
-
-const char* wordFor(bool enabled) { return enabled ? "on" : "off"; }
 
 /// Whether the text says what was wanted: the edit goes by lines, which not every layout suits.
 bool says(const std::string& text, const std::string& name, bool enabled) {
@@ -60,25 +59,62 @@ bool store(const QuindleLibraryEntry& entry, const std::string& text, std::strin
   return true;
 }
 
+/// What came of it.
+struct Switched {
+  std::string name;
+  std::string path;       ///< The user's file; empty if nothing was written.
+  std::string copiedFrom; ///< The installed file that it is a copy of.
+  bool wasSo = false;     ///< There was nothing to do.
+  bool good = false;
+};
+
+Switched switchInFile(const std::string& name, bool enabled, Diag& diag) {
+  const QuindleLibrary library = scanCollection();
+  Switched result;
+  const QuindleLibraryEntry* const entry = findInCollection(library, name, diag);
+  if (entry == nullptr) return result;
+  result.name = displayName(*entry);
+  result.wasSo = entry->usable && entry->document.enabled == enabled;
+  std::string text;
+  result.good =
+      result.wasSo || (editedText(*entry, enabled, text, diag) && store(*entry, text, result.path, diag));
+  if (!result.path.empty() && !isOwn(*entry)) result.copiedFrom = entry->path;
+  return result;
+}
+
+void print(const Switched& result, bool enabled, Console& console) {
+  if (!result.good) return;
+  if (!result.copiedFrom.empty())
+    console.printLine(fmt::format("{} is copied to {}", result.copiedFrom, result.path));
+  const char* const state = enabled ? "on" : "off";
+  console.printLine(result.wasSo ? fmt::format("\"{}\" is {} already", result.name, state)
+                                 : fmt::format("\"{}\" is switched {}", result.name, state));
+}
+
 } // namespace
 
-Exit switchQuindle(const std::string& name, bool enabled, Console& console) {
-  const QuindleLibrary library = scanCollection();
+void addSwitchOptions(CLI::App& verb, SwitchOptions& options) {
+  verb.add_option("NAME", options.name, "Its name; the case of letters does not matter.")->required();
+  verb.add_flag(
+      "--json", options.json,
+      "Print JSON: \"name\", \"path\" (the file that was written, empty if none was), \"copiedFrom\" (the "
+      "installed file), \"ok\" and \"diagnostics\".");
+}
+
+Exit switchQuindle(const SwitchOptions& options, bool enabled, Console& console) {
   Diag diag;
-  std::string text;
-  std::string path;
-  const QuindleLibraryEntry* const entry = findInCollection(library, name, diag);
-  if (entry != nullptr && entry->usable && entry->document.enabled == enabled) {
-    console.printLine(fmt::format("\"{}\" is {} already", displayName(*entry), wordFor(enabled)));
-    return Exit::Done;
+  const Switched result = switchInFile(options.name, enabled, diag);
+  if (options.json) {
+    console.printJson({{"name", result.name},
+                       {"path", result.path},
+                       {"copiedFrom", result.copiedFrom},
+                       {"ok", result.good},
+                       {"diagnostics", diagnosticsJson(diag)}});
+  } else {
+    console.report(diag);
+    print(result, enabled, console);
   }
-  const bool good =
-      entry != nullptr && editedText(*entry, enabled, text, diag) && store(*entry, text, path, diag);
-  console.report(diag);
-  if (!good) return Exit::Failed;
-  if (!isOwn(*entry)) console.printLine(fmt::format("{} is copied to {}", entry->path, path));
-  console.printLine(fmt::format("\"{}\" is switched {}", displayName(*entry), wordFor(enabled)));
-  return Exit::Done;
+  return result.good ? Exit::Done : Exit::Failed;
 }
 
 } // namespace Zamt::Host

@@ -195,7 +195,15 @@ bool Scene::supply(const QuindleParam& param, std::map<std::string, std::string>
     if (!written.empty()) return makeRegion(param, written, args[param.name], diag);
     if (!region_.empty()) args[param.name] = region_;
   }
-  if (param.type == "Grid" && written.empty()) args[param.name] = cloud_;
+  if (param.type == "Grid" && !written.empty()) {
+    diag.error(
+        fmt::format("\"{}\" takes a cloud, and there is none called \"{}\" here. Leave it out: it is the "
+                    "cloud that is being worked on.",
+                    param.name, written),
+        param.name);
+    return false;
+  }
+  if (param.type == "Grid") args[param.name] = cloud_;
   return true;
 }
 

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <limits>
-#include <ranges>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -130,7 +129,8 @@ void QuindleLibrary::hideBehind(std::size_t earlier, Diag& diag) {
     if (!hidden) kept.push_back(std::move(entry));
     entries_.pop_back();
   }
-  for (QuindleLibraryEntry& entry : std::ranges::reverse_view(kept)) put(std::move(entry));
+  std::reverse(kept.begin(), kept.end());
+  for (QuindleLibraryEntry& entry : kept) put(std::move(entry));
 }
 
 void QuindleLibrary::noteName(std::size_t index) {

@@ -80,6 +80,9 @@ TEST_F(Collection, AnInstalledQuindleIsEditedSwitchedOffAndComesBack) {
 
   EXPECT_EQ(printed({"disable", "isolated noise"}), "\"Isolated noise\" is switched off\n");
   EXPECT_EQ(printed({"disable", "isolated noise"}), "\"Isolated noise\" is off already\n");
+  EXPECT_EQ(nlohmann::json::parse(printed({"enable", "isolated noise", "--json"}), nullptr, false)["path"],
+            mine);
+  printed({"disable", "isolated noise"});
   ASSERT_EQ(run({"sample", "a.las", "--points", "100"}).exitCode, 0);
   EXPECT_THAT(run({"preview", "Isolated noise", "a.las"}).err,
               HasSubstr("warning: \"Isolated noise\" is switched off.\n"));

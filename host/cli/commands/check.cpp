@@ -6,8 +6,6 @@
 #include "quindle/text/parseQuindle.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -83,7 +81,7 @@ Exit check(const CheckOptions& options, Console& console) {
 void addCheckCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<CheckOptions>();
   CLI::App* verb =
-      app.add_subcommand("check", "Say what is wrong or doubtful in Quindles. All of it is told at once.");
+      addVerb(app, "check", "Say what is wrong or doubtful in Quindles. All of it is told at once.");
   verb->add_option("QUINDLE", options->quindles, quindlesHelp)->required();
   verb->add_flag(
       "--json", options->json,

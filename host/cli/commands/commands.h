@@ -4,6 +4,8 @@
 
 #include <CLI/App.hpp>
 
+#include <string>
+
 namespace Zamt::Host {
 
 /// What the verbs share: where to print, and how it ended.
@@ -11,6 +13,10 @@ struct Session {
   Console console;
   Exit exit = Exit::Done;
 };
+
+/// Adds a verb without options to `app`, which owns it. Not left to each verb, since making one compiles much
+/// of the command line's library.
+CLI::App* addVerb(CLI::App& app, const std::string& name, const std::string& description);
 
 /// Each adds one verb with its options to `app`. The verb runs when the command line is parsed, prints to
 /// `session.console` and leaves its end in `session.exit`; `session` must outlive `app`.

@@ -3,8 +3,6 @@
 #include "quindle/plan/QuindleOperation.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -63,9 +61,9 @@ Exit showConditions(const ConditionsOptions& options, Console& console) {
 
 void addConditionsCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<ConditionsOptions>();
-  CLI::App* verb = app.add_subcommand(
-      "conditions",
-      "List the conditions, or show the page on one. They are what a \"select\" can ask of points.");
+  CLI::App* verb =
+      addVerb(app, "conditions",
+              "List the conditions, or show the page on one. They are what a \"select\" can ask of points.");
   verb->add_option("NAME", options->name, "The condition to show.");
   verb->add_flag("--json", options->json,
                  "Print JSON: \"conditions\" with name, summary, description, cost, creator and arguments "

@@ -4,8 +4,6 @@
 #include "quindle/library/entryNames.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -55,8 +53,8 @@ Exit remove(const DeleteOptions& options, Console& console) {
 
 void addDeleteCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<DeleteOptions>();
-  CLI::App* verb = app.add_subcommand(
-      "delete", "Delete a Quindle of your own. An installed one of the same name comes back.");
+  CLI::App* verb =
+      addVerb(app, "delete", "Delete a Quindle of your own. An installed one of the same name comes back.");
   verb->add_option("NAME", options->name, "Its name; the case of letters does not matter.")->required();
   verb->add_flag("--json", options->json,
                  "Print JSON: \"deleted\" (its file), \"revealed\" (the file that goes by the name now) and "

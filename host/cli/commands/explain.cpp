@@ -4,8 +4,6 @@
 #include "quindle/reference/explainQuindle.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <nlohmann/json.hpp>
 
 #include <memory>
@@ -39,7 +37,7 @@ Exit explain(const ExplainOptions& options, Console& console) {
 
 void addExplainCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<ExplainOptions>();
-  CLI::App* verb = app.add_subcommand("explain", "Tell what a Quindle needs and does, in plain words.");
+  CLI::App* verb = addVerb(app, "explain", "Tell what a Quindle needs and does, in plain words.");
   verb->add_option("QUINDLE", options->quindle, quindleHelp)->required();
   verb->add_flag("--json", options->json, "Print JSON: \"name\", \"text\" and \"diagnostics\".");
   verb->footer("Example:\n  quindle explain examples/underwater-ground.quindle");

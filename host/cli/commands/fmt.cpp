@@ -10,8 +10,6 @@
 #include "quindle/text/writeQuindle.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -194,7 +192,7 @@ Exit format(const FormatOptions& options, Console& console) {
 
 void addFmtCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<FormatOptions>();
-  CLI::App* verb = app.add_subcommand("fmt", "Print Quindles in their canonical layout.");
+  CLI::App* verb = addVerb(app, "fmt", "Print Quindles in their canonical layout.");
   verb->add_option("QUINDLE", options->quindles, quindlesHelp)->required();
   CLI::Option* check =
       verb->add_flag("--check", options->check,

@@ -64,7 +64,7 @@ Exit showHelp(const CLI::App& app, const HelpOptions& options, Console& console)
 
 void addHelpCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<HelpOptions>();
-  CLI::App* verb = app.add_subcommand("help", "Show the commands and topics, or the page on one.");
+  CLI::App* verb = addVerb(app, "help", "Show the commands and topics, or the page on one.");
   verb->add_option("WORD", options->word, "A command or a topic.");
   // For the build, which makes the manual page with it.
   verb->add_flag("--man", options->man, "Print the manual page in roff.")->group("");

@@ -3,8 +3,6 @@
 #include "host/points/cloudInfo.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -124,8 +122,8 @@ Exit showInfo(const InfoOptions& options, Console& console) {
 
 void addInfoCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<InfoOptions>();
-  CLI::App* verb = app.add_subcommand(
-      "info", "Show what clouds hold. Fields come with their ranges, classes with their counts.");
+  CLI::App* verb = addVerb(
+      app, "info", "Show what clouds hold. Fields come with their ranges, classes with their counts.");
   verb->add_option("CLOUD", options->clouds, "The clouds: LAS files.")->required();
   verb->add_flag(
       "--json", options->json,

@@ -4,8 +4,6 @@
 #include "quindle/library/QuindleShortcuts.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <nlohmann/json.hpp>
@@ -35,21 +33,22 @@ KeyTable keyTable(const QuindleLibrary& library) {
 }
 
 Exit showTable(const KeysOptions& options, const KeyTable& table, Console& console) {
+  Diag diag;
+  if (table.empty())
+    diag.note("No Quindle asks for a key. One does with a line such as  shortcut \"Ctrl+Shift+G\".");
   if (options.json) {
     nlohmann::json keys = nlohmann::json::array();
     for (const auto& [key, names] : table)
       keys.push_back({{"key", key}, {"names", names}, {"conflict", names.size() > 1}});
-    console.printJson({{"keys", keys}});
+    console.printJson({{"keys", keys}, {"diagnostics", diagnosticsJson(diag)}});
     return Exit::Done;
   }
   std::vector<std::vector<std::string>> rows;
   for (const auto& [key, names] : table)
     rows.push_back({key, fmt::format("{}", fmt::join(names, ", ")),
                     names.size() > 1 ? "conflict: bound to none of them" : ""});
-  if (rows.empty())
-    console.note("No Quindle asks for a key. One does with a line such as  shortcut \"Ctrl+Shift+G\".");
-  else
-    printTable({"KEY", "QUINDLE", ""}, rows, console);
+  if (!rows.empty()) printTable({"KEY", "QUINDLE", ""}, rows, console);
+  console.report(diag);
   return Exit::Done;
 }
 
@@ -65,7 +64,7 @@ Exit answer(const KeysOptions& options, const QuindleLibrary& library, const Key
   const auto taken = table.find(key);
   const std::vector<std::string> names = taken == table.end() ? std::vector<std::string>() : taken->second;
   if (options.json)
-    console.printJson({{"key", key}, {"free", free}, {"names", names}});
+    console.printJson({{"key", key}, {"free", free}, {"names", names}, {"diagnostics", diagnosticsJson({})}});
   else if (free)
     console.printLine(key + " is free");
   else
@@ -83,8 +82,8 @@ Exit keys(const KeysOptions& options, bool asked, Console& console) {
 
 void addKeysCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<KeysOptions>();
-  CLI::App* verb = app.add_subcommand(
-      "keys", "List the keys that Quindles ask for. Those that several ask for are marked.");
+  CLI::App* verb =
+      addVerb(app, "keys", "List the keys that Quindles ask for. Those that several ask for are marked.");
   CLI::Option* free =
       verb->add_option("--free", options->combination,
                        "Say only whether this combination is free. The exit code is 1 if it is taken.");
@@ -94,7 +93,7 @@ void addKeysCommand(CLI::App& app, Session& session) {
       ->needs(free);
   verb->add_flag("--json", options->json,
                  "Print JSON: \"keys\" with key, names and conflict of each, or with --free key, free and "
-                 "names (of those that ask for it).");
+                 "names (of those that ask for it), and \"diagnostics\".");
   verb->footer("Example:\n  quindle keys --free Ctrl+Shift+G");
   verb->callback(
       [options, free, &session] { session.exit = keys(*options, free->count() > 0, session.console); });

@@ -4,8 +4,6 @@
 #include "quindle/library/QuindleFiles.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -76,8 +74,8 @@ Exit list(const ListOptions& options, Console& console) {
 
 void addListCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<ListOptions>();
-  CLI::App* verb = app.add_subcommand(
-      "list", "List the Quindles of the collection. These are your own, and the installed ones.");
+  CLI::App* verb = addVerb(
+      app, "list", "List the Quindles of the collection. These are your own, and the installed ones.");
   verb->add_option("--category", options->category, "List only those of this category.")
       ->type_name("CATEGORY");
   verb->add_flag("--json", options->json, entriesJsonHelp);

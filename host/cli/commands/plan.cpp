@@ -5,8 +5,6 @@
 #include "quindle/plan/conditionCosts.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -133,8 +131,9 @@ Exit plan(const PlanOptions& options, Console& console) {
 
 void addPlanCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<PlanOptions>();
-  CLI::App* verb = app.add_subcommand("plan", "Show the order in which conditions are worked out. They are "
-                                              "listed for each \"select\", with their costs.");
+  CLI::App* verb = addVerb(app, "plan",
+                           "Show the order in which conditions are worked out. They are "
+                           "listed for each \"select\", with their costs.");
   verb->add_option("QUINDLE", options->quindle, quindleHelp)->required();
   verb->add_flag(
       "--json", options->json,

@@ -1,9 +1,6 @@
 #include "host/cli/commands/commands.h"
 #include "host/cli/runClouds.h"
 
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <memory>
 
 namespace Zamt::Host {
@@ -26,7 +23,7 @@ Exit preview(const PreviewVerb& verb, Console& console) {
 
 void addPreviewCommand(CLI::App& app, Session& session) {
   auto own = std::make_shared<PreviewVerb>();
-  CLI::App* verb = app.add_subcommand("preview", "Say what a Quindle would change, and write nothing.");
+  CLI::App* verb = addVerb(app, "preview", "Say what a Quindle would change, and write nothing.");
   addRunOptions(*verb, own->options);
   verb->add_option("--picture", own->picture,
                    "Draw the cloud into this PNG file, with what would change in front. For one cloud only.")

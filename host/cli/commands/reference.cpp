@@ -4,8 +4,6 @@
 #include "quindle/reference/QuindleReference.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <nlohmann/json.hpp>
@@ -69,7 +67,7 @@ Exit showReference(const ReferenceOptions& options, Console& console) {
 
 void addReferenceCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<ReferenceOptions>();
-  CLI::App* verb = app.add_subcommand("reference", "Show the manual of the language, or a section of it.");
+  CLI::App* verb = addVerb(app, "reference", "Show the manual of the language, or a section of it.");
   CLI::Option* section = verb->add_option(
       "SECTION", options->section,
       fmt::format("The section to show: {}.", fmt::join(quindleReferenceSectionKeys(), ", ")));

@@ -5,8 +5,6 @@
 #include "quindle/reference/maturity.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <CLI/Validators.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -134,8 +132,9 @@ Exit showRegistry(const RegistryOptions& options, Console& console) {
 
 void addRegistryCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<RegistryOptions>();
-  CLI::App* verb = app.add_subcommand("registry", "List every word that a Quindle can name. They are listed "
-                                                  "by category; with a name, the page on it is shown.");
+  CLI::App* verb = addVerb(app, "registry",
+                           "List every word that a Quindle can name. They are listed "
+                           "by category; with a name, the page on it is shown.");
   verb->add_option("NAME", options->wanted, "A category, or the name of a condition, creator or action.")
       ->type_name("CATEGORY|NAME");
   verb->add_option("--cloud", options->cloud, "List the actions of the scene of this cloud too.")

@@ -2,9 +2,6 @@
 #include "host/cli/commands/commands.h"
 #include "host/cli/runClouds.h"
 
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <memory>
 
 namespace Zamt::Host {
@@ -31,7 +28,7 @@ Exit run(const RunVerb& verb, Console& console) {
 
 void addRunCommand(CLI::App& app, Session& session) {
   auto own = std::make_shared<RunVerb>();
-  CLI::App* verb = app.add_subcommand("run", "Run a Quindle on clouds and write them.");
+  CLI::App* verb = addVerb(app, "run", "Run a Quindle on clouds and write them.");
   addRunOptions(*verb, own->options);
   CLI::Option* output =
       verb->add_option("-o,--output", own->output.output,

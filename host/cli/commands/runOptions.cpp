@@ -6,9 +6,6 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <fstream>
 #include <iterator>
 

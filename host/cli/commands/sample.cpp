@@ -3,8 +3,6 @@
 #include "host/points/SampleFiles.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <CLI/Validators.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -91,9 +89,9 @@ Exit makeSample(const SampleOptions& options, Console& console) {
 
 void addSampleCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<SampleOptions>();
-  CLI::App* verb =
-      app.add_subcommand("sample", "Make a cloud to try Quindles on. The surface of its lake is written "
-                                   "beside it as PLY. The same numbers give the same files.");
+  CLI::App* verb = addVerb(app, "sample",
+                           "Make a cloud to try Quindles on. The surface of its lake is written "
+                           "beside it as PLY. The same numbers give the same files.");
   verb->add_option("OUT", options->output, "The LAS file to make.")->required();
   verb->add_option("--points", options->points,
                    fmt::format("How many points, at most {}.", grouped(maxSamplePoints)))

@@ -6,8 +6,6 @@
 #include "quindle/text/parseQuindle.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -91,8 +89,8 @@ Exit save(const SaveOptions& options, Console& console) {
 
 void addSaveCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<SaveOptions>();
-  CLI::App* verb = app.add_subcommand(
-      "save",
+  CLI::App* verb = addVerb(
+      app, "save",
       "Keep a Quindle in the collection. It goes by the name inside it, and replaces your own of that name.");
   verb->add_option("FILE", options->file, "The file that holds it, or - for standard input.")->required();
   verb->add_flag("--json", options->json,

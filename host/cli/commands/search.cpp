@@ -3,8 +3,6 @@
 #include "host/cli/entryTable.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 
 #include <memory>
@@ -35,8 +33,9 @@ Exit search(const SearchOptions& options, Console& console) {
 
 void addSearchCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<SearchOptions>();
-  CLI::App* verb = app.add_subcommand("search", "List the Quindles that hold a text. It is looked for in "
-                                                "their names, descriptions, categories and tags.");
+  CLI::App* verb = addVerb(app, "search",
+                           "List the Quindles that hold a text. It is looked for in "
+                           "their names, descriptions, categories and tags.");
   verb->add_option("TEXT", options->query, "What to look for; the case of letters does not matter.")
       ->required();
   verb->add_flag("--json", options->json, entriesJsonHelp);

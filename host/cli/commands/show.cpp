@@ -3,8 +3,6 @@
 #include "host/cli/commands/commands.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <nlohmann/json.hpp>
 
 #include <memory>
@@ -43,7 +41,7 @@ Exit show(const ShowOptions& options, Console& console) {
 
 void addShowCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<ShowOptions>();
-  CLI::App* verb = app.add_subcommand("show", "Print the text of a Quindle of the collection.");
+  CLI::App* verb = addVerb(app, "show", "Print the text of a Quindle of the collection.");
   verb->add_option("NAME", options->name, "Its name; the case of letters does not matter.")->required();
   verb->add_flag("--path", options->path, "Print the path of its file instead.");
   verb->add_flag("--json", options->json, "Print JSON: \"path\", \"text\" and \"diagnostics\".");
