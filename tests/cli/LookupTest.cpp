@@ -111,10 +111,16 @@ std::string pagedBy(const std::string& pager, const TemporaryDirectory& director
       quindle({"reference", "comments"}, {.directory = directory.path(), .outputFile = ::ptsname(terminal)});
   ::unsetenv("PAGER");
   std::array<char, 12> shown{};
-  const ssize_t got = ::read(terminal, shown.data(), shown.size());
+  std::size_t filled = 0;
+  // A terminal hands on in pieces; behind the last one, reading fails, since the other end is closed.
+  while (filled < shown.size()) {
+    const ssize_t got = ::read(terminal, shown.data() + filled, shown.size() - filled);
+    if (got <= 0) break;
+    filled += static_cast<std::size_t>(got);
+  }
   ::close(terminal);
   EXPECT_EQ(result.exitCode, 0);
-  return std::string(shown.data(), got > 0 ? static_cast<std::size_t>(got) : 0);
+  return std::string(shown.data(), filled);
 }
 
 TEST(Lookup, TheManualIsPagedOnATerminalOnly) {
