@@ -4,6 +4,7 @@
 #include "host/points/Interruption.h"
 
 #include <csignal>
+#include <string_view>
 #include <unistd.h>
 
 namespace Zamt::Host {
@@ -16,6 +17,16 @@ static void onInterrupt(int /*signal*/) {
   removeTemporaries();
   _exit(1);
 }
+
+/// A mapped file has lost its end to another program, and what was to be read is not there.
+static void onLostBytes(int /*signal*/) {
+  constexpr std::string_view sentence =
+      "error: A cloud became shorter while it was read, so nothing was written. Run this again when no other "
+      "program writes to the cloud.\n";
+  [[maybe_unused]] const ssize_t said = write(STDERR_FILENO, sentence.data(), sentence.size());
+  removeTemporaries();
+  _exit(1);
+}
 }
 
 void handleSignals() {
@@ -23,6 +34,8 @@ void handleSignals() {
   action.sa_handler = onInterrupt; // without SA_RESTART, so that a read that waits for input ends as well
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
+  action.sa_handler = onLostBytes;
+  sigaction(SIGBUS, &action, nullptr);
   std::signal(SIGPIPE, SIG_IGN);
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <set>
 #include <sstream>
+#include <thread>
 
 using namespace Zamt::Testing;
 
@@ -162,13 +163,34 @@ TEST_F(Run, EveryFailureIsOneSentenceAndLeavesNoFileBehind) {
   }
 }
 
-TEST_F(Run, AnInterruptInTheMiddleLeavesTheOldFileAndSaysOneSentence) {
-  std::string dear = "neighbours(100, 20000, 30000)"; // a second or more on any machine
+/// A Quindle that works for seconds on any machine.
+std::string slowQuindle() {
+  std::string dear = "neighbours(100, 20000, 30000)";
   for (int radius = 101; radius < 140; ++radius)
     dear += " or neighbours(" + std::to_string(radius) + ", 20000, 30000)";
-  const std::string script =
-      directory->write("slow.quindle", "quindle \"Slow\" { param cloud : Grid = active on run { select " +
-                                           dear + " classify into \"Water\" } }");
+  return "quindle \"Slow\" { param cloud : Grid = active on run { select " + dear +
+         " classify into \"Water\" } }";
+}
+
+TEST_F(Run, ACloudCutShortByAnotherProgramEndsInASentence) {
+  const std::string script = directory->write("slow.quindle", slowQuindle());
+  std::filesystem::copy_file(cloud(), path("cut.las"));
+  const std::set<std::string> before = namesIn(path(""));
+  std::thread other([this] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    std::filesystem::resize_file(path("cut.las"), 1000);
+  });
+  const CommandResult result = quindle({"run", script, path("cut.las"), "--in-place"});
+  other.join();
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err,
+            "error: A cloud became shorter while it was read, so nothing was written. Run this again when "
+            "no other program writes to the cloud.\n");
+  EXPECT_EQ(namesIn(path("")), before);
+}
+
+TEST_F(Run, AnInterruptInTheMiddleLeavesTheOldFileAndSaysOneSentence) {
+  const std::string script = directory->write("slow.quindle", slowQuindle());
   std::filesystem::copy_file(cloud(), path("kept.las"));
   const std::set<std::string> before = namesIn(path(""));
   const CommandResult result = quindle({"run", script, path("kept.las"), "--in-place"},
