@@ -16,3 +16,8 @@ quindle_install_pkgconfig(${CMAKE_CURRENT_LIST_DIR}/quindle.pc.in ${CMAKE_INSTAL
 
 file(GLOB examples CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/examples/*.quindle)
 install(FILES ${examples} DESTINATION ${CMAKE_INSTALL_DATADIR}/quindle/quindles)
+
+# The pages and the hosts to copy from, in the folders of the source tree, so that their links hold.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md"
+        PATTERN "*.h")
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/embedding DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
