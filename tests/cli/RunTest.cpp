@@ -176,9 +176,9 @@ TEST_F(Run, ACloudCutShortByAnotherProgramEndsInASentence) {
   const std::string script = directory->write("slow.quindle", slowQuindle());
   std::filesystem::copy_file(cloud(), path("cut.las"));
   const std::set<std::string> before = namesIn(path(""));
-  std::thread other([this] {
+  std::thread other([cut = path("cut.las")] {
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    std::filesystem::resize_file(path("cut.las"), 1000);
+    std::filesystem::resize_file(cut, 1000);
   });
   const CommandResult result = quindle({"run", script, path("cut.las"), "--in-place"});
   other.join();
