@@ -7,17 +7,6 @@ namespace {
 
 using Severity = Diag::Severity;
 
-TEST(Diag, EntryShowsOnlyThePartsOfAPositionThatAreThere) {
-  const std::pair<Diag::Entry, const char*> cases[] = {
-      {{Severity::Warning, "m", "a", 3, 7}, "a:3:7: warning: m"},
-      {{Severity::Note, "m", "a", 3, -7}, "a:3: note: m"},
-      {{Severity::Warning, "m", "a", 0, 7}, "a: warning: m"},
-      {{Severity::Error, "m", "", 3, 7}, ":3:7: error: m"},
-      {{static_cast<Severity>(9), "m", "", 0, 0}, "error: m"},
-  };
-  for (const auto& [entry, text] : cases) EXPECT_EQ(entry.format(), text);
-}
-
 TEST(Diag, CountsErrorsNamesTheFirstAndAbsorbsAnotherAsOftenAsAskedButNeverItself) {
   Diag diag;
   EXPECT_EQ(diag.firstError() + diag.format(), "");

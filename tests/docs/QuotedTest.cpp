@@ -20,8 +20,9 @@ std::string indented(const std::string& text, std::size_t blanks) {
 TEST(Documents, QuoteCodeThatIsBuilt) {
   const std::string root = QUINDLE_SOURCE_DIR;
   std::string built;
-  for (const auto& entry : std::filesystem::directory_iterator(root + "/tests/docs"))
-    built += '\n' + readFile(entry.path());
+  for (const char* const folder : {"/docs/samples", "/tests/docs"})
+    for (const auto& entry : std::filesystem::directory_iterator(root + folder))
+      built += '\n' + readFile(entry.path());
   for (const std::string name : {"scene.md", "embedding.md"}) {
     const std::string document = readFile(root + "/docs/" + name);
     const std::string fence = "```cpp\n";
@@ -32,7 +33,7 @@ TEST(Documents, QuoteCodeThatIsBuilt) {
       bool found = false;
       for (const unsigned blanks : {0U, 2U, 4U})
         found = found || built.find('\n' + indented(block, blanks)) != std::string::npos;
-      EXPECT_TRUE(found) << name << " quotes what no file of tests/docs holds:\n" << block;
+      EXPECT_TRUE(found) << name << " quotes what no file of docs/samples and tests/docs holds:\n" << block;
     }
     EXPECT_GT(blocks, 3) << name;
   }

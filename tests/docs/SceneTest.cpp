@@ -1,10 +1,11 @@
+#include "docs/samples/TinyScene.h"
 #include "quindle/Quindle.h"
-#include "tests/docs/TinyScene.h"
 #include "tests/support/parsed.h"
 
 #include <gmock/gmock.h>
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 namespace Zamt::Testing {
 namespace {
@@ -42,6 +43,17 @@ TEST(TinyScene, PreviewsRunsAndHasNothingLeftToDo) {
   EXPECT_EQ(
       diag.firstError(),
       "The parameter \"cloud\" takes its value from the application, and none was supplied for this run.");
+}
+
+TEST(TinyScene, HasNothingToAnswerWhatItLeavesOut) {
+  TinyScene scene({});
+  Diag diag;
+  EXPECT_THAT(scene.objectsPublishing("Brush"), IsEmpty());
+  EXPECT_EQ(scene.sourceOf("Cloud", "grid"), "");
+  EXPECT_FALSE(scene.QuindleOps::exists("Cloud"));
+  EXPECT_FALSE(scene.removeObject("Cloud", diag));
+  EXPECT_EQ(scene.createConsumer("Cloud", "Display/Picture", "", diag), "");
+  EXPECT_EQ(diag.format(), "Cloud: error: This is not able to create objects that read another one.");
 }
 
 } // namespace

@@ -18,19 +18,14 @@ TEST(QuindlePlanNode, DescribesWhatWasPlanned) {
        "(class(\"Ground\", \"Classification\") and not field(\"Amplitude\", 120, 1e+300, 0) and "
        "(neighbours(0.5, 0, 2) or inside(tile)))"},
       {"below(margin: 0.20, surface: water)", "below(water, 0.20)"},
-      {"below(surface: lake, water)", "below(water, 0)"},
       {"Ground == 2", "field(\"Ground\", 2, 2, 0)"},
       {"class() == 2", "field(\"class\", 2, 2, 0)"},
       {"a < limit", "field(\"a\", -1e+300, limit, 0)"},
       {"a <= 1.50", "field(\"a\", -1e+300, 1.50, 0)"},
-      {"a >= -3", "field(\"a\", -3, 1e+300, 0)"},
-      {"not (a == 3)", "not field(\"a\", 3, 3, 0)"},
       {"neighbours(1) > 3", "neighbours(1, 4, 1000000000)"},
       {"neighbours(radius: r) >= 3", "neighbours(r, 3, 1000000000)"},
       {"neighbours(1) <= limit", "neighbours(1, 0, limit)"},
       {"neighbours(1) == limit", "neighbours(1, limit, limit)"},
-      {"not (inside(a) or expr(\"e\") or a < 1)",
-       "(not inside(a) and not field(\"a\", -1e+300, 1, 0) and not expr(\"e\"))"},
       {"not (expr(\"e\") and inside(a) and not (b < 1 and inside(c)))",
        "(not expr(\"e\") or not inside(a) or (inside(c) and field(\"b\", -1e+300, 1, 0)))"},
       {"expr(\"1\") and (inside(a) and (expr(\"2\") and inside(b))) and expr(\"3\") and inside(c)",
@@ -43,20 +38,16 @@ TEST(QuindlePlanNode, ReportsEveryFaultOfACondition) {
   const std::string names = "class, field, below, above, vertical, neighbours, inside, within, expr";
   const std::string endsIn = "A comparison here has to end in a number or a parameter. Use expr(\"...\") for "
                              "anything more involved.";
-  const std::string surface =
-      "error: \"below\" needs its \"surface\" argument: Path of the M8 file holding the surface.";
   const std::pair<const char*, std::string> cases[] = {
       {"Ground", "t:5:1: error: \"Ground\" on its own is not a condition. Compare it with something, or call "
                  "it as a condition."},
-      {"true", "t:5:1: error: This is not a condition."},
       {"inside(a) and frob(1) or 3",
        "t:5:15: error: There is no condition called \"frob\". The ones there are: " + names +
            ".\nt:5:26: error: This is not a condition."},
       {"inside(a, b)", "t:5:1: error: \"inside\" takes at most 1 arguments, but 2 were given."},
-      {"below(margin: 0.2)", "t:5:1: " + surface},
       {"below(depth: 1)",
-       "t:5:1: error: \"below\" has no argument called \"depth\". It takes: surface, margin.\nt:5:1: " +
-           surface},
+       "t:5:1: error: \"below\" has no argument called \"depth\". It takes: surface, margin.\nt:5:1: "
+       "error: \"below\" needs its \"surface\" argument: Path of the M8 file holding the surface."},
       {"not below(water, surface: lake)",
        "t:5:5: error: The argument \"surface\" of \"below\" is given twice."},
       {"a > \"x\"", "t:5:1: error: " + endsIn},

@@ -27,7 +27,9 @@ std::string shortForm(const std::string& text) {
   return out;
 }
 
-std::string labelText(const std::map<std::int32_t, std::string>& names) {
+using Labels = std::map<std::int32_t, std::string>;
+
+std::string labelText(const Labels& names) {
   LabelSet set;
   for (const auto& [number, name] : names) {
     set.labels[number].value = number;
@@ -35,8 +37,6 @@ std::string labelText(const std::map<std::int32_t, std::string>& names) {
   }
   return VValueTrait<LabelSet>::Text(set);
 }
-
-using Labels = std::map<std::int32_t, std::string>;
 
 const Labels some{{0, "Never"}, {2, "Ground"}, {4, ""}, {6, "Roof"}};
 
@@ -173,16 +173,6 @@ TEST(compileClassify, AttachesTheEditorToTheFieldAndLabelsThatAreThere) {
                                             "connect P_classify.brush <- S", "set P_classify.labels"));
   EXPECT_EQ(shortForm(made.scene.objects["P_classify"].slots["labels"]), "2 Ground!, 3 Roof?");
   EXPECT_THAT(made.bindings, ElementsAre("P_classify.labelfield <- f"));
-}
-
-TEST(compileClassify, ReadsTheUsualFieldOfACloud) {
-  const Classify made("classify into \"Roof\"", "param g : Grid\n");
-  EXPECT_THAT(made.scene.calls,
-              ElementsAre("create Edit/MaskedLabels P_classify", "connect P_classify.brush <- S",
-                          "set P_classify.labels", "create Lattix/Field P_classfield",
-                          "set P_classfield.fieldname = Classification@Classification",
-                          "connect P_classify.labelfield <- P_classfield.field"));
-  EXPECT_THAT(made.bindings, ElementsAre("P_classfield.grid <- g"));
 }
 
 TEST(compileClassify, RefusesWhatItCannotCarryOut) {

@@ -35,24 +35,22 @@ struct Select {
 };
 
 TEST(compileSelect, ChainsTheFiltersOfAPlan) {
-  const Select select(
-      "class(\"Ground\") and (neighbours(0.5) < 3 or inside(tile)) and not (Amplitude > 120)");
+  const Select select("class(kinds) and (above(\"w.m8\") or inside(tile)) and not (Amplitude > 120)");
   EXPECT_TRUE(select.ok) << select.diag.format();
   EXPECT_EQ(select.out, "P_any5");
   EXPECT_THAT(select.scene.calls,
               ElementsAre("create Selection/BrushFilterByClass P_class1", "connect P_class1.brush <- S",
-                          "set P_class1.classes = Ground", "set P_class1.classfield = Classification",
+                          "set P_class1.classfield = Classification",
                           "create Selection/BrushFilterByField P_field2",
                           "connect P_field2.brush <- P_class1", "set P_field2.field = Amplitude",
                           "set P_field2.minimum = 120", "set P_field2.maximum = 1e+300",
                           "set P_field2.component = 0", "set P_field2.invert = true",
-                          "create Selection/BrushFilterByNeighbours P_neighbours3",
-                          "connect P_neighbours3.brush <- P_field2", "set P_neighbours3.radius = 0.5",
-                          "set P_neighbours3.minneighbours = 0", "set P_neighbours3.maxneighbours = 2",
-                          "create Selection/BrushFilterByBox P_inside4",
+                          "create Selection/BrushFilterByTin P_above3", "connect P_above3.brush <- P_field2",
+                          "set P_above3.surface = w.m8", "set P_above3.margin = 0",
+                          "set P_above3.side = above", "create Selection/BrushFilterByBox P_inside4",
                           "connect P_inside4.brush <- P_field2", "create Selection/BrushFilterAny P_any5",
-                          "connect P_any5.brush <- P_neighbours3", "connect P_any5.otherbrush <- P_inside4"));
-  EXPECT_THAT(select.bindings, ElementsAre("P_inside4.box <- tile"));
+                          "connect P_any5.brush <- P_above3", "connect P_any5.otherbrush <- P_inside4"));
+  EXPECT_THAT(select.bindings, ElementsAre("P_class1.classes = kinds", "P_inside4.box <- tile"));
 }
 
 TEST(compileSelect, StartsAtThePaintedRegionWithoutAFilterAndExcludesItWithOne) {
@@ -65,12 +63,6 @@ TEST(compileSelect, StartsAtThePaintedRegionWithoutAFilterAndExcludesItWithOne) 
   EXPECT_THAT(others.scene.calls,
               ElementsAre("create Selection/BrushFilterByBox P_inside1", "set P_inside1.invert = true"));
   EXPECT_THAT(others.bindings, ElementsAre("P_inside1.box <- painted"));
-}
-
-TEST(compileSelect, SetsWhatTellsConditionsOfOneCreatorApart) {
-  const Select select("above(\"w.m8\", 0.2) and class(kinds)");
-  EXPECT_EQ(select.scene.objects.at("P_above2").slots.at("side"), "above");
-  EXPECT_THAT(select.bindings, ElementsAre("P_class1.classes = kinds"));
 }
 
 TEST(compileSelect, ReportsEveryArgumentThatCannotBeUsed) {

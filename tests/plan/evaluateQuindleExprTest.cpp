@@ -32,24 +32,18 @@ std::string outcome(const QuindleExpr& expr) {
 }
 
 TEST(evaluateQuindleExpr, WorksOutValuesOrSaysWhyNot) {
-  const std::string notNumber =
-      "t.quindle:5:1: error: A number cannot be compared with something that is not one.";
   const struct {
     const char* expression;
     std::string outcome;
   } cases[] = {
-      {"1.50", "1.50"},
       {"both", "\"let\""},
       {"limit", "8"},
       {"word > 5", "true"},
       {"given", "0.5"},
       {"metres", "\"0.5m\""},
-      {"empty", "\"\""},
-      {"not empty", "true"},
       {"2 < 3 and nothing", "t.quindle:5:11: error: \"nothing\" has no value here. It is neither a parameter "
                             "of this Quindle nor set by an earlier \"let\"."},
       {"3 < 2 and nothing", "false"},
-      {"2 and \"x\" and rgb", "true"},
       {"3 or nothing", "true"},
       {"0 or \"\" or false", "false"},
       {"not (1 and not (0 or 2))", "true"},
@@ -59,21 +53,15 @@ TEST(evaluateQuindleExpr, WorksOutValuesOrSaysWhyNot) {
       {"(1 < class(\"Ground\")) or 1",
        "t.quindle:5:6: error: \"class\" cannot be worked out here: a \"let\" or an \"if\" is decided before "
        "the data is touched, and this needs the data."},
-      {"limit == \"a\"", notNumber},
-      {"flag != 1", notNumber},
+      {"limit == \"a\"", "t.quindle:5:1: error: A number cannot be compared with something that is not one."},
       {"nan == 1", "true"},
       {"nan != 1", "false"},
       {"nan <= 1", "false"},
-      {"\"a\" < \"ab\"", "true"},
       {"\"B\" >= \"a\"", "false"},
+      {"\"a\" < \"ab\"", "true"},
       {"\"\xc3\xa4\" > \"z\"", "true"},
-      {"\"10\" < \"9\"", "true"},
-      {"true == true", "true"},
       {"flag == false", "false"},
-      {"flag == \"true\"", "false"},
-      {"rgb == rgb", "true"},
       {"rgb != flag", "true"},
-      {"(1 < 2) == (4 > 3)", "true"},
   };
   for (const auto& [expression, result] : cases)
     EXPECT_EQ(outcome(Testing::expressionOf(expression)), result) << expression;

@@ -1,6 +1,7 @@
 #include "quindle/reference/explainQuindle.h"
 
 #include "tests/support/parsed.h"
+#include "tests/support/smallStack.h"
 
 #include <map>
 
@@ -61,18 +62,13 @@ TEST(ExplainQuindle, ChangesAreSeenThroughEightRunsAndEachQuindleIsLookedUpOnce)
 TEST(ExplainQuindle, NoDepthAndNoNumberOfStepsIsTooMuch) {
   constexpr std::size_t million = 1'000'000;
   constexpr std::size_t levels = 10'000;
-  const auto repeated = [](std::size_t times, const std::string& piece) {
-    std::string text;
-    for (std::size_t i = 0; i < times; ++i) text += piece;
-    return text;
-  };
-  EXPECT_EQ(explainedSteps("select " + repeated(million, "not (") + "class(\"Ground\")" +
-                           std::string(million, ')') + '\n' + repeated(million, "if a { ") +
+  EXPECT_EQ(explainedSteps("select " + repeated("not (", million) + "class(\"Ground\")" +
+                           std::string(million, ')') + '\n' + repeated("if a { ", million) +
                            std::string(million, '}')),
             "  1. selects the points by one condition: Keep only the points of the given classes.\n"
             "  2. if a, does 1 step\n");
   // Indenting every level would take the square of their number.
-  EXPECT_LT(explainedSteps("select " + repeated(levels, "a == 1 and (b == 2 or (") + "c == 3" +
+  EXPECT_LT(explainedSteps("select " + repeated("a == 1 and (b == 2 or (", levels) + "c == 3" +
                            std::string(2 * levels, ')'))
                 .size(),
             levels * 1000);

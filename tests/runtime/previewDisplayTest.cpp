@@ -76,7 +76,7 @@ TEST_F(PreviewDisplayTest, TakesTheFieldFromTheEditorAndGoesWithTheNextRun) {
   show();
   EXPECT_EQ(scene.objects["Quindle_PreviewMask"].slots["fieldname"], "marked@marked");
   calls();
-  QuindleDocument off = parsedRun("");
+  QuindleDocument off = parsedRun("create tool = \"Edit/Tool\"");
   off.enabled = false;
   scene.refused = {"remove Quindle_PreviewMask"};
   run(off);

@@ -10,8 +10,7 @@ protected:
   std::map<std::string, QuindleDocument> library;
 
   RunNestedTest() {
-    runtime.resolver = [this](const std::string& name, QuindleDocument& document, std::string& error) {
-      if (name == "Broken") error = "It has errors.";
+    runtime.resolver = [this](const std::string& name, QuindleDocument& document, std::string&) {
       const auto found = library.find(name);
       if (found == library.end()) return false;
       document = found->second;
@@ -50,17 +49,12 @@ TEST_F(RunNestedTest, PutsReportsAndWorkWhereTheStepStands) {
 TEST_F(RunNestedTest, SaysWhyANestedRunCannotBe) {
   add("None", "report \"x\"");
   add("Two", "report \"x\"", "param a : Number = 1 param b : Number = 2");
-  library["Off"] = library["None"];
-  library["Off"].name = "Off";
-  library["Off"].enabled = false;
-  const std::string at = "Test: error: ";
+  add("Off", "report \"x\"", "enabled false");
   const std::pair<std::string, std::string> cases[] = {
-      {"run \"Gone\"()", at + "\"Test\" runs \"Gone\", and there is no Quindle of that name."},
-      {"run \"Broken\"()", at + "\"Test\" runs \"Broken\", which cannot be run: It has errors."},
-      {"run \"Two\"(1)",
-       at + "The arguments of a \"run\" step have to be named, as  run \"Two\"(margin: 0.5)."},
-      {"run \"Two\"(c: nope)", at + "\"Two\" has no parameter called \"c\". It takes a, b."},
-      {"run \"None\"(c: 1)", at + "\"None\" has no parameter called \"c\". It takes none at all."},
+      {"run \"None\"(1)",
+       "Test: error: The arguments of a \"run\" step have to be named, as  run \"None\"(margin: 0.5)."},
+      {"run \"None\"(c: nope)", "Test: error: \"None\" has no parameter called \"c\". It takes none at all."},
+      {"run \"Two\"(c: nope)", "Test: error: \"Two\" has no parameter called \"c\". It takes a, b."},
       {"run \"Two\"(a: nope)", "test.quindle:2:14: error: \"nope\" has no value here. It is neither a "
                                "parameter of this Quindle nor set by an earlier \"let\"."},
       {"run \"Off\"()", "Off: warning: \"Off\" is switched off.\n"
@@ -82,10 +76,6 @@ TEST_F(RunNestedTest, KeepsTheLinesOfAFailedRunAndStops) {
 }
 
 TEST_F(RunNestedTest, RefusesToGoRoundInCircles) {
-  const QuindleDocument self = add("A", "run \"A\"()");
-  EXPECT_FALSE(run(self));
-  EXPECT_EQ(diag.format(), "A: error: \"A\" runs \"A\" runs \"A\" again, which would never stop.\n"
-                           "A: note: This happened while \"A\" was running \"A\".");
   const QuindleDocument first = add("B", "run \"C\"()");
   add("C", "run \"D\"()");
   add("D", "run \"C\"()");

@@ -20,7 +20,6 @@ std::size_t printedBytes(const QuindleDocument& doc) {
 }
 
 struct Nesting {
-  const char* name;
   const char* before;
   const char* opening; ///< repeated
   const char* middle;
@@ -37,33 +36,27 @@ const char* const select = "quindle \"a\" { on run { select ";
 const char* const run = "quindle \"a\" { on run { ";
 const char* const param = "quindle \"a\" { on run { } param p : T = ";
 
-class NestingTest : public testing::TestWithParam<Nesting> {};
-
-TEST_P(NestingTest, IsReadPrintedCopiedAndDestroyed) {
-  const Nesting& nesting = GetParam();
-  onSmallStack([&] {
-    QuindleDocument doc;
-    Diag diag;
-    EXPECT_TRUE(parseQuindle(nesting.text(levels), "f", doc, diag)) << diag.firstError();
-    const QuindleDocument copy = doc;
-    doc = QuindleDocument();
-    EXPECT_EQ(printedBytes(copy), nesting.printed);
-  });
+TEST(Nesting, OfAMillionLevelsIsReadPrintedCopiedAndDestroyed) {
+  const Nesting cases[] = {{select, "(", "a", ")", 1},
+                           {select, "not ", "a", "", 4 * levels + 1},
+                           {select, "f(", "a", ")", 3 * levels + 1},
+                           {select, "a and (b or (", "c", "))", 13 * levels / 2 + 1, 2},
+                           {select, "(", "a", " < b)", 6 * levels - 1},
+                           {param, "(", "1", ")", 2 * levels + 1},
+                           {param, "-", "1", "", levels + 1},
+                           {run, "if a { ", "", "}", 1},
+                           {run, "if a { } else { ", "", "}", 1},
+                           {run, "for each i in a { ", "", "}", 0}};
+  for (const Nesting& nesting : cases)
+    onSmallStack([&] {
+      QuindleDocument doc;
+      Diag diag;
+      EXPECT_TRUE(parseQuindle(nesting.text(levels), "f", doc, diag)) << diag.firstError();
+      const QuindleDocument copy = doc;
+      doc = QuindleDocument();
+      EXPECT_EQ(printedBytes(copy), nesting.printed) << nesting.opening;
+    });
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    AMillion, NestingTest,
-    testing::Values(Nesting{"Parentheses", select, "(", "a", ")", 1},
-                    Nesting{"Negations", select, "not ", "a", "", 4 * levels + 1},
-                    Nesting{"Calls", select, "f(", "a", ")", 3 * levels + 1},
-                    Nesting{"AndsAndOrs", select, "a and (b or (", "c", "))", 13 * levels / 2 + 1, 2},
-                    Nesting{"LeftComparisons", select, "(", "a", " < b)", 6 * levels - 1},
-                    Nesting{"Tuples", param, "(", "1", ")", 2 * levels + 1},
-                    Nesting{"MinusSigns", param, "-", "1", "", levels + 1},
-                    Nesting{"Ifs", run, "if a { ", "", "}", 1},
-                    Nesting{"Elses", run, "if a { } else { ", "", "}", 1},
-                    Nesting{"Loops", run, "for each i in a { ", "", "}", 0}),
-    [](const testing::TestParamInfo<Nesting>& nesting) { return nesting.param.name; });
 
 TEST(Nesting, ReportsEveryUnclosedLevel) {
   const std::pair<const char*, const char*> cases[] = {{select, "f("}, {param, "("}, {run, "if a { "}};

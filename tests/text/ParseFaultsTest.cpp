@@ -48,7 +48,6 @@ TEST(ParseFaults, OfTheFile) {
           {"\r\n\t # c\n  5", {"3:3 " + start + "the number 5."}},
           {"quindle { on run { } }", {R"(1:9 Expected the Quindle's name in quotes but found "{".)"}},
           {"quindle \"a\" on run { }", {R"(1:13 Expected "{" but found "on".)"}},
-          {"quindle \"a\" { on run { }", {R"(1:25 Expected "}" but found the end of the file.)"}},
           {"quindle \"a\" { description 5 on run { } }",
            {"1:27 Expected the description in quotes but found the number 5.",
             "1:27 Expected a setting, a parameter or a trigger, but found the number 5."}},
@@ -71,26 +70,21 @@ TEST(ParseFaults, OfTheFile) {
 TEST(ParseFaults, OfParametersAndTriggers) {
   const std::string negated = " Only a number can be negated here.";
   const std::string noItem = " Expected a setting, a parameter or a trigger, but found ";
-  expectFaults(
-      "quindle \"a\" {\n",
-      {
-          {"param : Number", {R"(2:7 Expected a parameter name but found ":".)"}},
-          {"param x Number", {R"(2:9 Expected ":" but found "Number".)"}},
-          {"param x : = 5", {R"(2:11 Expected the parameter's type but found "=".)"}},
-          {"param x : Number = ]", {R"(2:20 Expected a value but found "]".)", "2:20" + noItem + "\"]\"."}},
-          {"param x : Number [lo..hi]", {R"(2:25 Expected ".." but found "]".)"}},
-          {"param x : Number [1..5 \"h\"", {R"(2:24 Expected "]" but found a text.)"}},
-          {"param x : Number [1..5] = 2", {"2:25" + noItem + "\"=\"."}},
-          {"param x : Class = -y", {"3:1" + negated}},
-          {"param x : Class = --]",
-           {R"(2:21 Expected a value but found "]".)", "2:21" + negated, "2:21" + negated,
-            "2:21" + noItem + "\"]\"."}},
-          {"param x : Class = -(-(1), 2) \"h\"", {"2:25" + negated, "2:30" + negated}},
-          {"param x : Color = (1, 2,)", {"2:25 Expected a value but found \")\"."}},
-          {"param x : Color = (1, 2 \"h\"", {"2:25 Expected \")\" but found a text."}},
-          {"on key { }", {R"(2:8 Expected the key to bind in quotes but found "{".)"}},
-      },
-      "\non run { } }");
+  expectFaults("quindle \"a\" {\n",
+               {
+                   {"param : Number", {R"(2:7 Expected a parameter name but found ":".)"}},
+                   {"param x Number", {R"(2:9 Expected ":" but found "Number".)"}},
+                   {"param x : = 5", {R"(2:11 Expected the parameter's type but found "=".)"}},
+                   {"param x : Number [lo..hi]", {R"(2:25 Expected ".." but found "]".)"}},
+                   {"param x : Number [1..5 \"h\"", {R"(2:24 Expected "]" but found a text.)"}},
+                   {"param x : Class = --]",
+                    {R"(2:21 Expected a value but found "]".)", "2:21" + negated, "2:21" + negated,
+                     "2:21" + noItem + "\"]\"."}},
+                   {"param x : Class = -(-(1), 2) \"h\"", {"2:25" + negated, "2:30" + negated}},
+                   {"param x : Color = (1, 2 \"h\"", {"2:25 Expected \")\" but found a text."}},
+                   {"on key { }", {R"(2:8 Expected the key to bind in quotes but found "{".)"}},
+               },
+               "\non run { } }");
   EXPECT_EQ(Reading("quindle \"a\" { param x : Number\nparam x : Text on run { } }").diag.format(),
             "f:2: error: There is already a parameter called \"x\".");
   const std::string noTrigger = "f: warning: This Quindle has no trigger, so nothing will ever run it. Add "
@@ -107,13 +101,12 @@ TEST(ParseFaults, OfTokens) {
   expectFaultsOfSteps({
       {"report \"x", {"2:8 This text is never closed."}},
       {"report \"\xc3\xa4\" \xc3", {"2:13 Expected a step but found \"\xc3\"."}}, // columns count bytes
-      {"let x = 1 / 2", {R"(2:11 Expected a step but found "/".)"}},
       {std::string("let x = 1 \0", 11), {std::string("2:11 Expected a step but found \"") + '\0' + "\"."}},
+      {"let x = 1 / 2", {R"(2:11 Expected a step but found "/".)"}},
       {"let x = 5.", {R"(2:10 Expected a step but found ".".)"}},
       {"let x = 1e", {R"(2:10 Expected a step but found "e".)"}},
       {"select x<-1", {R"(2:9 Expected a step but found "<-".)"}},
   });
-  // A text that ends with the file has no message of its own.
   // A text that ends with the file has no message of its own.
   const std::string noBrace = " Expected \"}\" but found the end of the file.";
   expectFaults("quindle \"a\" { ",
@@ -138,20 +131,17 @@ TEST(ParseFaults, OfSteps) {
        {"2:12 " + creator + " but found the number 3.", "2:12 Expected a step but found the number 3."}},
       {"create \"b\"",
        {"2:8 Expected a name for the object but found a text.", R"(2:8 Expected "=" but found a text.)"}},
-      {"set box.\"Size\" = 3", {R"(2:9 Expected "=" but found a text.)"}},
       {"connect 1 < 2",
        {"2:9 Expected the slot to connect but found the number 1.",
         R"(2:9 Expected "<-" but found the number 1.)"}},
       {"connect a.b <- \"x\"",
        {"2:16 Expected what to connect it to but found a text.", "2:16 Expected a step but found a text."}},
-      {"select", {R"(3:1 Expected a value but found "}".)"}},
       {"classify \"G\"", {R"(2:10 Expected "into" after "classify".)"}},
       {"classify into \"G\" color (1, 0, 0) as 2", {R"(2:35 Expected a step but found "as".)"}},
       {"call 1",
        {"2:6 Expected the operation to call but found the number 1.",
         "2:6 Expected a step but found the number 1."}},
       {"call a. (1)", {R"(2:9 Expected the name of the action in quotes but found "(".)"}},
-      {"run \"x\"", {R"(3:1 Expected "(" but found "}".)"}},
       {"run x()",
        {R"(2:5 Expected the name of the Quindle to run in quotes but found "x".)",
         R"(2:5 Expected "(" but found "x".)", R"(2:5 Expected a step but found "x".)"}},
@@ -176,8 +166,6 @@ TEST(ParseFaults, OfExpressions) {
       {"select (0.2, 0.1)",
        {"2:12 Expected \")\" but found \",\".", R"(2:12 Expected a step but found ",".)"}},
       {"select ()", {"2:9 Expected a value but found \")\"."}},
-      {"select f(1,)", {"2:12 Expected a value but found \")\"."}},
-      {"let y = x - 1", {R"(2:11 Expected a step but found "-".)"}},
   });
   const std::string bracket = "1:43 Expected \")\" but found the end of the file.";
   const std::string brace = R"(1:43 Expected "}" but found the end of the file.)";
