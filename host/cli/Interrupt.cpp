@@ -3,6 +3,7 @@
 #include "host/points/AtomicFile.h"
 #include "host/points/Interruption.h"
 
+#include <atomic>
 #include <csignal>
 #include <string_view>
 #include <unistd.h>
@@ -20,6 +21,8 @@ static void onInterrupt(int /*signal*/) {
 
 /// A mapped file has lost its end to another program, and what was to be read is not there.
 static void onLostBytes(int /*signal*/) {
+  static std::atomic<bool> ending{false};
+  while (ending.exchange(true)) pause(); // several threads may read at once, and one of them speaks
   constexpr std::string_view sentence =
       "error: A cloud became shorter while it was read, so nothing was written. Run this again when no other "
       "program writes to the cloud.\n";
