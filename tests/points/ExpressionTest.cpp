@@ -64,10 +64,12 @@ TEST(Expression, SaysWhereAndWhatIsWrong) {
   const std::string value = " Write a field, a number or a parenthesis there.";
   const std::pair<const char*, std::string> cases[] = {
       {"Amplitud > 1", "at character 1, there is no field called \"Amplitud\". The fields are X, Color."},
+      {"1 + 'x y'", "at character 5, there is no field called \"x y\". The fields are X, Color."},
       {"1 + 'x", "at character 5, a quoted field name has no end. Write a single quote behind the name."},
       {"X = 5", "at character 3, \"=\" would set a value, and an expression only asks. Write == to compare."},
       {"X >", "at character 4, a value is missing at the end." + value},
       {"X > and 1", "at character 5, a value is missing in front of \"and\"." + value},
+      {"()", "at character 2, a value is missing in front of \")\"." + value},
       {"X X", "at character 3, an operator is missing in front of \"X\". Join values with +, <, and, or and "
               "their like."},
       {"(X", "at character 1, a parenthesis is not closed. Write the \")\" that belongs to it."},
@@ -78,6 +80,7 @@ TEST(Expression, SaysWhereAndWhatIsWrong) {
                     "the comparisons with and."},
       {"atan2(1)", "at character 1, \"atan2\" takes two values and has 1. Separate values with commas."},
       {"sin(1, 2)", "at character 1, \"sin\" takes one value and has 2. Separate values with commas."},
+      {"Color", "at character 1, \"Color\" has 3 values a point. Write Color[0] to Color[2]."},
       {"Color[3]", "at character 1, \"Color\" has 3 values a point. Write Color[0] to Color[2]."},
       {"X[1]", "at character 1, \"X\" has 1 value a point. Write X[0]."},
       {"1.2.3", "at character 1, there is no number that can be read. Write it as in 12, 0.5 or 1e-3."},
