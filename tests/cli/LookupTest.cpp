@@ -26,13 +26,8 @@ TEST(Lookup, ShowsWhatIsAskedFor) {
   const std::string none =
       "note: No object of this scene has an action. Objects that a Quindle creates may have some.\n";
   const std::vector<Found> cases{
-      {{"explain", QUINDLE_SOURCE_DIR "/examples/restore-class.quindle"},
-       "\"Restore class\"\n",
-       "  1. selects the points matching:\n"},
-      {{"conditions"}, "class(classes, [field])  -  ", "\nwithin(centre, radius)  -  "},
       {{"conditions", "within"}, "within - ", "\nBuilds: Selection/BrushFilterBySphere\n"},
       {{"reference"}, "== What a Quindle is  (what)\n\n", "\n\n== Comments  (comments)\n\n"},
-      {{"reference", "comments"}, "Comments\n\n  # to the end", "\n  /* over several lines */\n"},
       {{"reference", "--grammar"}, "  quindle \"<name>\" {\n", "on run {"},
       {{"registry"}, "== Compute  (3)\n\nCompute/BrushFromBox  [mature]  -  ", "\n\n== Edit  (1)\n\nEdit/"},
       {{"registry", "Lattix", "--limit", "1"},

@@ -1,15 +1,12 @@
 #include "cadmer/LabelSet.h"
-#include "rethold/Typename.h"
 #include "sorbine/VParameter.h"
 #include "tests/support/Panel.h"
 
 #include <clocale>
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <limits>
 
 namespace Zamt::Testing {
-
-class TestBrush {};
 
 namespace {
 
@@ -64,12 +61,6 @@ TEST(VValueTest, AMemberIsReadAndWrittenByItsNameAndAgesTheWhole) {
   EXPECT_GT(parameter.value()->age(), 0U);
   EXPECT_FALSE(parameter.setValueFromText("2", nullptr, "second"));
   EXPECT_EQ(parameter.getValueAsText(nullptr, "second", false), "");
-}
-
-TEST(VValueTest, TypeNamesAreReadable) {
-  EXPECT_THAT(Rethold::Typename(Rethold::typeOf<Rethold::StrongPtr<TestBrush>>()),
-              ::testing::HasSubstr("Zamt::Testing::TestBrush"));
-  EXPECT_EQ(Rethold::Typename(Rethold::typeOf<VValue<double>>()), "Zamt::VValue<double>");
 }
 
 } // namespace

@@ -25,25 +25,23 @@ std::vector<std::uint32_t> countNaively(const PointCloud& cloud, double radius) 
   return counts;
 }
 
-struct Limits {
-  double minimum = 0;
-  double maximum = 0;
-};
+using Limits = std::pair<double, double>;
 
 void expectKeeps(const PointCloud& cloud, double radius, const std::vector<std::uint32_t>& counts,
                  const Limits& limits, const PointMask& asked) {
+  const auto& [minimum, maximum] = limits;
   std::string problem;
-  const auto filter = makeNeighbourFilter(cloud, radius, limits.minimum, limits.maximum, problem);
+  const auto filter = makeNeighbourFilter(cloud, radius, minimum, maximum, problem);
   ASSERT_NE(filter, nullptr) << problem;
   PointMask holds(cloud.size());
   ASSERT_TRUE(filter->test(asked, holds, problem)) << problem;
   std::uint64_t wrong = 0;
   for (std::uint64_t i = 0; i < cloud.size(); ++i) {
-    const bool expected = asked.test(i) && counts[i] >= limits.minimum && counts[i] <= limits.maximum;
+    const bool expected = asked.test(i) && counts[i] >= minimum && counts[i] <= maximum;
     wrong += holds.test(i) != expected ? 1 : 0;
   }
-  EXPECT_EQ(wrong, 0U) << "radius " << radius << ", " << limits.minimum << " to " << limits.maximum
-                       << ", asked " << asked.count();
+  EXPECT_EQ(wrong, 0U) << "radius " << radius << ", " << minimum << " to " << maximum << ", asked "
+                       << asked.count();
 }
 
 // All points, every third, and so few that only their surroundings matter; all kinds of limits.

@@ -1,6 +1,5 @@
 target_sources(tests-points PRIVATE
   ExpressionTest.cpp
   SurfaceFileTest.cpp
-  SurfaceFilterTest.cpp
   SurfaceTest.cpp
 )
