@@ -128,7 +128,7 @@ nlohmann::json diagnosticsJson(const Diag& diag) {
 
 std::string grouped(std::uint64_t count) {
   std::string digits = std::to_string(count);
-  for (std::size_t i = digits.size(); i > 3; i -= 3) digits.insert(i - 3, ",");
+  for (std::size_t i = digits.size(); i > 3; i -= 3) digits.insert(i - 3, 1, ',');
   return digits;
 }
 

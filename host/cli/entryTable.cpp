@@ -95,6 +95,7 @@ void printEntries(const QuindleLibrary& library, const std::vector<const Quindle
     return;
   }
   std::vector<std::vector<std::string>> rows;
+  rows.reserve(entries.size());
   for (const QuindleLibraryEntry* const entry : entries)
     rows.push_back({displayName(*entry), entry->document.category,
                     fmt::format("{}", fmt::join(keysOf(entry->document), " ")),
