@@ -1,5 +1,6 @@
 #include "tests/cli/quindle.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -174,18 +175,21 @@ std::string slowQuindle() {
 
 TEST_F(Run, ACloudCutShortByAnotherProgramEndsInASentence) {
   const std::string script = directory->write("slow.quindle", slowQuindle());
-  std::filesystem::copy_file(cloud(), path("cut.las"));
+  std::filesystem::copy_file(cloud(), path("shortened.las"));
   const std::set<std::string> before = namesIn(path(""));
-  std::thread other([cut = path("cut.las")] {
+  std::thread other([cut = path("shortened.las")] {
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     std::filesystem::resize_file(cut, 1000);
   });
-  const CommandResult result = quindle({"run", script, path("cut.las"), "--in-place"});
+  const CommandResult result = quindle({"run", script, path("shortened.las"), "--in-place"});
   other.join();
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.err,
-            "error: A cloud became shorter while it was read, so nothing was written. Run this again when "
-            "no other program writes to the cloud.\n");
+  // On a machine that is busy it may be cut before it is opened.
+  EXPECT_THAT(
+      result.err,
+      testing::AnyOf("error: A cloud became shorter while it was read, so nothing was written. Run this "
+                     "again when no other program writes to the cloud.\n",
+                     testing::HasSubstr("\" is cut off")));
   EXPECT_EQ(namesIn(path("")), before);
 }
 
