@@ -1,15 +1,14 @@
 #include "host/cli/entryTable.h"
 
 #include "host/cli/Collection.h"
-#include "quindle/library/QuindleShortcuts.h"
 #include "quindle/library/entryNames.h"
+#include "quindle/library/keysOf.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <set>
 
 namespace Zamt::Host {
 
@@ -27,17 +26,6 @@ std::string printable(std::string text) {
   for (char& c : text)
     if (static_cast<unsigned char>(c) < ' ' || c == 0x7f) c = '?';
   return text;
-}
-
-/// The keys that a Quindle asks for, each once, in order.
-std::vector<std::string> keysOf(const QuindleDocument& document) {
-  std::vector<std::string> keys = shortcutKeys(document.shortcut);
-  for (const QuindleTrigger& trigger : document.triggers)
-    if (trigger.kind == QuindleTrigger::Kind::Key)
-      for (std::string& key : shortcutKeys(trigger.key)) keys.push_back(std::move(key));
-  std::set<std::string> seen;
-  std::erase_if(keys, [&seen](const std::string& key) { return !seen.insert(key).second; });
-  return keys;
 }
 
 /// "ready", "off", or why the Quindle can't be run, with its file where that has to be looked at.

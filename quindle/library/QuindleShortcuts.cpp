@@ -2,10 +2,10 @@
 
 #include "quindle/core/AsciiText.h"
 #include "quindle/library/entryNames.h"
+#include "quindle/library/keysOf.h"
 
 #include <algorithm>
 #include <array>
-#include <set>
 #include <string_view>
 #include <tuple>
 
@@ -71,17 +71,6 @@ Combination readCombination(std::string_view text) {
     }
   }
   return combination;
-}
-
-std::set<std::string> keysOf(const QuindleDocument& document) {
-  std::set<std::string> keys;
-  const auto add = [&keys](const std::string& text) {
-    for (std::string& key : shortcutKeys(text)) keys.insert(std::move(key));
-  };
-  add(document.shortcut);
-  for (const QuindleTrigger& trigger : document.triggers)
-    if (trigger.kind == QuindleTrigger::Kind::Key) add(trigger.key);
-  return keys;
 }
 
 } // namespace
