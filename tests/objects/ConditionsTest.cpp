@@ -1,6 +1,6 @@
-#include "host/points/Surface.h"
-#include "host/points/SurfaceFile.h"
-#include "tests/objects/scenes.h"
+#include "host/surfaces/Surface.h"
+#include "host/surfaces/SurfaceFile.h"
+#include "tests/session/scenes.h"
 
 #include <cmath>
 #include <functional>

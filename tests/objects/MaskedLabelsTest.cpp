@@ -1,4 +1,4 @@
-#include "tests/objects/scenes.h"
+#include "tests/session/scenes.h"
 
 namespace Zamt::Testing {
 namespace {
