@@ -64,8 +64,9 @@ struct Fault {
 
 /// The calls that a disk can make fail.
 bool touchesFiles(unsigned long long call) {
-  constexpr std::array<unsigned long long, 8> calls{SYS_openat, SYS_write, SYS_fsync,  SYS_close,
-                                                    SYS_rename, SYS_mkdir, SYS_fchmod, SYS_newfstatat};
+  constexpr std::array<unsigned long long, 11> calls{SYS_openat, SYS_pwrite64,   SYS_fdatasync, SYS_fsync,
+                                                     SYS_close,  SYS_flock,      SYS_rename,    SYS_mkdir,
+                                                     SYS_fchmod, SYS_newfstatat, SYS_read};
   return std::find(calls.begin(), calls.end(), call) != calls.end();
 }
 
@@ -76,21 +77,10 @@ struct Traced {
   int status = 0;
 };
 
-/// Tells the calls that the new text depends on from those that look around or tidy up.
-class SavingOrder {
-public:
-  bool isDecisive(unsigned long long call) {
-    const bool decisive = call == SYS_write || call == SYS_rename || (call == SYS_fsync && !renamed) ||
-                          (call == SYS_close && flushed && !renamed);
-    flushed = flushed || call == SYS_fsync;
-    renamed = renamed || call == SYS_rename;
-    return decisive;
-  }
-
-private:
-  bool flushed = false;
-  bool renamed = false;
-};
+/// Whether the new text depends on the call; the others look around or tidy up.
+bool isDecisive(unsigned long long call) {
+  return call == SYS_pwrite64 || call == SYS_fdatasync || call == SYS_rename;
+}
 
 /// Saves in a child that meets the fault; nothing if the machine does not let processes be traced.
 std::optional<Traced> saveWith(const Fault& fault, const std::string& directory) {
@@ -104,7 +94,6 @@ std::optional<Traced> saveWith(const Fault& fault, const std::string& directory)
   ::waitpid(child, &traced.status, 0);
   if (!WIFSTOPPED(traced.status)) return std::nullopt;
   int calls = 0;
-  SavingOrder order;
   bool entering = false;
   bool failing = false;
   while (true) {
@@ -114,7 +103,7 @@ std::optional<Traced> saveWith(const Fault& fault, const std::string& directory)
     entering = !entering;
     user_regs_struct registers{};
     ::ptrace(PTRACE_GETREGS, child, nullptr, &registers);
-    const bool decisive = entering && order.isDecisive(registers.orig_rax);
+    const bool decisive = entering && isDecisive(registers.orig_rax);
     if (entering && touchesFiles(registers.orig_rax) && ++calls == fault.atCall) {
       traced.decisive = decisive;
       if (fault.kill) {
