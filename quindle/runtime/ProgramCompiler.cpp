@@ -33,7 +33,7 @@ QuindleRuntime::ProgramCompiler::ProgramCompiler(QuindleRuntime& owner, const Qu
       doc(document),
       program(target),
       diag(messages),
-      prefix("Quindle_" + quindleIdentifier(document.name) + "_"),
+      prefix(sceneWords::ownPrefix + quindleIdentifier(document.name) + "_"),
       chain(start) {}
 
 bool QuindleRuntime::ProgramCompiler::compileBody(const std::vector<QuindleStep>& steps) {
@@ -114,9 +114,9 @@ bool QuindleRuntime::ProgramCompiler::compileClassifyStep(const QuindleStep& ste
   if (!compileClassify(step, classes, doc, runtime.ops, chain, nextPrefix(), editor, program.bindings, diag))
     return false;
   program.editorObject = editor;
-  return appendFire(editor, "unselectAll", false, false, step) &&
-         appendFire(editor, "select", false, true, step) &&
-         appendFire(editor, "applySelection", true, false, step);
+  return appendFire(editor, sceneWords::unselectAllAction, false, false, step) &&
+         appendFire(editor, sceneWords::selectAction, false, true, step) &&
+         appendFire(editor, sceneWords::applyAction, true, false, step);
 }
 
 bool QuindleRuntime::ProgramCompiler::compileSet(const QuindleStep& step) {
