@@ -1,8 +1,8 @@
 #include "quindle/plan/QuindlePlanNode.h"
 
 #include "quindle/core/Tree.h"
+#include "quindle/plan/combinedCost.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace Zamt {
@@ -34,12 +34,6 @@ bool isJunction(Kind kind) { return kind == Kind::And || kind == Kind::Or; }
 const std::vector<QuindlePlanNode>& members(const QuindlePlanNode& node) {
   static const std::vector<QuindlePlanNode> none;
   return isJunction(node.kind) ? node.children : none;
-}
-
-/// What an And or Or costs so far, with a member of cost `cost` coming to those that cost `soFar`.
-std::uint32_t combinedCost(Kind kind, std::uint32_t soFar, std::uint32_t cost) {
-  if (kind == Kind::Or) return std::max(soFar, cost);
-  return soFar == 0 ? cost : std::min(soFar, cost);
 }
 
 std::uint32_t conditionCost(const QuindlePlanNode& node) {
@@ -84,32 +78,23 @@ QuindlePlanNode::~QuindlePlanNode() {
 }
 
 std::uint32_t QuindlePlanNode::cost() const {
-  // What each node on the way down costs so far, below a place for the result.
-  std::vector<std::uint32_t> costs{0};
-  tree::walk(*this, members,
-             [&costs](const QuindlePlanNode& node, const QuindlePlanNode* parent, std::size_t index) {
-               if (index == 0) costs.push_back(conditionCost(node));
-               if (index < members(node).size()) return;
-               const std::uint32_t cost = costs.back();
-               costs.pop_back();
-               costs.back() = parent ? combinedCost(parent->kind, costs.back(), cost) : cost;
-             });
-  return costs.front();
+  return tree::fold(*this, members, conditionCost,
+                    [](std::uint32_t& soFar, std::uint32_t cost, const QuindlePlanNode& junction) {
+                      soFar = combinedCost(junction.kind, soFar, cost);
+                    });
 }
 
 std::string QuindlePlanNode::describe() const {
   std::string out;
-  tree::walk(*this, members, [&out](const QuindlePlanNode& node, const QuindlePlanNode*, std::size_t index) {
-    if (!isJunction(node.kind)) {
-      out += conditionText(node);
-      return;
-    }
-    if (index == 0) out += '(';
-    if (index == node.children.size())
-      out += ')';
-    else if (index > 0)
-      out += node.kind == Kind::And ? " and " : " or ";
-  });
+  tree::each(
+      *this, members,
+      [&out](const QuindlePlanNode& node, const tree::Place<QuindlePlanNode>& place) {
+        if (place.index > 0) out += place.parent->kind == Kind::And ? " and " : " or ";
+        out += isJunction(node.kind) ? "(" : conditionText(node);
+      },
+      [&out](const QuindlePlanNode& node) {
+        if (isJunction(node.kind)) out += ')';
+      });
   return out;
 }
 
