@@ -127,7 +127,7 @@ void collectPlanClasses(const QuindlePlanNode& plan, std::vector<std::string>& c
   const auto required = [](const QuindlePlanNode& node) -> const std::vector<QuindlePlanNode>& {
     return node.kind == QuindlePlanNode::Kind::And ? node.children : none;
   };
-  tree::walk(plan, required, [&](const QuindlePlanNode& node, const QuindlePlanNode*, std::size_t) {
+  tree::each(plan, required, [&](const QuindlePlanNode& node) {
     if (namesClasses(node)) appendPieces(node.arguments.front().value.textValue, classes);
   });
 }

@@ -70,23 +70,17 @@ std::string conditionText(const QuindlePlanNode& condition) {
 /// The plan as nested lists, one line a node.
 std::string planLines(const QuindlePlanNode& plan) {
   std::string out;
-  std::size_t level = 0;
-  const auto write = [&](const QuindlePlanNode& node, const QuindlePlanNode*, std::size_t index) {
-    if (index == 0) {
-      out += planIndent;
-      out.append(2 * std::min(level, deepestIndent), ' ');
-      if (node.kind == QuindlePlanNode::Kind::Condition) {
-        out += "- " + conditionText(node) + '\n';
-        return;
-      }
-      out +=
-          node.kind == QuindlePlanNode::Kind::And ? "all of these, in this order:\n" : "any one of these:\n";
-      ++level;
-    }
-    if (index == node.children.size()) --level;
-  };
-  tree::walk(
-      plan, [](const QuindlePlanNode& node) -> const auto& { return node.children; }, write);
+  tree::each(
+      plan, [](const QuindlePlanNode& node) -> const auto& { return node.children; },
+      [&out](const QuindlePlanNode& node, const tree::Place<QuindlePlanNode>& place) {
+        out += planIndent;
+        out.append(2 * std::min(place.depth, deepestIndent), ' ');
+        switch (node.kind) {
+        case QuindlePlanNode::Kind::Condition: out += "- " + conditionText(node) + '\n'; break;
+        case QuindlePlanNode::Kind::And: out += "all of these, in this order:\n"; break;
+        case QuindlePlanNode::Kind::Or: out += "any one of these:\n"; break;
+        }
+      });
   return out;
 }
 
