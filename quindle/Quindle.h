@@ -5,6 +5,7 @@
 
 #include "quindle/check/checkQuindle.h"
 #include "quindle/core/Diag.h"
+#include "quindle/core/PointVocabulary.h"
 #include "quindle/core/QuindleDocument.h"
 #include "quindle/core/QuindleNodes.h"
 #include "quindle/core/QuindleParamTypes.h"
