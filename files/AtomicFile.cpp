@@ -2,14 +2,13 @@
 
 #include "files/Interruption.h"
 #include "files/Stop.h"
+#include "files/temporaryName.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <climits>
-#include <cstdio>
 #include <cstring>
-#include <string_view>
 #include <system_error>
 
 namespace Zamt {
@@ -76,21 +75,11 @@ std::string whyNotReplaced(const std::string& name, const std::string& directory
                            const System::Occupant& occupant, std::error_code code) {
   using Kind = System::Occupant::Kind;
   if (occupant.kind == Kind::Directory) return "\"" + name + "\" is a directory. Name a file in it instead.";
-  if (occupant.kind == Kind::Other) return "\"" + name + "\" is not a regular file. Write to another name.";
+  if (occupant.kind == Kind::Other || occupant.kind == Kind::Device)
+    return "\"" + name + "\" is not a regular file. Write to another name.";
   if (occupant.kind == Kind::File && code)
     return "\"" + name + "\" is write-protected. Change its permissions or write elsewhere.";
   return code ? whyNotCreated(directory, code) : std::string();
-}
-
-/// The name that a file is written under until it is complete. It follows from the file's own name, so that
-/// what a killed process left is found again without a look through the directory; FNV-1a keeps it short.
-std::string temporaryName(const std::string& fileName, unsigned attempt) {
-  std::uint64_t hash = 0xcbf29ce484222325;
-  for (const char c : fileName) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3;
-  std::array<char, 48> name{};
-  std::snprintf(name.data(), name.size(), ".quindle-%016llx-%u.tmp", static_cast<unsigned long long>(hash),
-                attempt);
-  return name.data();
 }
 
 } // namespace
@@ -98,7 +87,7 @@ std::string temporaryName(const std::string& fileName, unsigned attempt) {
 bool AtomicFile::openTemporary(std::string& error) {
   std::error_code code;
   for (unsigned attempt = 0; attempt < writersAtOnce; ++attempt) {
-    temporary_ = directory_ / temporaryName(target_.filename().string(), attempt);
+    temporary_ = directory_ / temporaryName(target_.filename().string(), attempt, ".tmp");
     code = System::createHeld(temporary_, file_);
     if (!code) {
       slot_ = noteTemporary(temporary_.string());

@@ -34,8 +34,9 @@ private:
 
 /// What stands under a name.
 struct Occupant {
-  enum class Kind { Nothing, File, Directory, Other };
+  enum class Kind { Nothing, File, Directory, Device, Other };
   Kind kind = Kind::Nothing;
+  bool shared = false; ///< Of a file that has several names: another one in its place would part them.
   std::uint32_t permissions = 0; ///< Of a file, in the system's own bits, the special ones included.
   std::uint32_t owner = 0;       ///< Likewise.
   std::uint32_t group = 0;       ///< Likewise.
@@ -48,6 +49,12 @@ std::optional<std::filesystem::path> followLinks(std::filesystem::path path);
 /// Tells what stands at `path`, no link any more, and fails when it is a file that may not be given other
 /// bytes. Neither changes the file nor waits for whoever reads a pipe.
 std::error_code lookForWriting(const std::filesystem::path& path, Occupant& occupant);
+
+/// Whether a new file may be made beside `path` and take its place.
+bool mayReplace(const std::filesystem::path& path, const Occupant& occupant);
+
+/// Opens what stands at `path`, no link any more, for other bytes in the place of its own.
+std::error_code openForWriting(const std::filesystem::path& path, File& file);
 
 /// Makes a new file that only its owner may read, and holds it until it is closed. Fails with `file_exists`
 /// when the name is taken; but what a process that is gone left under it goes first.
@@ -62,6 +69,12 @@ std::error_code reserve(const File& file, std::uint64_t size);
 /// Writes up to all of `bytes` at a place of the file; `written` says how many.
 std::error_code writeAt(const File& file, std::uint64_t offset, std::span<const std::byte> bytes,
                         std::size_t& written);
+
+/// Writes behind what was written, to what has no places to write at, such as a device.
+std::error_code append(const File& file, std::span<const std::byte> bytes);
+
+/// Ends the file behind that many bytes.
+std::error_code cut(const File& file, std::uint64_t size);
 
 /// Has the disk start on bytes that were written, so that `flush` has less to wait for. A hint.
 void startFlush(const File& file, std::uint64_t offset, std::uint64_t size);

@@ -99,13 +99,30 @@ std::error_code lookForWriting(const std::filesystem::path& path, Occupant& occu
   if (::stat(path.c_str(), &status) != 0) return errno == ENOENT ? std::error_code() : lastError();
   occupant.kind = S_ISREG(status.st_mode)   ? Occupant::Kind::File
                   : S_ISDIR(status.st_mode) ? Occupant::Kind::Directory
+                  : S_ISCHR(status.st_mode) ? Occupant::Kind::Device
                                             : Occupant::Kind::Other;
   if (occupant.kind != Occupant::Kind::File) return {};
+  occupant.shared = status.st_nlink > 1;
   occupant.permissions = status.st_mode & allPermissions;
   occupant.owner = status.st_uid;
   occupant.group = status.st_gid;
   // Asked by opening, since the system alone knows all that may forbid it.
-  const File file(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK));
+  File file;
+  return openForWriting(path, file);
+}
+
+bool mayReplace(const std::filesystem::path& path, const Occupant& occupant) {
+  const std::filesystem::path directory = path.has_parent_path() ? path.parent_path() : ".";
+  struct stat status {};
+  if (::stat(directory.c_str(), &status) != 0) return false;
+  if (::faccessat(AT_FDCWD, directory.c_str(), W_OK | X_OK, AT_EACCESS) != 0) return false;
+  const bool sticky = (status.st_mode & S_ISVTX) != 0 && occupant.kind == Occupant::Kind::File;
+  const uid_t user = ::geteuid();
+  return !sticky || user == 0 || user == status.st_uid || user == occupant.owner;
+}
+
+std::error_code openForWriting(const std::filesystem::path& path, File& file) {
+  file = File(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW));
   return file.isOpen() ? std::error_code() : lastError();
 }
 
@@ -151,6 +168,21 @@ std::error_code writeAt(const File& file, std::uint64_t offset, std::span<const 
   if (taken == 0 && !bytes.empty()) return std::make_error_code(std::errc::no_space_on_device);
   written = static_cast<std::size_t>(taken);
   return {};
+}
+
+std::error_code append(const File& file, std::span<const std::byte> bytes) {
+  while (!bytes.empty()) {
+    const ssize_t taken = ::write(file.handle(), bytes.data(), bytes.size());
+    if (taken < 0 && errno == EINTR) continue;
+    if (taken < 0) return lastError();
+    if (taken == 0) return std::make_error_code(std::errc::no_space_on_device);
+    bytes = bytes.subspan(static_cast<std::size_t>(taken));
+  }
+  return {};
+}
+
+std::error_code cut(const File& file, std::uint64_t size) {
+  return ::ftruncate(file.handle(), static_cast<off_t>(size)) == 0 ? std::error_code() : lastError();
 }
 
 void startFlush([[maybe_unused]] const File& file, [[maybe_unused]] std::uint64_t offset,
