@@ -52,11 +52,11 @@ private:
   struct Frame {
     const QuindlePlanNode* node;
     std::string source;
-    std::string current; // end of the chain so far; of an Or, what joins the branches so far
+    std::string current; ///< End of the chain so far; of an Or, what joins the branches so far.
     std::size_t next;
     bool ok;
     bool hasBranch;
-    bool stopped; // nothing more is done for this node
+    bool stopped; ///< Nothing more is done for this node.
   };
 
   /// Compiles a node that has no children to wait for: true, with what came of it. Otherwise a frame is
@@ -169,7 +169,7 @@ private:
 
   const ParamIndex& params_;
   QuindleOps& ops_;
-  const std::string prefix_; // a copy: the caller's text may be the one that receives the result
+  const std::string prefix_; ///< A copy: the caller's text may be the one that receives the result.
   std::vector<QuindleBinding>& bindings_;
   Diag& diag_;
   std::int32_t counter_ = 0;

@@ -195,8 +195,8 @@ private:
   const std::map<std::string, QuindleValue>& lets_;
   Diag& diag_;
   std::vector<Frame> stack_;
-  std::vector<Worked> lefts_; // of the comparisons whose right side is being worked out
-  Worked last_;               // the value worked out last
+  std::vector<Worked> lefts_; ///< Of the comparisons whose right side is being worked out.
+  Worked last_;               ///< The value worked out last.
 };
 
 } // namespace
