@@ -3,6 +3,7 @@
 /// @file
 /// Everything that a host of Quindles includes.
 
+#include "quindle/check/adviseQuindle.h"
 #include "quindle/check/checkQuindle.h"
 #include "quindle/core/Diag.h"
 #include "quindle/core/PointVocabulary.h"

@@ -3,26 +3,7 @@
 #include "quindle/core/Tree.h"
 #include "quindle/plan/combinedCost.h"
 
-#include <utility>
-
 namespace Zamt {
-
-namespace tree {
-
-template <>
-struct Shape<QuindlePlanNode> {
-  static void eachList(auto& node, const auto& visit) { visit(node.children); }
-
-  static void copyFields(const QuindlePlanNode& from, QuindlePlanNode& to) {
-    to.kind = from.kind;
-    to.operation = from.operation;
-    to.negated = from.negated;
-    to.arguments = from.arguments;
-    to.line = from.line;
-  }
-};
-
-} // namespace tree
 
 namespace {
 
@@ -52,30 +33,18 @@ std::string conditionText(const QuindlePlanNode& node) {
 
 } // namespace
 
-QuindlePlanNode::QuindlePlanNode(const QuindlePlanNode& other) {
-  tree::Shape<QuindlePlanNode>::copyFields(other, *this);
-  if (!other.children.empty()) tree::copyChildren(other, *this);
-}
+QuindlePlanNode::QuindlePlanNode(const QuindlePlanNode& other) { tree::copy(other, *this); }
 
 QuindlePlanNode& QuindlePlanNode::operator=(const QuindlePlanNode& other) {
   return *this = QuindlePlanNode(other);
 }
 
-// The source may live below the target, so it is taken out before anything of the target is let go.
 QuindlePlanNode& QuindlePlanNode::operator=(QuindlePlanNode&& other) noexcept {
-  QuindlePlanNode taken(std::move(other));
-  kind = taken.kind;
-  operation = taken.operation;
-  negated = taken.negated;
-  arguments.swap(taken.arguments);
-  children.swap(taken.children);
-  line = taken.line;
+  tree::move(other, *this);
   return *this;
 }
 
-QuindlePlanNode::~QuindlePlanNode() {
-  if (!children.empty()) tree::destroyChildren(*this);
-}
+QuindlePlanNode::~QuindlePlanNode() { tree::destroyChildren(*this); }
 
 std::uint32_t QuindlePlanNode::cost() const {
   return tree::fold(*this, members, conditionCost,
