@@ -26,6 +26,7 @@ public:
 
 struct Colour {
   std::array<std::uint16_t, 3> channels{};
+  friend bool operator==(const Colour&, const Colour&) = default;
 };
 
 template <class Coder>

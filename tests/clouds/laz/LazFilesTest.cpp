@@ -1,3 +1,5 @@
+#include "host/clouds/laz/LazClassEncoder.h"
+#include "host/clouds/laz/LazEncoder.h"
 #include "tests/clouds/laz/LazFile.h"
 #include "tests/clouds/laz/sha256.h"
 
@@ -95,6 +97,38 @@ TEST_F(LazFilesTest, FilesThatCannotBeDecodedAreRefusedWithASentence) {
     said[promise.file] = file.error;
   }
   EXPECT_EQ(said, sentences);
+}
+
+/// The classes that all points of a chunk have.
+std::vector<std::uint8_t> classesOf(const LazFile& file, const Bytes& records) {
+  std::vector<std::uint8_t> classes;
+  const bool layered = file.format.isLayered();
+  for (std::size_t at = layered ? 16 : 15; at < records.size(); at += file.format.recordLength)
+    classes.push_back(std::to_integer<std::uint8_t>(records[at] & std::byte(layered ? 0xFF : 0x1F)));
+  return classes;
+}
+
+TEST_F(LazFilesTest, ChunksAndTablesOfTheSamePointsAreTheSameBytes) {
+  for (const Promise& promise : promises()) {
+    LazFile file = LazFile::at(folder + promise.file);
+    if (!file.good()) continue;
+    SCOPED_TRACE(promise.file);
+    Host::LazEncoder encoder(file.format);
+    Host::LazClassEncoder classEncoder(file.format);
+    for (std::size_t i = 0; i < file.chunks.chunks.size(); ++i) {
+      const Bytes records = file.records(i);
+      if (!file.good()) break;
+      const auto original = file.chunk(file.chunks.chunks[i]);
+      Bytes chunk;
+      encoder.add(records);
+      encoder.finish(chunk);
+      EXPECT_TRUE(std::ranges::equal(chunk, original)) << "encoded";
+      chunk.clear();
+      std::string damage;
+      EXPECT_TRUE(classEncoder.encode(original, classesOf(file, records), {}, chunk, damage)) << damage;
+      EXPECT_TRUE(std::ranges::equal(chunk, original)) << "classes";
+    }
+  }
 }
 
 } // namespace
