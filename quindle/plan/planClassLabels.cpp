@@ -1,5 +1,6 @@
 #include "cadmer/LabelSet.h"
 
+#include "quindle/core/Guarded.h"
 #include "quindle/plan/compileClassify.h"
 #include "quindle/runtime/QuindleSceneWords.h"
 
@@ -193,16 +194,18 @@ private:
 bool planClassLabels(const std::string& existingLabels, const std::string& className, std::int32_t number,
                      const std::vector<std::string>& selectedClasses, const QuindleValue& colour,
                      std::string& plannedLabels, std::int32_t& assigned, Diag& diag) {
-  LabelPlan plan(existingLabels, diag);
-  if (className.empty()) {
-    diag.error("A classify step has to say which class to put the points into.");
-    return false;
-  }
-  if (!plan.select(selectedClasses) || !plan.aimAt(className, number, colour) || !plan.finish(className))
-    return false;
-  plannedLabels = plan.text();
-  assigned = plan.assigned();
-  return true;
+  return guarded(diag, false, [&] {
+    LabelPlan plan(existingLabels, diag);
+    if (className.empty()) {
+      diag.error("A classify step has to say which class to put the points into.");
+      return false;
+    }
+    if (!plan.select(selectedClasses) || !plan.aimAt(className, number, colour) || !plan.finish(className))
+      return false;
+    plannedLabels = plan.text();
+    assigned = plan.assigned();
+    return true;
+  });
 }
 
 std::int32_t assignedClassOf(const std::string& labels) {

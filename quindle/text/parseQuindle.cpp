@@ -1,5 +1,6 @@
 #include "quindle/text/parseQuindle.h"
 
+#include "quindle/core/Guarded.h"
 #include "quindle/text/FileWords.h"
 #include "quindle/text/StepReader.h"
 #include "quindle/text/TokenReader.h"
@@ -196,7 +197,7 @@ bool FileReader::readOccasion(QuindleTrigger& trigger) {
 } // namespace
 
 bool parseQuindle(const std::string& text, const std::string& file, QuindleDocument& doc, Diag& diag) {
-  return FileReader(text, file, doc, diag, FaultSink::Keep::All).read();
+  return guarded(diag, false, [&] { return FileReader(text, file, doc, diag, FaultSink::Keep::All).read(); });
 }
 
 bool parseBriefly(const std::string& text, const std::string& file, QuindleDocument& doc, Diag& diag) {
