@@ -1,6 +1,7 @@
 #include "quindle/check/parameterChecks.h"
 
 #include "quindle/check/usedNames.h"
+#include "quindle/core/QuindleParamTypes.h"
 
 #include <algorithm>
 #include <string>
@@ -48,26 +49,30 @@ bool changesData(const QuindleTrigger& trigger) {
   });
 }
 
-/// What a change of the data works on is found by these types, without being named.
-bool isFoundByType(const QuindleParam& param) { return param.type == "Grid" || param.type == "Field"; }
-
-void checkUnread(const QuindleDocument& doc, Findings& findings) {
-  if (doc.params.empty()) return;
-  const std::set<std::string_view> used = usedNames(doc);
-  const bool changes = std::any_of(doc.triggers.begin(), doc.triggers.end(), changesData);
-  for (const QuindleParam& param : doc.params) {
-    if (used.contains(param.name) || (changes && isFoundByType(param))) continue;
-    findings.warning("Nothing uses the parameter " + inQuotes(param.name) +
-                         ". It will be asked for and then ignored.",
-                     param.line);
-  }
+/// What a change of the data works on is found by its type, without being named.
+bool isFoundByType(const QuindleParam& param) {
+  const QuindleParamType* const type = findQuindleParamType(param.type);
+  return type && type->isData;
 }
 
 } // namespace
 
+std::vector<const QuindleParam*> unreadParameters(const QuindleDocument& doc) {
+  std::vector<const QuindleParam*> unread;
+  if (doc.params.empty()) return unread;
+  const std::set<std::string_view> used = usedNames(doc);
+  const bool changes = std::any_of(doc.triggers.begin(), doc.triggers.end(), changesData);
+  for (const QuindleParam& param : doc.params)
+    if (!used.contains(param.name) && !(changes && isFoundByType(param))) unread.push_back(&param);
+  return unread;
+}
+
 void checkParameters(const QuindleDocument& doc, Findings& findings) {
   for (const QuindleParam& param : doc.params) checkParameter(param, findings);
-  checkUnread(doc, findings);
+  for (const QuindleParam* const param : unreadParameters(doc))
+    findings.warning("Nothing uses the parameter " + inQuotes(param->name) +
+                         ". It will be asked for and then ignored.",
+                     param->line);
 }
 
 } // namespace Zamt

@@ -1,8 +1,7 @@
 #include "quindle/plan/QuindlePlanNode.h"
 
 #include "quindle/core/Tree.h"
-
-#include <algorithm>
+#include "quindle/plan/combinedCost.h"
 
 namespace Zamt {
 
@@ -16,12 +15,6 @@ bool isJunction(Kind kind) { return kind == Kind::And || kind == Kind::Or; }
 const std::vector<QuindlePlanNode>& members(const QuindlePlanNode& node) {
   static const std::vector<QuindlePlanNode> none;
   return isJunction(node.kind) ? node.children : none;
-}
-
-/// What an And or Or costs so far, with a member of cost `cost` coming to those that cost `soFar`.
-std::uint32_t combinedCost(Kind kind, std::uint32_t soFar, std::uint32_t cost) {
-  if (kind == Kind::Or) return std::max(soFar, cost);
-  return soFar == 0 ? cost : std::min(soFar, cost);
 }
 
 std::uint32_t conditionCost(const QuindlePlanNode& node) {
