@@ -1,5 +1,6 @@
 #include "quindle/core/QuindleDocument.h"
 
+#include "quindle/core/AsciiText.h"
 #include "quindle/core/Numbers.h"
 #include "quindle/core/Tree.h"
 
@@ -105,7 +106,9 @@ QuindleValue& QuindleValue::operator=(QuindleValue&& other) noexcept {
   return *this;
 }
 
-QuindleValue::~QuindleValue() { tree::destroyChildren(*this); }
+QuindleValue::~QuindleValue() {
+  if (tree::hasChildren(*this)) tree::destroyChildren(*this);
+}
 
 QuindleExpr::QuindleExpr(const QuindleExpr& other) { tree::copy(other, *this); }
 
@@ -116,7 +119,9 @@ QuindleExpr& QuindleExpr::operator=(QuindleExpr&& other) noexcept {
   return *this;
 }
 
-QuindleExpr::~QuindleExpr() { tree::destroyChildren(*this); }
+QuindleExpr::~QuindleExpr() {
+  if (tree::hasChildren(*this)) tree::destroyChildren(*this);
+}
 
 QuindleStep::QuindleStep(const QuindleStep& other) { tree::copy(other, *this); }
 
@@ -127,7 +132,9 @@ QuindleStep& QuindleStep::operator=(QuindleStep&& other) noexcept {
   return *this;
 }
 
-QuindleStep::~QuindleStep() { tree::destroyChildren(*this); }
+QuindleStep::~QuindleStep() {
+  if (tree::hasChildren(*this)) tree::destroyChildren(*this);
+}
 
 QuindleValue QuindleValue::number(double value) {
   QuindleValue made;
@@ -231,10 +238,8 @@ void QuindleDocument::touch() {
 
 std::string quindleIdentifier(const std::string& text) {
   std::string out = text;
-  for (char& c : out) {
-    const bool kept = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-    if (!kept) c = '_';
-  }
+  for (char& c : out)
+    if (!isNameByte(c)) c = '_';
   return out;
 }
 
