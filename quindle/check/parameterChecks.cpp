@@ -1,6 +1,7 @@
 #include "quindle/check/parameterChecks.h"
 
 #include "quindle/check/usedNames.h"
+#include "quindle/core/QuindleParamTypes.h"
 
 #include <algorithm>
 #include <string>
@@ -48,8 +49,11 @@ bool changesData(const QuindleTrigger& trigger) {
   });
 }
 
-/// What a change of the data works on is found by these types, without being named.
-bool isFoundByType(const QuindleParam& param) { return param.type == "Grid" || param.type == "Field"; }
+/// What a change of the data works on is found by its type, without being named.
+bool isFoundByType(const QuindleParam& param) {
+  const QuindleParamType* const type = findQuindleParamType(param.type);
+  return type && type->isData;
+}
 
 void checkUnread(const QuindleDocument& doc, Findings& findings) {
   if (doc.params.empty()) return;

@@ -1,8 +1,5 @@
 #include "quindle/check/stepChecks.h"
 
-#include "quindle/core/NestedSteps.h"
-#include "quindle/core/Tree.h"
-
 #include <cmath>
 #include <string>
 
@@ -26,21 +23,22 @@ StepChecks::StepChecks(const QuindleDocument& doc, Findings& findings) : doc_(do
 
 void StepChecks::check(const QuindleTrigger& trigger) {
   selected_ = false;
-  const auto nested = [](const QuindleStep& step) { return NestedSteps(step); };
-  for (const QuindleStep& root : trigger.steps)
-    tree::walk(root, nested, [this](const QuindleStep& step, const QuindleStep*, std::size_t index) {
-      visit(step, index);
-    });
+  eachStep(
+      trigger.steps, [this](const QuindleStep& step, const StepPlace& place) { enter(step, place); },
+      [this](const QuindleStep& step) { leave(step); });
   forget(0);
 }
 
-/// Index `index` of the steps in the blocks of `step` comes next.
-void StepChecks::visit(const QuindleStep& step, std::size_t index) {
-  if (index == 0) checkStep(step);
+void StepChecks::enter(const QuindleStep& step, const StepPlace& place) {
+  if (startsElse(place)) startElse();
+  checkStep(step);
+  if (hasBlocks(step.kind)) openBlocks(step);
+}
+
+void StepChecks::leave(const QuindleStep& step) {
   if (!hasBlocks(step.kind)) return;
-  if (index == 0) openBlocks(step);
-  if (step.kind == QuindleStep::Kind::If && index == step.body.size()) startElse();
-  if (index == NestedSteps(step).size()) closeBlocks(step);
+  if (step.kind == QuindleStep::Kind::If && step.elseBody.empty()) startElse();
+  closeBlocks(step);
 }
 
 void StepChecks::checkStep(const QuindleStep& step) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quindle/check/Findings.h"
+#include "quindle/core/NestedSteps.h"
 #include "quindle/core/QuindleDocument.h"
 
 #include <set>
@@ -29,7 +30,8 @@ private:
     bool selectedInBody = false; ///< Behind the body of an "if", once that was checked.
   };
 
-  void visit(const QuindleStep& step, std::size_t index);
+  void enter(const QuindleStep& step, const StepPlace& place);
+  void leave(const QuindleStep& step);
   void checkStep(const QuindleStep& step);
   void checkCreate(const QuindleStep& step);
   void checkClassify(const QuindleStep& step);

@@ -1,8 +1,6 @@
 #include "quindle/check/usedNames.h"
 
-#include "quindle/core/Tree.h"
-
-#include <vector>
+#include "quindle/core/NestedSteps.h"
 
 namespace Zamt {
 
@@ -12,10 +10,10 @@ using Names = std::set<std::string_view>;
 
 void addReferences(const QuindleExpr& root, Names& names) {
   if (root.kind == QuindleExpr::Kind::None && root.operands.empty()) return;
-  tree::walk(
+  tree::each(
       root, [](const QuindleExpr& expr) -> const auto& { return expr.operands; },
-      [&names](const QuindleExpr& expr, const QuindleExpr*, std::size_t index) {
-        if (index == 0 && expr.kind == QuindleExpr::Kind::Reference) names.insert(expr.name);
+      [&names](const QuindleExpr& expr) {
+        if (expr.kind == QuindleExpr::Kind::Reference) names.insert(expr.name);
       });
 }
 
@@ -44,17 +42,9 @@ void addNames(const QuindleStep& step, Names& names) {
 
 std::set<std::string_view> usedNames(const QuindleDocument& doc) {
   Names names;
-  std::vector<const std::vector<QuindleStep>*> pending;
-  for (const QuindleTrigger& trigger : doc.triggers) pending.push_back(&trigger.steps);
-  while (!pending.empty()) {
-    const std::vector<QuindleStep>& steps = *pending.back();
-    pending.pop_back();
-    for (const QuindleStep& step : steps) {
-      addNames(step, names);
-      for (const std::vector<QuindleStep>* block : {&step.body, &step.elseBody})
-        if (!block->empty()) pending.push_back(block);
-    }
-  }
+  for (const QuindleTrigger& trigger : doc.triggers)
+    eachStepWithin(trigger.steps, NestedSteps::all,
+                   [&names](const QuindleStep& step) { addNames(step, names); });
   return names;
 }
 

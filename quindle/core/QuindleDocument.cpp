@@ -162,19 +162,22 @@ void printBefore(const QuindleExpr& expr, std::string& out) {
   }
 }
 
-/// What stands in front of operand `index`, behind the operand before it.
-void printBetween(const QuindleExpr& expr, std::size_t index, std::string& out) {
-  if (index > 0) {
-    switch (expr.kind) {
+/// What stands in front of an operand, behind the one before it.
+void printBetween(const tree::Place<QuindleExpr>& place, std::string& out) {
+  if (!place.parent) return;
+  const QuindleExpr& around = *place.parent;
+  if (place.index > 0) {
+    switch (around.kind) {
     case Kind::Call: out += ", "; break;
     case Kind::And: out += " and "; break;
     case Kind::Or: out += " or "; break;
-    case Kind::Compare: out += ' ' + expr.op + ' '; break;
+    case Kind::Compare: out += ' ' + around.op + ' '; break;
     default: break;
     }
   }
-  if (expr.kind == Kind::Call && index < expr.argNames.size() && !expr.argNames[index].empty())
-    out += expr.argNames[index] + ": ";
+  if (around.kind == Kind::Call && place.index < around.argNames.size() &&
+      !around.argNames[place.index].empty())
+    out += around.argNames[place.index] + ": ";
 }
 
 } // namespace
@@ -267,21 +270,15 @@ std::string QuindleValue::toSource() const {
   if (kind != Kind::Tuple) return leafSource(*this);
   static const std::vector<QuindleValue> none;
   std::string out;
-  tree::walk(
+  tree::each(
       *this,
-      [](const QuindleValue& value) -> const std::vector<QuindleValue>& {
-        return value.kind == Kind::Tuple ? value.items : none;
+      [](const QuindleValue& value) -> const auto& { return value.kind == Kind::Tuple ? value.items : none; },
+      [&out](const QuindleValue& value, const tree::Place<QuindleValue>& place) {
+        if (place.index > 0) out += ", ";
+        out += value.kind == Kind::Tuple ? "(" : leafSource(value);
       },
-      [&out](const QuindleValue& value, const QuindleValue*, std::size_t index) {
-        if (value.kind != Kind::Tuple) {
-          out += leafSource(value);
-          return;
-        }
-        if (index == 0) out += '(';
-        if (index == value.items.size())
-          out += ')';
-        else if (index > 0)
-          out += ", ";
+      [&out](const QuindleValue& value) {
+        if (value.kind == Kind::Tuple) out += ')';
       });
   return out;
 }
@@ -291,24 +288,22 @@ std::string QuindleValue::toPlainText() const {
 }
 
 std::string QuindleExpr::toSource() const {
+  using Place = tree::Place<QuindleExpr>;
   std::string out;
   const auto printedChildren = [](const QuindleExpr& expr) {
     return std::span<const QuindleExpr>(expr.operands).first(printedOperands(expr));
   };
-  tree::walk(*this, printedChildren,
-             [&out](const QuindleExpr& expr, const QuindleExpr* parent, std::size_t index) {
-               const bool wrapped = needsParentheses(expr, parent);
-               if (index == 0) {
-                 if (wrapped) out += '(';
-                 printBefore(expr, out);
-               }
-               if (index < printedOperands(expr)) {
-                 printBetween(expr, index, out);
-                 return;
-               }
-               if (expr.kind == Kind::Call) out += ')';
-               if (wrapped) out += ')';
-             });
+  tree::each(
+      *this, printedChildren,
+      [&out](const QuindleExpr& expr, const Place& place) {
+        printBetween(place, out);
+        if (needsParentheses(expr, place.parent)) out += '(';
+        printBefore(expr, out);
+      },
+      [&out](const QuindleExpr& expr, const Place& place) {
+        if (expr.kind == Kind::Call) out += ')';
+        if (needsParentheses(expr, place.parent)) out += ')';
+      });
   return out;
 }
 

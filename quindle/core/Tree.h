@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -69,6 +71,71 @@ void copyChildren(const Node& from, Node& to) {
       }
     });
   }
+}
+
+/// Where a node stands in a walk.
+template <class Node>
+struct Place {
+  const Node* parent = nullptr; ///< Null at the root.
+  std::size_t index = 0;        ///< Among the children of `parent`.
+  std::size_t depth = 0;        ///< 0 at the root.
+};
+
+/// For a walk that has nothing to do on the way back.
+struct Nothing {
+  template <class Node>
+  void operator()(const Node& /*node*/) const {}
+};
+
+/// Calls `enter` for every node of the tree under `root` before the nodes below it, and `leave` behind them,
+/// each with the node and, if it takes one, its `Place`. `childrenOf(node)` gives a node's children as a list
+/// with `size()` and `[]`.
+template <class Node, class ChildrenOf, class Enter, class Leave = Nothing>
+void each(const Node& root, const ChildrenOf& childrenOf, const Enter& enter, const Leave& leave = {}) {
+  struct Frame {
+    const Node* node;
+    std::size_t next; ///< Of the children, the one to be entered.
+  };
+  std::vector<Frame> stack{{&root, 0}};
+  const auto callAtTop = [&stack](const auto& hook) {
+    const Node& node = *stack.back().node;
+    if constexpr (std::is_invocable_v<decltype(hook), const Node&>) {
+      hook(node);
+    } else if (stack.size() == 1) {
+      hook(node, Place<Node>());
+    } else {
+      const Frame& around = stack[stack.size() - 2];
+      hook(node, Place<Node>{around.node, around.next - 1, stack.size() - 1});
+    }
+  };
+  callAtTop(enter);
+  while (!stack.empty()) {
+    Frame& top = stack.back();
+    const auto& children = childrenOf(*top.node);
+    if (top.next < children.size()) {
+      stack.push_back({&children[top.next++], 0});
+      callAtTop(enter);
+    } else {
+      callAtTop(leave);
+      stack.pop_back();
+    }
+  }
+}
+
+/// What the tree under `root` comes to: `own(node)` is what a node comes to by itself, and `add(sum, child,
+/// node)` adds to it what one of its children came to, in their order.
+template <class Node, class ChildrenOf, class Own, class Add>
+auto fold(const Node& root, const ChildrenOf& childrenOf, const Own& own, const Add& add) {
+  std::vector<decltype(own(root))> sums; // of the nodes on the way down
+  each(
+      root, childrenOf, [&](const Node& node) { sums.push_back(own(node)); },
+      [&](const Node& /*node*/, const Place<Node>& place) {
+        if (!place.parent) return;
+        auto sum = std::move(sums.back());
+        sums.pop_back();
+        add(sums.back(), std::move(sum), *place.parent);
+      });
+  return std::move(sums.front());
 }
 
 /// Walks the tree under `root`. `childrenOf(node)` gives a node's children as a vector. `visit(node, parent,

@@ -1,24 +1,15 @@
 #pragma once
 
+#include "quindle/core/Export.h"
 #include "quindle/core/QuindleDocument.h"
-#include "quindle/library/QuindleShortcuts.h"
 
-#include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace Zamt {
 
-/// The keys that a Quindle asks for, in its setting or its triggers, each once, in the order of the text.
-inline std::vector<std::string> keysOf(const QuindleDocument& document) {
-  std::vector<std::string> keys = shortcutKeys(document.shortcut);
-  for (const QuindleTrigger& trigger : document.triggers)
-    if (trigger.kind == QuindleTrigger::Kind::Key)
-      for (std::string& key : shortcutKeys(trigger.key)) keys.push_back(std::move(key));
-  std::set<std::string> seen;
-  std::erase_if(keys, [&seen](const std::string& key) { return !seen.insert(key).second; });
-  return keys;
-}
+/// The keys that a Quindle asks for, in its setting or its triggers, in their normal form, each once, in the
+/// order of the text. Whether it can be run does not matter here.
+QUINDLE_API std::vector<std::string> keysOf(const QuindleDocument& document);
 
 } // namespace Zamt

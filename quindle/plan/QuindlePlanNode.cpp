@@ -84,32 +84,23 @@ QuindlePlanNode::~QuindlePlanNode() {
 }
 
 std::uint32_t QuindlePlanNode::cost() const {
-  // What each node on the way down costs so far, below a place for the result.
-  std::vector<std::uint32_t> costs{0};
-  tree::walk(*this, members,
-             [&costs](const QuindlePlanNode& node, const QuindlePlanNode* parent, std::size_t index) {
-               if (index == 0) costs.push_back(conditionCost(node));
-               if (index < members(node).size()) return;
-               const std::uint32_t cost = costs.back();
-               costs.pop_back();
-               costs.back() = parent ? combinedCost(parent->kind, costs.back(), cost) : cost;
-             });
-  return costs.front();
+  return tree::fold(*this, members, conditionCost,
+                    [](std::uint32_t& soFar, std::uint32_t cost, const QuindlePlanNode& junction) {
+                      soFar = combinedCost(junction.kind, soFar, cost);
+                    });
 }
 
 std::string QuindlePlanNode::describe() const {
   std::string out;
-  tree::walk(*this, members, [&out](const QuindlePlanNode& node, const QuindlePlanNode*, std::size_t index) {
-    if (!isJunction(node.kind)) {
-      out += conditionText(node);
-      return;
-    }
-    if (index == 0) out += '(';
-    if (index == node.children.size())
-      out += ')';
-    else if (index > 0)
-      out += node.kind == Kind::And ? " and " : " or ";
-  });
+  tree::each(
+      *this, members,
+      [&out](const QuindlePlanNode& node, const tree::Place<QuindlePlanNode>& place) {
+        if (place.index > 0) out += place.parent->kind == Kind::And ? " and " : " or ";
+        out += isJunction(node.kind) ? "(" : conditionText(node);
+      },
+      [&out](const QuindlePlanNode& node) {
+        if (isJunction(node.kind)) out += ')';
+      });
   return out;
 }
 

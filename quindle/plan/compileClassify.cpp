@@ -1,9 +1,10 @@
 #include "quindle/plan/compileClassify.h"
 
+#include "quindle/core/QuindleParamTypes.h"
 #include "quindle/core/Tree.h"
+#include "quindle/runtime/QuindleSceneWords.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -13,13 +14,8 @@ namespace Zamt {
 
 namespace {
 
-constexpr const char* editorCreator = "Edit/MaskedLabels";
 constexpr const char* editorBase = "classify";
-constexpr const char* fieldCreator = "Lattix/Field";
 constexpr const char* fieldBase = "classfield";
-constexpr const char* usualField = "Classification@Classification";
-constexpr const char* fieldType = "Field";
-constexpr const char* gridType = "Grid";
 constexpr const char* classCondition = "class";
 
 constexpr std::int32_t noNumber = -1;
@@ -41,9 +37,9 @@ std::optional<std::int32_t> classNumberOf(const QuindleValue& written) {
   return static_cast<std::int32_t>(whole);
 }
 
-const QuindleParam* firstOfType(const QuindleDocument& document, std::string_view type) {
+const QuindleParam* firstOfType(const QuindleDocument& document, const QuindleParamType& type) {
   const auto found = std::find_if(document.params.begin(), document.params.end(),
-                                  [&](const QuindleParam& param) { return param.type == type; });
+                                  [&](const QuindleParam& param) { return param.type == type.word; });
   return found == document.params.end() ? nullptr : &*found;
 }
 
@@ -53,20 +49,21 @@ bool labelEditor(const std::string& editor, const std::string& className, std::i
   // A scene with no labels to read is no fault: the set then starts empty.
   std::string current;
   Diag harmless;
-  if (!ops.getParam(editor, "labels", current, harmless)) current.clear();
+  if (!ops.getParam(editor, sceneWords::labelsSlot, current, harmless)) current.clear();
   std::string planned;
   std::int32_t assigned = noNumber;
   return planClassLabels(current, className, number, selectedClasses, colour, planned, assigned, diag) &&
-         ops.setParam(editor, "labels", planned, diag);
+         ops.setParam(editor, sceneWords::labelsSlot, planned, diag);
 }
 
 /// Makes the object that reads the usual classification of a cloud and feeds it to the editor. Returns its
 /// name, or empty text.
 std::string readUsualField(const std::string& editor, const std::string& prefix, QuindleOps& ops,
                            Diag& diag) {
-  const std::string field = ops.create(fieldCreator, prefix + fieldBase, diag);
-  const bool wired = !field.empty() && ops.setParam(field, "fieldname", usualField, diag) &&
-                     ops.connect(editor, "labelfield", field, "field", diag);
+  const std::string field = ops.create(sceneWords::fieldCreator, prefix + fieldBase, diag);
+  const std::string name = sceneWords::fieldName(sceneWords::usualClassField);
+  const bool wired = !field.empty() && ops.setParam(field, sceneWords::fieldNameSlot, name, diag) &&
+                     ops.connect(editor, sceneWords::labelFieldSlot, field, sceneWords::fieldSlot, diag);
   return wired ? field : std::string();
 }
 
@@ -106,17 +103,17 @@ bool compileClassify(const QuindleStep& step, const std::vector<std::string>& se
                   "type Field for the classification itself, or of type Grid for the cloud it belongs to.",
                   diag);
 
-  const std::string editor = ops.create(editorCreator, prefix + editorBase, diag);
+  const std::string editor = ops.create(sceneWords::editorCreator, prefix + editorBase, diag);
   // The labels are read only when the selection is attached, since it may bring them along.
-  if (editor.empty() || !ops.connect(editor, "brush", source, "", diag) ||
+  if (editor.empty() || !ops.connect(editor, sceneWords::brushSlot, source, "", diag) ||
       !labelEditor(editor, step.value.value.textValue, *number, selectedClasses, step.color, ops, diag))
     return false;
   if (field) {
-    bindings.push_back({editor, "labelfield", field->name, true});
+    bindings.push_back({editor, sceneWords::labelFieldSlot, field->name, true});
   } else {
     const std::string reader = readUsualField(editor, prefix, ops, diag);
     if (reader.empty()) return false;
-    bindings.push_back({reader, "grid", grid->name, true});
+    bindings.push_back({reader, sceneWords::gridSlot, grid->name, true});
   }
   out = editor;
   return true;
@@ -127,14 +124,14 @@ void collectPlanClasses(const QuindlePlanNode& plan, std::vector<std::string>& c
   const auto required = [](const QuindlePlanNode& node) -> const std::vector<QuindlePlanNode>& {
     return node.kind == QuindlePlanNode::Kind::And ? node.children : none;
   };
-  tree::walk(plan, required, [&](const QuindlePlanNode& node, const QuindlePlanNode*, std::size_t) {
+  tree::each(plan, required, [&](const QuindlePlanNode& node) {
     if (namesClasses(node)) appendPieces(node.arguments.front().value.textValue, classes);
   });
 }
 
 bool isQuindleObjectType(const std::string& typeName) {
-  static constexpr std::array<std::string_view, 4> objectTypes{gridType, fieldType, "Region", "Brush"};
-  return std::find(objectTypes.begin(), objectTypes.end(), typeName) != objectTypes.end();
+  const QuindleParamType* const type = findQuindleParamType(typeName);
+  return type && type->isObject;
 }
 
 } // namespace Zamt

@@ -1,6 +1,7 @@
 #include "quindle/plan/compileSelect.h"
 
 #include "quindle/plan/compileClassify.h"
+#include "quindle/runtime/QuindleSceneWords.h"
 
 #include <algorithm>
 #include <utility>
@@ -9,10 +10,6 @@ namespace Zamt {
 
 namespace {
 
-constexpr const char* inputSlot = "brush";
-constexpr const char* otherInputSlot = "otherbrush";
-constexpr const char* invertSlot = "invert";
-constexpr const char* joiningCreator = "Selection/BrushFilterAny";
 constexpr const char* joiningBase = "any";
 constexpr const char* regionCondition = "inside";
 
@@ -95,15 +92,15 @@ private:
   }
 
   void join(Frame& frame, const std::string& branch) {
-    const std::string object = ops.create(joiningCreator, objectName(joiningBase), diag);
+    const std::string object = ops.create(sceneWords::joiningCreator, objectName(joiningBase), diag);
     if (object.empty()) {
       frame.ok = false;
       frame.stopped = true;
       frame.current = frame.source;
       return;
     }
-    if (!ops.connect(object, inputSlot, frame.current, "", diag) ||
-        !ops.connect(object, otherInputSlot, branch, "", diag))
+    if (!ops.connect(object, sceneWords::brushSlot, frame.current, "", diag) ||
+        !ops.connect(object, sceneWords::otherBrushSlot, branch, "", diag))
       frame.ok = false;
     frame.current = object;
   }
@@ -120,7 +117,8 @@ private:
   void compileCondition(const QuindlePlanNode& node, const std::string& source, Compiled& compiled) {
     const QuindleOperation& operation = *node.operation;
     const std::string object = ops.create(operation.creator, objectName(operation.name), diag);
-    if (object.empty() || (!source.empty() && !ops.connect(object, inputSlot, source, "", diag))) {
+    if (object.empty() ||
+        (!source.empty() && !ops.connect(object, sceneWords::brushSlot, source, "", diag))) {
       compiled.ok = false;
       return;
     }
@@ -136,7 +134,7 @@ private:
         compiled.ok = false;
     }
     for (const auto& [slot, value] : operation.fixed) set(slot, value.toPlainText());
-    if (node.negated) set(invertSlot, "true");
+    if (node.negated) set(sceneWords::invertSlot, "true");
     compiled.out = object;
   }
 

@@ -1,6 +1,7 @@
 #include "cadmer/LabelSet.h"
 
 #include "quindle/plan/compileClassify.h"
+#include "quindle/runtime/QuindleSceneWords.h"
 
 #include <algorithm>
 #include <array>
@@ -16,8 +17,6 @@ namespace Zamt {
 
 namespace {
 
-constexpr const char* editableFlag = "editable";
-constexpr const char* assignSelection = "Assign";
 constexpr std::int32_t noClass = -1;
 
 /// The first number that a class made here gets by itself; 0 is for points that were never classified.
@@ -64,7 +63,7 @@ public:
   /// Makes exactly the selected classes editable, or all of them if none is selected.
   bool select(const std::vector<std::string>& classes) {
     selectsNothing = classes.empty();
-    for (auto& [number, label] : set.labels) label.flags[editableFlag] = selectsNothing;
+    for (auto& [number, label] : set.labels) label.flags[sceneWords::editableFlag] = selectsNothing;
     return std::all_of(classes.begin(), classes.end(),
                        [this](const std::string& name) { return selectOne(name); });
   }
@@ -96,10 +95,10 @@ public:
       for (std::int32_t number = 0; number <= lastByteClass; ++number) {
         Label& label = set.labels[number];
         label.value = number;
-        label.flags[editableFlag] = true;
+        label.flags[sceneWords::editableFlag] = true;
       }
     }
-    set.selections[assignSelection] = target;
+    set.selections[sceneWords::assignSelection] = target;
     return true;
   }
 
@@ -127,7 +126,7 @@ private:
       nameByNumber(*number, name);
     }
     Label& label = set.labels[*number];
-    label.flags[editableFlag] = true;
+    label.flags[sceneWords::editableFlag] = true;
     selected.insert(label.value);
     return true;
   }
@@ -210,7 +209,7 @@ std::int32_t assignedClassOf(const std::string& labels) {
   if (labels.empty()) return noClass;
   LabelSet set;
   VValueTrait<LabelSet>::setValueFromText(set, labels);
-  return set.getSelectedValue(assignSelection);
+  return set.getSelectedValue(sceneWords::assignSelection);
 }
 
 } // namespace Zamt

@@ -1,7 +1,9 @@
 #include "quindle/plan/QuindlePlanNode.h"
+#include "quindle/plan/combinedCost.h"
 
 #include <algorithm>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -41,10 +43,11 @@ std::string joinedNames(const std::vector<Named>& list) {
   return out;
 }
 
-/// Where errors go: a Diag, and the file that they are in.
+/// Where errors go: a Diag, and the file that they are in. The name is a copy, as the caller's may be that of
+/// an entry of the Diag, which moves when one is added.
 struct Faults {
   Diag& diag;
-  const std::string& file;
+  const std::string file;
 
   /// Reports an error at an expression; false, for the caller to return.
   bool report(const QuindleExpr& where, const std::string& message) const {
@@ -254,9 +257,7 @@ struct Junction {
     closed.node.line = line;
     closed.node.children.reserve(members.size());
     for (Costed& member : members) {
-      // The cheapest of an And and the dearest of an Or; 0 is the cost of an empty junction and never counts
-      // as cheap.
-      if (closed.cost == 0 || kind == PlanKind::Or) closed.cost = std::max(closed.cost, member.cost);
+      closed.cost = combinedCost(kind, closed.cost, member.cost);
       closed.node.children.push_back(std::move(member.node));
     }
     return closed;
@@ -343,7 +344,7 @@ private:
 
 bool planPredicate(const QuindleExpr& expression, QuindlePlanNode& plan, Diag& diag,
                    const std::string& file) {
-  const Faults faults{diag, file};
+  const Faults faults{diag, std::string(file)};
   return Planner(faults).plan(expression, plan);
 }
 

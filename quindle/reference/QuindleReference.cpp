@@ -1,8 +1,19 @@
 #include "quindle/reference/QuindleReference.h"
 
+#include "quindle/core/QuindleParamTypes.h"
 #include "quindle/reference/referenceSections.h"
 
 namespace Zamt {
+
+namespace {
+
+std::string typeWords() {
+  std::string words;
+  for (const QuindleParamType& type : quindleParamTypes) (words += words.empty() ? "" : "|") += type.word;
+  return words;
+}
+
+} // namespace
 
 const std::vector<QuindleReferenceSection>& quindleLanguageReference() {
   static const std::vector<QuindleReferenceSection> reference = makeReferenceSections();
@@ -38,7 +49,9 @@ std::string quindleGrammarSummary() {
          "      tags        \"<one>\", \"<another>\"\n"
          "      enabled     true|false\n"
          "\n"
-         "      param <name> : <Grid|Field|Region|Brush|Surface|Number|Text|Class|Object|File>\n"
+         "      param <name> : <" +
+         typeWords() +
+         ">\n"
          "                     = <default|active|brush|pick> [<min> .. <max>] \"<help>\"\n"
          "\n"
          "      on run {                        # or: on key \"<keys>\"\n"

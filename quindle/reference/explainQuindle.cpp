@@ -1,12 +1,12 @@
 #include "quindle/reference/explainQuindle.h"
 
 #include "quindle/core/Diag.h"
+#include "quindle/core/QuindleParamTypes.h"
 #include "quindle/core/Tree.h"
 #include "quindle/plan/QuindlePlanNode.h"
 #include "quindle/reference/runTargets.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
 namespace Zamt {
@@ -14,19 +14,6 @@ namespace Zamt {
 namespace {
 
 using RunTargets = std::unordered_map<std::string, RunTarget>;
-
-struct TypePhrase {
-  const char* type;
-  const char* phrase;
-};
-
-constexpr std::array<TypePhrase, 7> typePhrases{{{"Grid", "a point cloud"},
-                                                 {"Field", "a field of the data"},
-                                                 {"Region", "a region to work in"},
-                                                 {"Surface", "a triangulated surface"},
-                                                 {"Number", "a number"},
-                                                 {"Text", "some text"},
-                                                 {"Class", "a class"}}};
 
 /// How far a nested condition is indented: two blanks a level, down to this one. Nobody reads further, and
 /// without an end the text would grow with the square of the depth.
@@ -36,10 +23,9 @@ constexpr const char* planIndent = "       ";
 
 bool isGiven(const QuindleValue& value) { return value.kind != QuindleValue::Kind::None; }
 
-std::string typePhrase(const std::string& type) {
-  const auto* const known = std::find_if(typePhrases.begin(), typePhrases.end(),
-                                         [&](const TypePhrase& entry) { return entry.type == type; });
-  return known == typePhrases.end() ? "a " + type : known->phrase;
+std::string typePhrase(const std::string& word) {
+  const QuindleParamType* const type = findQuindleParamType(word);
+  return type && !type->phrase.empty() ? std::string(type->phrase) : "a " + word;
 }
 
 std::string valuePhrase(const QuindleParam& param) {
@@ -70,23 +56,17 @@ std::string conditionText(const QuindlePlanNode& condition) {
 /// The plan as nested lists, one line a node.
 std::string planLines(const QuindlePlanNode& plan) {
   std::string out;
-  std::size_t level = 0;
-  const auto write = [&](const QuindlePlanNode& node, const QuindlePlanNode*, std::size_t index) {
-    if (index == 0) {
-      out += planIndent;
-      out.append(2 * std::min(level, deepestIndent), ' ');
-      if (node.kind == QuindlePlanNode::Kind::Condition) {
-        out += "- " + conditionText(node) + '\n';
-        return;
-      }
-      out +=
-          node.kind == QuindlePlanNode::Kind::And ? "all of these, in this order:\n" : "any one of these:\n";
-      ++level;
-    }
-    if (index == node.children.size()) --level;
-  };
-  tree::walk(
-      plan, [](const QuindlePlanNode& node) -> const auto& { return node.children; }, write);
+  tree::each(
+      plan, [](const QuindlePlanNode& node) -> const auto& { return node.children; },
+      [&out](const QuindlePlanNode& node, const tree::Place<QuindlePlanNode>& place) {
+        out += planIndent;
+        out.append(2 * std::min(place.depth, deepestIndent), ' ');
+        switch (node.kind) {
+        case QuindlePlanNode::Kind::Condition: out += "- " + conditionText(node) + '\n'; break;
+        case QuindlePlanNode::Kind::And: out += "all of these, in this order:\n"; break;
+        case QuindlePlanNode::Kind::Or: out += "any one of these:\n"; break;
+        }
+      });
   return out;
 }
 

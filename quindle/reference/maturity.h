@@ -3,12 +3,14 @@
 #include <array>
 #include <limits>
 
+/// @file
 /// How ripe a creator is, by its rank: the words that listings show and that a user asks for.
 namespace Zamt {
 
+/// One word of ripeness.
 struct Maturity {
-  int lowestRank;
-  const char* word;
+  int lowestRank;   ///< Of the creators that this word is for, inclusive; what the registry takes as `level`.
+  const char* word; ///< "mature", "beta", "experimental" or "unfinished".
 };
 
 /// The ripest first; every rank has one.

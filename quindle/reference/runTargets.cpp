@@ -1,5 +1,7 @@
 #include "quindle/reference/runTargets.h"
 
+#include "quindle/core/NestedSteps.h"
+
 #include <utility>
 
 namespace Zamt {
@@ -14,27 +16,20 @@ constexpr int furthestChange = 8;
 
 /// What steps do with the data, blocks inside them included.
 struct Effects {
-  bool changesData = false;             ///< One of them changes it itself; then `runs` may be incomplete.
+  bool changesData = false;             ///< One of them changes it itself.
   std::vector<const std::string*> runs; ///< The names of what they run, repeated as they are.
 };
 
+NestedSteps lists(const QuindleStep& step) {
+  return hasBlocks(step.kind) ? NestedSteps::all(step) : NestedSteps();
+}
+
 Effects effectsOf(const std::vector<QuindleStep>& steps) {
   Effects effects;
-  std::vector<const std::vector<QuindleStep>*> lists{&steps};
-  while (!lists.empty()) {
-    const std::vector<QuindleStep>& list = *lists.back();
-    lists.pop_back();
-    for (const QuindleStep& step : list) {
-      if (step.kind == Kind::Classify || step.kind == Kind::Unparsed) {
-        effects.changesData = true;
-        return effects;
-      }
-      if (step.kind == Kind::Run) effects.runs.push_back(&step.name);
-      if (step.kind != Kind::If && step.kind != Kind::ForEach) continue;
-      if (!step.body.empty()) lists.push_back(&step.body);
-      if (!step.elseBody.empty()) lists.push_back(&step.elseBody);
-    }
-  }
+  eachStepWithin(steps, lists, [&effects](const QuindleStep& step) {
+    if (step.kind == Kind::Classify || step.kind == Kind::Unparsed) effects.changesData = true;
+    if (step.kind == Kind::Run) effects.runs.push_back(&step.name);
+  });
   return effects;
 }
 

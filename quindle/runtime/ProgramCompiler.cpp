@@ -33,43 +33,41 @@ QuindleRuntime::ProgramCompiler::ProgramCompiler(QuindleRuntime& owner, const Qu
       doc(document),
       program(target),
       diag(messages),
-      prefix("Quindle_" + quindleIdentifier(document.name) + "_"),
+      prefix(sceneWords::ownPrefix + quindleIdentifier(document.name) + "_"),
       chain(start) {}
 
 bool QuindleRuntime::ProgramCompiler::compileBody(const std::vector<QuindleStep>& steps) {
   bool ok = true;
-  enter(steps, nullptr, false);
-  while (!bodies.empty() && !guardsFull) {
-    Body& body = bodies.back();
-    if (body.next == body.steps->size()) {
-      leave();
-      continue;
+  const auto enter = [&](const QuindleStep& step, const StepPlace& place) {
+    if (startsElse(place)) {
+      closeBlock();
+      openBlock(*place.parent, true);
     }
-    const QuindleStep& step = (*body.steps)[body.next++];
     if (step.kind == QuindleStep::Kind::If)
-      enter(step.body, &step, false);
+      openBlock(step, false);
     else if (!compileStep(step))
       ok = false;
-  }
+  };
+  const auto leave = [this](const QuindleStep& step) {
+    if (step.kind == QuindleStep::Kind::If) closeBlock();
+  };
+  bodies.emplace_back();
+  eachStepWithin(steps, compiledSteps, enter, leave);
   return ok;
 }
 
-void QuindleRuntime::ProgramCompiler::enter(const std::vector<QuindleStep>& steps, const QuindleStep* owner,
-                                            bool isElse) {
-  if (owner) guards.enter(owner->condition, isElse);
-  bodies.push_back({&steps, owner, isElse, 0, {}, false});
+void QuindleRuntime::ProgramCompiler::openBlock(const QuindleStep& owner, bool isElse) {
+  guards.enter(owner.condition, isElse);
+  bodies.emplace_back();
 }
 
-void QuindleRuntime::ProgramCompiler::leave() {
-  const QuindleStep* const owner = bodies.back().owner;
-  const bool wasElse = bodies.back().isElse;
-  bodies.pop_back();
-  if (!owner) return;
+void QuindleRuntime::ProgramCompiler::closeBlock() {
   guards.leave();
-  if (!wasElse && !owner->elseBody.empty()) enter(owner->elseBody, owner, true);
+  bodies.pop_back();
 }
 
 bool QuindleRuntime::ProgramCompiler::compileStep(const QuindleStep& step) {
+  if (guardsFull) return true; // that was reported, and no program comes of it
   switch (step.kind) {
   case QuindleStep::Kind::Comment:
   case QuindleStep::Kind::If: return true;
@@ -114,9 +112,9 @@ bool QuindleRuntime::ProgramCompiler::compileClassifyStep(const QuindleStep& ste
   if (!compileClassify(step, classes, doc, runtime.ops, chain, nextPrefix(), editor, program.bindings, diag))
     return false;
   program.editorObject = editor;
-  return appendFire(editor, "unselectAll", false, false, step) &&
-         appendFire(editor, "select", false, true, step) &&
-         appendFire(editor, "applySelection", true, false, step);
+  return appendFire(editor, sceneWords::unselectAllAction, false, false, step) &&
+         appendFire(editor, sceneWords::selectAction, false, true, step) &&
+         appendFire(editor, sceneWords::applyAction, true, false, step);
 }
 
 bool QuindleRuntime::ProgramCompiler::compileSet(const QuindleStep& step) {

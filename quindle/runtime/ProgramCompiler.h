@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quindle/core/NestedSteps.h"
 #include "quindle/plan/QuindlePlanNode.h"
 #include "quindle/runtime/QuindleRuntime.h"
 #include "quindle/runtime/StepGuards.h"
@@ -9,9 +10,14 @@
 
 namespace Zamt {
 
-/// Compiles the blocks of one document into one program. Blocks nest as deep as the input likes, so those
-/// that are open stand on a stack of their own. A step that fails does not stop the others, so that one
-/// compilation reports every fault.
+/// The steps in the blocks of a step that are compiled with it: of an "if" those of both blocks. A loop is
+/// refused as a whole.
+inline NestedSteps compiledSteps(const QuindleStep& step) {
+  return step.kind == QuindleStep::Kind::If ? NestedSteps(step) : NestedSteps();
+}
+
+/// Compiles the blocks of one document into one program. A step that fails does not stop the others, so that
+/// one compilation reports every fault.
 class QuindleRuntime::ProgramCompiler {
 public:
   /// `start` is the object that the first "select" reads, empty for none.
@@ -23,16 +29,12 @@ public:
 private:
   /// A block that is being compiled.
   struct Body {
-    const std::vector<QuindleStep>* steps;
-    const QuindleStep* owner; ///< The "if" that it belongs to; null for the trigger's.
-    bool isElse;
-    std::size_t next = 0;
     QuindlePlanNode plan;  ///< Of the latest "select" in this very block.
     bool selected = false; ///< Whether there is one that was compiled.
   };
 
-  void enter(const std::vector<QuindleStep>& steps, const QuindleStep* owner, bool isElse);
-  void leave();
+  void openBlock(const QuindleStep& owner, bool isElse);
+  void closeBlock();
   bool compileStep(const QuindleStep& step);
   bool compileCreate(const QuindleStep& step);
   bool compileSelectStep(const QuindleStep& step);
@@ -58,8 +60,8 @@ private:
   Program& program;
   Diag& diag;
   const std::string prefix;
-  std::string chain; ///< The end of the filter chain so far: one for all blocks.
-  std::vector<Body> bodies;
+  std::string chain;        ///< The end of the filter chain so far: one for all blocks.
+  std::vector<Body> bodies; ///< Those that are open, outermost first.
   StepGuards guards;
   bool guardsFull = false;
 };

@@ -62,7 +62,7 @@ bool QuindleRuntime::ProgramWalk::fire(const RunStep& step) {
 
 bool QuindleRuntime::ProgramWalk::checkSelection() {
   if (counter.empty()) return true;
-  const std::string problem = readQuietly(runtime.ops, counter, "problem");
+  const std::string problem = readQuietly(runtime.ops, counter, sceneWords::problemSlot);
   if (problem.empty()) return true;
   diag.error("Nothing was selected, and not because nothing matched: " + problem, doc.name);
   noteStatuses();
@@ -81,7 +81,7 @@ void QuindleRuntime::ProgramWalk::noteStatuses() {
 
 bool QuindleRuntime::ProgramWalk::checkClass() {
   if (program.editorObject.empty()) return true;
-  const std::string labels = readQuietly(runtime.ops, program.editorObject, "labels");
+  const std::string labels = readQuietly(runtime.ops, program.editorObject, sceneWords::labelsSlot);
   if (labels.empty() || assignedClassOf(labels) >= 0) return true;
   diag.error("The label set of \"" + program.editorObject +
                  "\" names no class to put the points into, so this cannot have changed anything. Something "

@@ -2,18 +2,6 @@
 
 namespace Zamt {
 
-namespace {
-
-constexpr const char* brushKind = "Brush";
-constexpr const char* madeBrushName = "QuindleBrush";
-constexpr const char* madeBrushCreator = "Compute/BrushFromScreenPoints";
-constexpr const char* drawingKind = "PointDataChunk";
-
-/// What the names of all objects begin with that Quindles make for themselves.
-constexpr const char* ownPrefix = "Quindle_";
-
-} // namespace
-
 QuindleRuntime::QuindleRuntime(QuindleOps& scene) : ops(scene) {}
 
 QuindleRuntime::~QuindleRuntime() = default;
@@ -34,7 +22,7 @@ void QuindleRuntime::setBrushObject(const std::string& name) {
 
 std::string QuindleRuntime::ensureBrushObject(Diag& diag) {
   if (brushPinned || ops.exists(brushObject)) return brushObject;
-  const std::vector<std::string> brushes = sceneObjectsPublishing(brushKind);
+  const std::vector<std::string> brushes = sceneObjectsPublishing(sceneWords::brushKind);
   std::string found = brushes.empty() ? makeBrush(diag) : brushes.front();
   if (!found.empty()) brushObject = found;
   return found;
@@ -43,17 +31,17 @@ std::string QuindleRuntime::ensureBrushObject(Diag& diag) {
 /// A new brush, switched on for drawing if there is something to draw with. That nothing draws into it is no
 /// failure: the selection then is what the user draws later.
 std::string QuindleRuntime::makeBrush(Diag& diag) {
-  std::string made = ops.create(madeBrushCreator, madeBrushName, diag);
+  std::string made = ops.create(sceneWords::madeBrushCreator, sceneWords::madeBrush, diag);
   if (made.empty()) {
     diag.error("Nothing in the scene publishes a brush to select from, and one could not be made.",
-               madeBrushCreator);
+               sceneWords::madeBrushCreator);
     return made;
   }
   // The new object's inputs may connect themselves to what is in the scene.
   ops.settle();
-  std::string source = ops.sourceOf(made, "screenpoints");
+  std::string source = ops.sourceOf(made, sceneWords::screenPointsSlot);
   if (source.empty()) {
-    const std::vector<std::string> drawing = ops.objectsPublishing(drawingKind);
+    const std::vector<std::string> drawing = ops.objectsPublishing(sceneWords::screenPointsKind);
     if (!drawing.empty()) source = drawing.front();
   }
   if (source.empty())
@@ -61,7 +49,7 @@ std::string QuindleRuntime::makeBrush(Diag& diag) {
         "The brush was made but nothing is drawing into it, so there will be nothing to select until "
         "something does.",
         made);
-  else if (ops.setParam(source, "mode", "brush", diag))
+  else if (ops.setParam(source, sceneWords::modeSlot, sceneWords::brushMode, diag))
     diag.note("Nothing in the scene published a brush, so \"" + made + "\" was made and \"" + source +
                   "\" switched on - draw on the view to select.",
               made);
@@ -75,7 +63,7 @@ std::string QuindleRuntime::makeBrush(Diag& diag) {
 
 std::vector<std::string> QuindleRuntime::sceneObjectsPublishing(const std::string& kind) {
   std::vector<std::string> names = ops.objectsPublishing(kind);
-  std::erase_if(names, [](const std::string& name) { return name.starts_with(ownPrefix); });
+  std::erase_if(names, [](const std::string& name) { return name.starts_with(sceneWords::ownPrefix); });
   return names;
 }
 

@@ -5,6 +5,7 @@
 #include "quindle/core/QuindleDocument.h"
 #include "quindle/plan/compileSelect.h"
 #include "quindle/runtime/QuindleOps.h"
+#include "quindle/runtime/QuindleSceneWords.h"
 
 #include <cstdint>
 #include <map>
@@ -145,7 +146,7 @@ private:
   QuindleOps& ops;
   /// Shared, since a run walks a program that a run nested in it may replace.
   std::map<std::string, std::shared_ptr<const Program>> programs;
-  std::string brushObject = "TheBrush";
+  std::string brushObject = sceneWords::usualBrush;
   bool brushPinned = false;
   std::vector<std::string> runStack; ///< The Quindles that wait for a nested run, outermost first.
   std::vector<std::string> previewObjects;

@@ -13,20 +13,18 @@ constexpr std::size_t bytesOfTextForOne = 16;
 std::size_t weigh(const QuindleExpr& condition) {
   std::size_t nodes = 0;
   std::size_t bytes = 0;
-  const auto weighValue = [&](const QuindleValue& value, const QuindleValue* parent, std::size_t index) {
-    if (index > 0) return;
-    if (parent) ++nodes;
+  const auto weighValue = [&](const QuindleValue& value, const tree::Place<QuindleValue>& place) {
+    if (place.parent) ++nodes;
     bytes += value.textValue.size();
   };
-  const auto weighNode = [&](const QuindleExpr& node, const QuindleExpr* /*parent*/, std::size_t index) {
-    if (index > 0) return;
+  const auto weighNode = [&](const QuindleExpr& node) {
     ++nodes;
     bytes += node.name.size() + node.op.size();
     for (const std::string& name : node.argNames) bytes += name.size();
-    tree::walk(
+    tree::each(
         node.value, [](const QuindleValue& value) -> const auto& { return value.items; }, weighValue);
   };
-  tree::walk(
+  tree::each(
       condition, [](const QuindleExpr& node) -> const auto& { return node.operands; }, weighNode);
   return nodes + bytes / bytesOfTextForOne;
 }

@@ -1,4 +1,4 @@
-#include "quindle/core/Tree.h"
+#include "quindle/core/NestedSteps.h"
 #include "quindle/runtime/ProgramCompiler.h"
 #include "quindle/runtime/QuindleRuntime.h"
 
@@ -22,28 +22,19 @@ std::set<std::string_view> brushParams(const QuindleDocument& doc) {
 /// Every "select" of the steps and of the blocks of their "if"s; those of a loop do not count.
 std::vector<const QuindleStep*> selectsIn(const std::vector<QuindleStep>& steps) {
   std::vector<const QuindleStep*> found;
-  std::vector<const std::vector<QuindleStep>*> pending{&steps};
-  while (!pending.empty()) {
-    const std::vector<QuindleStep>& body = *pending.back();
-    pending.pop_back();
-    for (const QuindleStep& step : body) {
-      if (step.kind == QuindleStep::Kind::Select) found.push_back(&step);
-      if (step.kind != QuindleStep::Kind::If) continue;
-      pending.push_back(&step.body);
-      pending.push_back(&step.elseBody);
-    }
-  }
+  eachStepWithin(steps, compiledSteps, [&found](const QuindleStep& step) {
+    if (step.kind == QuindleStep::Kind::Select) found.push_back(&step);
+  });
   return found;
 }
 
 bool mentions(const QuindleExpr& condition, const std::set<std::string_view>& names) {
   if (names.empty()) return false;
   bool found = false;
-  tree::walk(
+  tree::each(
       condition, [](const QuindleExpr& node) -> const auto& { return node.operands; },
-      [&](const QuindleExpr& node, const QuindleExpr* /*parent*/, std::size_t index) {
-        if (index == 0 && node.kind == QuindleExpr::Kind::Reference && names.contains(node.name))
-          found = true;
+      [&](const QuindleExpr& node) {
+        if (node.kind == QuindleExpr::Kind::Reference && names.contains(node.name)) found = true;
       });
   return found;
 }

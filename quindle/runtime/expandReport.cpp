@@ -14,7 +14,8 @@ struct Count {
   const char* slot;
 };
 
-constexpr std::array<Count, 2> counts{{{"selected", "modified"}, {"total", "considered"}}};
+constexpr std::array<Count, 2> counts{
+    {{"selected", sceneWords::modifiedSlot}, {"total", sceneWords::consideredSlot}}};
 
 const Count* findCount(const std::string& word) {
   for (const Count& count : counts)

@@ -1,3 +1,4 @@
+#include "quindle/core/QuindleParamTypes.h"
 #include "quindle/runtime/QuindleRuntime.h"
 #include "quindle/runtime/parameterValue.h"
 
@@ -8,15 +9,13 @@ namespace Zamt {
 
 namespace {
 
-constexpr const char* maskName = "Quindle_PreviewMask";
-constexpr const char* maskCreator = "Lattix/Field";
-constexpr const char* defaultMaskField = "mask";
-constexpr const char* displayPrefix = "Display/";
+constexpr const char* maskBase = "PreviewMask";
 
 /// The first parameter that names the data and has a value; empty if there is none.
 std::string dataOf(const QuindleDocument& doc, const std::map<std::string, std::string>& args) {
   for (const QuindleParam& param : doc.params) {
-    if (param.type != "Grid" && param.type != "Field") continue;
+    const QuindleParamType* const type = findQuindleParamType(param.type);
+    if (!type || !type->isData) continue;
     std::string value = parameterValue(doc, args, param.name).value_or("");
     if (!value.empty()) return value;
   }
@@ -25,15 +24,17 @@ std::string dataOf(const QuindleDocument& doc, const std::map<std::string, std::
 
 std::vector<std::string> displaysOf(QuindleOps& ops, const std::string& target) {
   std::vector<std::string> names = ops.consumersOf(target);
-  std::erase_if(names,
-                [&](const std::string& name) { return !ops.creatorOf(name).starts_with(displayPrefix); });
+  std::erase_if(names, [&](const std::string& name) {
+    return !ops.creatorOf(name).starts_with(sceneWords::displayPrefix);
+  });
   return names;
 }
 
 std::string maskFieldOf(QuindleOps& ops, const std::string& editor) {
   std::string field;
   Diag unread;
-  return ops.getParam(editor, "maskfield", field, unread) && !field.empty() ? field : defaultMaskField;
+  const bool named = ops.getParam(editor, sceneWords::maskFieldSlot, field, unread) && !field.empty();
+  return named ? field : sceneWords::usualMaskField;
 }
 
 /// Whether any of the displays took the mask. One that refuses does not stop the others; the errors go to
@@ -43,7 +44,7 @@ bool attachMask(QuindleOps& ops, const std::vector<std::string>& displays, const
   bool attached = false;
   for (const std::string& display : displays) {
     Diag attempt;
-    if (ops.connect(display, "mask", mask, {}, attempt)) attached = true;
+    if (ops.connect(display, sceneWords::maskSlot, mask, {}, attempt)) attached = true;
     attempts.absorb(attempt);
   }
   return attached;
@@ -68,7 +69,8 @@ void QuindleRuntime::showWhatWouldChange(const QuindleDocument& doc,
 
   const std::string field = maskFieldOf(ops, editor);
   Diag local;
-  const std::string mask = ops.create(maskCreator, maskName, local);
+  const std::string mask =
+      ops.create(sceneWords::fieldCreator, std::string(sceneWords::ownPrefix) + maskBase, local);
   if (mask.empty()) {
     diag.note("The preview was worked out, but the mask could not be published for a display to show: " +
                   local.firstError(),
@@ -77,8 +79,8 @@ void QuindleRuntime::showWhatWouldChange(const QuindleDocument& doc,
   }
   // Kept at once, so that the next run removes it whatever happens to it here.
   previewObjects.push_back(mask);
-  if (!ops.connect(mask, "grid", target, {}, local) ||
-      !ops.setParam(mask, "fieldname", field + "@" + field, local)) {
+  if (!ops.connect(mask, sceneWords::gridSlot, target, {}, local) ||
+      !ops.setParam(mask, sceneWords::fieldNameSlot, sceneWords::fieldName(field), local)) {
     diag.note("The preview was worked out, but the mask could not be pointed at \"" + target +
                   "\": " + local.firstError(),
               doc.name);

@@ -1,5 +1,7 @@
 #include "quindle/scene/TolvenQuindleOps.h"
 
+#include "quindle/runtime/QuindleSceneWords.h"
+
 #include "cadmer/VAction.h"
 #include "rethold/Intercube.h"
 #include "rethold/Typename.h"
@@ -238,7 +240,7 @@ std::string TolvenQuindleOps::creatorOf(const std::string& object) {
 
 std::string TolvenQuindleOps::statusOf(const std::string& object) {
   const auto target = findObject(object);
-  const auto slot = target ? slotOfEitherKind(*target, "status") : nullptr;
+  const auto slot = target ? slotOfEitherKind(*target, sceneWords::statusSlot) : nullptr;
   return slot ? textOf(*slot, pool) : std::string();
 }
 

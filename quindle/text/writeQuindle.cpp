@@ -1,7 +1,6 @@
 #include "quindle/text/writeQuindle.h"
 
 #include "quindle/core/NestedSteps.h"
-#include "quindle/core/Tree.h"
 #include "quindle/text/FileWords.h"
 #include "quindle/text/StepKeyword.h"
 
@@ -71,37 +70,31 @@ public:
   explicit StepWriter(std::string& out) : out_(out) {}
 
   void write(const std::vector<QuindleStep>& steps) {
-    const auto nested = [](const QuindleStep& step) { return NestedSteps(step); };
-    for (const QuindleStep& root : steps)
-      tree::walk(root, nested, [this](const QuindleStep& step, const QuindleStep*, std::size_t index) {
-        visit(step, index);
-      });
+    eachStep(
+        steps, [this](const QuindleStep& step, const StepPlace& place) { enter(step, place); },
+        [this](const QuindleStep& step) {
+          if (hasBlocks(step.kind)) closeBlock();
+        });
   }
 
 private:
-  /// Index `index` of the steps in the blocks of `step` comes next.
-  void visit(const QuindleStep& step, std::size_t index) {
-    if (step.kind == QuindleStep::Kind::Comment) {
-      writeComment(step.comment);
-      return;
-    }
-    if (index == 0) {
-      startLine();
-      writeHead(step);
-      if (hasBlocks(step.kind)) openBlock();
-    }
-    if (!hasBlocks(step.kind)) {
-      out_ += '\n';
-      return;
-    }
-    const bool isElseNext = step.kind == QuindleStep::Kind::If && index == step.body.size();
-    if (isElseNext && !step.elseBody.empty()) {
+  void enter(const QuindleStep& step, const StepPlace& place) {
+    if (startsElse(place)) {
       closeBlock();
       startLine();
       out_ += "else";
       openBlock();
     }
-    if (index == NestedSteps(step).size()) closeBlock();
+    if (step.kind == QuindleStep::Kind::Comment) {
+      writeComment(step.comment);
+      return;
+    }
+    startLine();
+    writeHead(step);
+    if (hasBlocks(step.kind))
+      openBlock();
+    else
+      out_ += '\n';
   }
 
   void startLine() { out_.append(level_ * indent.size(), ' '); }

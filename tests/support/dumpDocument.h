@@ -1,7 +1,7 @@
 #pragma once
 
+#include "quindle/core/NestedSteps.h"
 #include "quindle/core/QuindleDocument.h"
-#include "quindle/core/Tree.h"
 
 #include <array>
 #include <string>
@@ -32,24 +32,22 @@ inline std::string dumpExpr(const QuindleExpr& root, Positions positions = Posit
   static constexpr std::array<const char*, 8> kinds{"None", "Literal", "Reference", "Call",
                                                     "And",  "Or",      "Not",       "Compare"};
   std::string out;
-  tree::walk(
+  tree::each(
       root, [](const QuindleExpr& expr) -> const std::vector<QuindleExpr>& { return expr.operands; },
-      [&](const QuindleExpr& expr, const QuindleExpr*, std::size_t index) {
-        if (index == 0) {
-          out += '[';
-          out += kinds.at(static_cast<std::size_t>(expr.kind));
-          if (expr.kind != QuindleExpr::Kind::None) out += dumpPosition(expr.line, expr.column, positions);
-          if (expr.kind == QuindleExpr::Kind::Literal) out += ' ' + dumpValue(expr.value);
-          if (!expr.name.empty()) out += ' ' + expr.name;
-          if (!expr.op.empty()) out += ' ' + expr.op;
+      [&](const QuindleExpr& expr, const tree::Place<QuindleExpr>& place) {
+        if (place.parent) {
+          const std::vector<std::string>& names = place.parent->argNames;
+          out += ' ';
+          if (place.index < names.size() && !names[place.index].empty()) out += names[place.index] + ": ";
         }
-        if (index == expr.operands.size()) {
-          out += ']';
-          return;
-        }
-        out += ' ';
-        if (index < expr.argNames.size() && !expr.argNames[index].empty()) out += expr.argNames[index] + ": ";
-      });
+        out += '[';
+        out += kinds.at(static_cast<std::size_t>(expr.kind));
+        if (expr.kind != QuindleExpr::Kind::None) out += dumpPosition(expr.line, expr.column, positions);
+        if (expr.kind == QuindleExpr::Kind::Literal) out += ' ' + dumpValue(expr.value);
+        if (!expr.name.empty()) out += ' ' + expr.name;
+        if (!expr.op.empty()) out += ' ' + expr.op;
+      },
+      [&out](const QuindleExpr& /*expr*/) { out += ']'; });
   return out;
 }
 
@@ -77,31 +75,12 @@ inline std::string dumpStepHead(const QuindleStep& step, Positions positions = P
 
 /// One line a step, a block two blanks further in than its step, an "Else" between the blocks.
 inline std::string dumpSteps(const std::vector<QuindleStep>& steps, Positions positions = Positions::Shown) {
-  struct Rest {
-    const std::vector<QuindleStep>* list;
-    std::size_t next;
-    bool isElse;
-  };
   std::string out;
-  std::vector<Rest> open{{&steps, 0, false}};
-  while (!open.empty()) {
-    Rest& top = open.back();
-    const std::string indent((open.size() - 1) * 2, ' ');
-    if (top.next < top.list->size()) {
-      const QuindleStep& step = (*top.list)[top.next++];
-      out += indent + dumpStepHead(step, positions) + '\n';
-      if (!step.body.empty() || !step.elseBody.empty()) open.push_back({&step.body, 0, false});
-      continue;
-    }
-    const bool wasElse = top.isElse;
-    open.pop_back();
-    if (open.empty() || wasElse) continue;
-    const Rest& around = open.back();
-    const QuindleStep& step = (*around.list)[around.next - 1];
-    if (step.elseBody.empty()) continue;
-    out += std::string((open.size() - 1) * 2, ' ') + "Else\n";
-    open.push_back({&step.elseBody, 0, true});
-  }
+  eachStep(steps, [&](const QuindleStep& step, const StepPlace& place) {
+    const std::string indent(place.depth * 2, ' ');
+    if (startsElse(place)) out += indent.substr(2) + "Else\n";
+    out += indent + dumpStepHead(step, positions) + '\n';
+  });
   return out;
 }
 
