@@ -1,21 +1,15 @@
 #include "files/AtomicFile.h"
 
 #include "files/Interruption.h"
+#include "files/Stop.h"
+#include "files/temporaryName.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <cerrno>
 #include <climits>
-#include <cstdio>
 #include <cstring>
-#include <fcntl.h>
-#include <filesystem>
-#include <random>
-#include <sys/resource.h>
-#include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 
 namespace Zamt {
 
@@ -24,8 +18,11 @@ namespace {
 /// Bytes written between two looks at whether the user wants to stop: some milliseconds of work.
 constexpr std::size_t pieceSize = std::size_t{8} << 20;
 
-/// Names are tried until one is free; with 64 random bits more than a few mean that something is wrong.
-constexpr int nameAttempts = 16;
+/// Smaller pieces are left to gather before the disk sees them.
+constexpr std::size_t worthStarting = std::size_t{512} << 10;
+
+/// How many processes may write a file of one name at a time; the last to finish wins.
+constexpr unsigned writersAtOnce = 64;
 
 /// Where a signal handler finds the temporaries. It can't follow strings that other threads may free, so the
 /// paths are copied here. One is in use for each file being written; when all are, further files do without.
@@ -47,181 +44,133 @@ int noteTemporary(const std::string& path) {
   return -1;
 }
 
-void forgetTemporary(int slot) {
+void forgetTemporary(int& slot) {
   if (slot < 0) return;
   slots[static_cast<std::size_t>(slot)].holdsPath = false;
   slots[static_cast<std::size_t>(slot)].taken = false;
+  slot = -1;
 }
 
-std::string whyNotCreated(const std::string& directory, int code) {
-  if (code == ENOENT || code == ENOTDIR)
+std::string whyNotCreated(const std::string& directory, std::error_code code) {
+  if (code == std::errc::no_such_file_or_directory || code == std::errc::not_a_directory)
     return "The directory \"" + directory + "\" does not exist. Create it first or write elsewhere.";
-  if (code == EACCES || code == EPERM || code == EROFS)
+  if (code == std::errc::permission_denied || code == std::errc::operation_not_permitted ||
+      code == std::errc::read_only_file_system)
     return "There is no permission to write in the directory \"" + directory +
            "\". Change its permissions or write elsewhere.";
-  return "No file could be created in the directory \"" + directory + "\" (" +
-         std::generic_category().message(code) + "). Put it right or write elsewhere.";
-}
-
-std::string whyNotWritten(const std::string& name, int code) {
-  if (code == ENOSPC || code == EDQUOT)
-    return "There is not enough room on the disk for \"" + name + "\". Make room or write elsewhere.";
-  if (code == EFBIG)
-    return "\"" + name + "\" would be larger than files may be here. Raise the limit or write elsewhere.";
-  return "\"" + name + "\" could not be written (" + std::generic_category().message(code) +
+  return "No file could be created in the directory \"" + directory + "\" (" + code.message() +
          "). Put it right or write elsewhere.";
 }
 
-/// The file that `path` stands for once links are followed; `path` itself when it is none or leads nowhere.
-std::filesystem::path followLinks(const std::filesystem::path& path) {
-  std::error_code failed;
-  if (!std::filesystem::is_symlink(path, failed)) return path;
-  std::filesystem::path resolved = std::filesystem::canonical(path, failed);
-  return failed ? path : resolved;
+std::string whyNotWritten(const std::string& name, std::error_code code) {
+  if (code == std::errc::no_space_on_device)
+    return "There is not enough room on the disk for \"" + name + "\". Make room or write elsewhere.";
+  if (code == std::errc::file_too_large)
+    return "\"" + name + "\" would be larger than files may be here. Raise the limit or write elsewhere.";
+  return "\"" + name + "\" could not be written (" + code.message() + "). Put it right or write elsewhere.";
 }
 
-std::string randomName() {
-  std::random_device source;
-  std::array<char, 17> digits{};
-  std::snprintf(digits.data(), digits.size(), "%08x%08x", source(), source());
-  return std::string(".quindle-") + digits.data() + ".tmp";
+/// What forbids to replace what stands at the target; empty if nothing does.
+std::string whyNotReplaced(const std::string& name, const std::string& directory,
+                           const System::Occupant& occupant, std::error_code code) {
+  using Kind = System::Occupant::Kind;
+  if (occupant.kind == Kind::Directory) return "\"" + name + "\" is a directory. Name a file in it instead.";
+  if (occupant.kind == Kind::Other || occupant.kind == Kind::Device)
+    return "\"" + name + "\" is not a regular file. Write to another name.";
+  if (occupant.kind == Kind::File && code)
+    return "\"" + name + "\" is write-protected. Change its permissions or write elsewhere.";
+  return code ? whyNotCreated(directory, code) : std::string();
 }
 
 } // namespace
 
-bool AtomicFile::openTemporary(const std::string& directory, std::string& error) {
-  for (int attempt = 0; attempt < nameAttempts; ++attempt) {
-    temporary = (std::filesystem::path(directory) / randomName()).string();
-    // Noted before it exists: a signal in between must find it.
-    slot = noteTemporary(temporary);
-    file = ::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
-    if (file >= 0) return true;
-    const int code = errno;
-    forgetTemporary(slot);
-    slot = -1;
-    temporary.clear();
-    if (code == EEXIST) continue;
-    error = whyNotCreated(directory, code);
-    return false;
+bool AtomicFile::openTemporary(std::string& error) {
+  std::error_code code;
+  for (unsigned attempt = 0; attempt < writersAtOnce; ++attempt) {
+    temporary_ = directory_ / temporaryName(target_.filename().string(), attempt, ".tmp");
+    code = System::createHeld(temporary_, file_);
+    if (!code) {
+      slot_ = noteTemporary(temporary_.string());
+      return true;
+    }
+    if (code != std::errc::file_exists) break;
   }
-  error = whyNotCreated(directory, EEXIST);
+  temporary_.clear();
+  error = whyNotCreated(directory_.string(), code);
   return false;
 }
 
-bool AtomicFile::keepPermissions(std::string& error) {
-  struct stat old {};
-  if (::stat(target.c_str(), &old) != 0) return true;
-  // Only the superuser may give files away, so that failing to is usual.
-  if (::fchown(file, old.st_uid, old.st_gid) != 0) errno = 0;
-  if (::fchmod(file, old.st_mode & 07777) == 0) return true;
-  error = whyNotWritten(name, errno);
-  return false;
-}
-
-std::unique_ptr<AtomicFile> AtomicFile::create(const std::string& target, std::string& error) {
+std::unique_ptr<AtomicFile> AtomicFile::create(const std::string& target, std::string& error,
+                                               const Stop* stop) {
   std::unique_ptr<AtomicFile> result(new AtomicFile);
-  result->name = target;
-  const std::filesystem::path path = followLinks(target);
-  result->target = path.string();
-  struct stat old {};
-  if (::stat(result->target.c_str(), &old) == 0) {
-    if (S_ISDIR(old.st_mode)) {
-      error = "\"" + target + "\" is a directory. Name a file in it instead.";
-      return nullptr;
-    }
-    if (!S_ISREG(old.st_mode)) {
-      error = "\"" + target + "\" is not a regular file. Write to another name.";
-      return nullptr;
-    }
-    if (::access(result->target.c_str(), W_OK) != 0) {
-      error = "\"" + target + "\" is write-protected. Change its permissions or write elsewhere.";
-      return nullptr;
-    }
+  result->name_ = target;
+  result->stop_ = stop;
+  const std::optional<std::filesystem::path> path = System::followLinks(target);
+  if (!path) {
+    error = "\"" + target + "\" is a link that leads in a circle. Remove it or write elsewhere.";
+    return nullptr;
   }
-  const std::string directory = path.has_parent_path() ? path.parent_path().string() : ".";
-  if (!result->openTemporary(directory, error) || !result->keepPermissions(error)) return nullptr;
+  result->target_ = *path;
+  result->directory_ = path->has_parent_path() ? path->parent_path() : ".";
+  const std::error_code code = System::lookForWriting(*path, result->replaced_);
+  error = whyNotReplaced(target, result->directory_.string(), result->replaced_, code);
+  if (!error.empty() || !result->openTemporary(error)) return nullptr;
   return result;
 }
 
 AtomicFile::~AtomicFile() {
-  if (file >= 0) ::close(file);
-  if (!temporary.empty()) ::unlink(temporary.c_str());
-  forgetTemporary(slot);
+  if (!temporary_.empty()) System::remove(temporary_.c_str());
+  forgetTemporary(slot_);
+}
+
+bool AtomicFile::stopped(std::string& error) const {
+  if (!interrupted && (stop_ == nullptr || !stop_->requested())) return false;
+  error = stoppedMessage;
+  return true;
 }
 
 bool AtomicFile::reserve(std::uint64_t size, std::string& error) {
-  if (size == 0) return true;
-  // Asked beforehand, because writing past the limit ends the process by a signal.
-  struct rlimit limit {};
-  if (::getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY && size > limit.rlim_cur) {
-    error = whyNotWritten(name, EFBIG);
-    return false;
-  }
-  if (::fallocate(file, 0, 0, static_cast<off_t>(size)) == 0) return true;
-  if (errno == ENOSPC || errno == EDQUOT || errno == EFBIG) {
-    error = whyNotWritten(name, errno);
-    return false;
-  }
-  return true; // file systems that can't reserve say so when they are full
+  const std::error_code code = size == 0 ? std::error_code() : System::reserve(file_, size);
+  if (code) error = whyNotWritten(name_, code);
+  return !code;
 }
-
-/// Smaller pieces are left to gather before the disk sees them.
-constexpr std::size_t worthStarting = std::size_t{512} << 10;
 
 bool AtomicFile::write(std::uint64_t offset, std::span<const std::byte> bytes, std::string& error) {
   while (!bytes.empty()) {
-    if (interrupted) {
-      error = interruptedMessage;
+    if (stopped(error)) return false;
+    std::size_t written = 0;
+    const std::error_code code =
+        System::writeAt(file_, offset, bytes.first(std::min(bytes.size(), pieceSize)), written);
+    if (code) {
+      error = whyNotWritten(name_, code);
       return false;
     }
-    const ssize_t written =
-        ::pwrite(file, bytes.data(), std::min(bytes.size(), pieceSize), static_cast<off_t>(offset));
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) {
-      error = whyNotWritten(name, written < 0 ? errno : ENOSPC);
-      return false;
-    }
-#if defined(SYNC_FILE_RANGE_WRITE)
-    // The disk starts on what is there while the rest is being worked out, so that `commit` has less to wait
-    // for. A hint: what comes of it shows there.
-    if (static_cast<std::size_t>(written) >= worthStarting)
-      ::sync_file_range(file, static_cast<off_t>(offset), written, SYNC_FILE_RANGE_WRITE);
-#endif
-    offset += static_cast<std::uint64_t>(written);
-    bytes = bytes.subspan(static_cast<std::size_t>(written));
+    if (written >= worthStarting) System::startFlush(file_, offset, written);
+    offset += written;
+    bytes = bytes.subspan(written);
   }
   return true;
 }
 
 bool AtomicFile::commit(std::string& error) {
-  if (::fdatasync(file) != 0) {
-    error = whyNotWritten(name, errno);
+  std::error_code code = System::givePermissions(file_, replaced_);
+  if (!code) code = System::flush(file_);
+  if (!code && stopped(error)) return false;
+  if (!code) code = System::rename(temporary_, target_);
+  if (code) {
+    error = whyNotWritten(name_, code);
     return false;
   }
-  if (interrupted) {
-    error = interruptedMessage;
-    return false;
-  }
-  if (::rename(temporary.c_str(), target.c_str()) != 0) {
-    error = whyNotWritten(name, errno);
-    return false;
-  }
-  const std::string directory = std::filesystem::path(temporary).parent_path().string();
-  temporary.clear();
-  forgetTemporary(slot);
-  slot = -1;
+  temporary_.clear();
+  forgetTemporary(slot_);
   // The file stands whole under its name either way; this only makes the name itself survive a power cut.
-  const int folder = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (folder >= 0) {
-    ::fsync(folder);
-    ::close(folder);
-  }
+  System::flushDirectory(directory_);
   return true;
 }
 
 void removeTemporaries() noexcept {
   for (Slot& slot : slots)
-    if (slot.holdsPath.exchange(false)) ::unlink(slot.path.data());
+    if (slot.holdsPath.exchange(false)) System::remove(slot.path.data());
 }
 
 } // namespace Zamt

@@ -6,17 +6,16 @@ namespace Zamt {
 
 enum class Replaced {
   Done,
-  NotBegun,   ///< The file may not be written, or its directory takes no new one.
+  NotBegun,   ///< The file may not be written.
   NotFinished ///< The disk is full, or failed.
 };
 
-/// Gives the file at `path` these bytes. They are written under another name beside it, flushed and renamed,
-/// so that whatever fails or ends the process, the file holds its old bytes or all of the new ones. A
-/// symbolic link stays one, and the file it leads to is replaced, or made if the link dangles; permissions
-/// stay. What is neither a regular file nor absent is not touched.
+/// Gives the file at `path` these bytes, in place of what was there, as `AtomicFile` does.
 ///
-/// A process that is killed in between may leave the other name behind: it begins with a dot and ends in
-/// ".tmp".
+/// Where no other file may take its place (its directory takes no new one or keeps what is another user's, it
+/// has several names, or it is a device) the bytes are written over the old ones. Those of a file are kept in
+/// a copy beside it, or in the directory for temporary files, until the disk holds the new ones; a process
+/// that is killed in between leaves the copy. What is a directory, a pipe or a socket is not touched.
 Replaced replaceFile(const std::string& path, const std::string& bytes);
 
 } // namespace Zamt

@@ -8,93 +8,7 @@
 
 namespace Zamt {
 
-namespace tree {
-
-template <>
-struct Shape<QuindleValue> {
-  static void eachList(auto& value, const auto& visit) { visit(value.items); }
-
-  static void copyFields(const QuindleValue& from, QuindleValue& to) {
-    to.kind = from.kind;
-    to.boolValue = from.boolValue;
-    to.numberValue = from.numberValue;
-    to.textValue = from.textValue;
-  }
-};
-
-template <>
-struct Shape<QuindleExpr> {
-  static void eachList(auto& expr, const auto& visit) { visit(expr.operands); }
-
-  static void copyFields(const QuindleExpr& from, QuindleExpr& to) {
-    to.kind = from.kind;
-    to.value = from.value;
-    to.name = from.name;
-    to.op = from.op;
-    to.argNames = from.argNames;
-    to.line = from.line;
-    to.column = from.column;
-  }
-};
-
-template <>
-struct Shape<QuindleStep> {
-  static void eachList(auto& step, const auto& visit) {
-    visit(step.body);
-    visit(step.elseBody);
-  }
-
-  static void copyFields(const QuindleStep& from, QuindleStep& to) {
-    to.kind = from.kind;
-    to.name = from.name;
-    to.source = from.source;
-    to.value = from.value;
-    to.condition = from.condition;
-    to.args = from.args;
-    to.argNames = from.argNames;
-    to.color = from.color;
-    to.classNumber = from.classNumber;
-    to.comment = from.comment;
-    to.line = from.line;
-    to.column = from.column;
-  }
-};
-
-} // namespace tree
-
 namespace {
-
-void moveOwnFields(QuindleValue& from, QuindleValue& to) noexcept {
-  to.kind = from.kind;
-  to.boolValue = from.boolValue;
-  to.numberValue = from.numberValue;
-  to.textValue.swap(from.textValue);
-}
-
-void moveOwnFields(QuindleExpr& from, QuindleExpr& to) noexcept {
-  to.kind = from.kind;
-  to.value = std::move(from.value);
-  to.name.swap(from.name);
-  to.op.swap(from.op);
-  to.argNames.swap(from.argNames);
-  to.line = from.line;
-  to.column = from.column;
-}
-
-void moveOwnFields(QuindleStep& from, QuindleStep& to) noexcept {
-  to.kind = from.kind;
-  to.name.swap(from.name);
-  to.source.swap(from.source);
-  to.value = std::move(from.value);
-  to.condition = std::move(from.condition);
-  to.args.swap(from.args);
-  to.argNames.swap(from.argNames);
-  to.color = std::move(from.color);
-  to.classNumber = std::move(from.classNumber);
-  to.comment.swap(from.comment);
-  to.line = from.line;
-  to.column = from.column;
-}
 
 std::string quoted(const std::string& text) {
   std::string out = "\"";
@@ -182,61 +96,38 @@ void printBetween(const tree::Place<QuindleExpr>& place, std::string& out) {
 
 } // namespace
 
-QuindleValue::QuindleValue(const QuindleValue& other) {
-  tree::Shape<QuindleValue>::copyFields(other, *this);
-  if (!other.items.empty()) tree::copyChildren(other, *this);
-}
+QuindleValue::QuindleValue(const QuindleValue& other) { tree::copy(other, *this); }
 
 QuindleValue& QuindleValue::operator=(const QuindleValue& other) { return *this = QuindleValue(other); }
 
-// The source may live below the target, so it is taken out before anything of the target is let go.
 QuindleValue& QuindleValue::operator=(QuindleValue&& other) noexcept {
-  QuindleValue taken(std::move(other));
-  moveOwnFields(taken, *this);
-  items.swap(taken.items);
+  tree::move(other, *this);
   return *this;
 }
 
-QuindleValue::~QuindleValue() {
-  if (!items.empty()) tree::destroyChildren(*this);
-}
+QuindleValue::~QuindleValue() { tree::destroyChildren(*this); }
 
-QuindleExpr::QuindleExpr(const QuindleExpr& other) {
-  tree::Shape<QuindleExpr>::copyFields(other, *this);
-  if (!other.operands.empty()) tree::copyChildren(other, *this);
-}
+QuindleExpr::QuindleExpr(const QuindleExpr& other) { tree::copy(other, *this); }
 
 QuindleExpr& QuindleExpr::operator=(const QuindleExpr& other) { return *this = QuindleExpr(other); }
 
 QuindleExpr& QuindleExpr::operator=(QuindleExpr&& other) noexcept {
-  QuindleExpr taken(std::move(other));
-  moveOwnFields(taken, *this);
-  operands.swap(taken.operands);
+  tree::move(other, *this);
   return *this;
 }
 
-QuindleExpr::~QuindleExpr() {
-  if (!operands.empty()) tree::destroyChildren(*this);
-}
+QuindleExpr::~QuindleExpr() { tree::destroyChildren(*this); }
 
-QuindleStep::QuindleStep(const QuindleStep& other) {
-  tree::Shape<QuindleStep>::copyFields(other, *this);
-  if (!other.body.empty() || !other.elseBody.empty()) tree::copyChildren(other, *this);
-}
+QuindleStep::QuindleStep(const QuindleStep& other) { tree::copy(other, *this); }
 
 QuindleStep& QuindleStep::operator=(const QuindleStep& other) { return *this = QuindleStep(other); }
 
 QuindleStep& QuindleStep::operator=(QuindleStep&& other) noexcept {
-  QuindleStep taken(std::move(other));
-  moveOwnFields(taken, *this);
-  body.swap(taken.body);
-  elseBody.swap(taken.elseBody);
+  tree::move(other, *this);
   return *this;
 }
 
-QuindleStep::~QuindleStep() {
-  if (!body.empty() || !elseBody.empty()) tree::destroyChildren(*this);
-}
+QuindleStep::~QuindleStep() { tree::destroyChildren(*this); }
 
 QuindleValue QuindleValue::number(double value) {
   QuindleValue made;

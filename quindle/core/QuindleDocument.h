@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 /// @file
@@ -31,6 +32,13 @@ struct QUINDLE_API QuindleValue {
   double numberValue = 0;          ///< Of a Number.
   std::string textValue;           ///< Of a Text or an Identifier; of a Number its spelling in the file.
   std::vector<QuindleValue> items; ///< Of a Tuple, in order.
+
+  /// All fields in this order, as a tuple of references: what copies, moves or shows a whole record goes
+  /// through them. No field can be left out: the list of names has to be as long as the record's.
+  static auto fieldsOf(auto& record) {
+    auto& [kind, boolValue, numberValue, textValue, items] = record;
+    return std::tie(kind, boolValue, numberValue, textValue, items);
+  }
 
   /// A copy is deep. None of these recurses, however deep the nesting.
   /// @{
@@ -79,6 +87,12 @@ struct QUINDLE_API QuindleExpr {
   std::vector<std::string> argNames;
   std::int32_t line = 0;   ///< Where the node starts, from 1; 0 for nowhere.
   std::int32_t column = 0; ///< Likewise, in bytes.
+
+  /// All fields in this order, as a tuple of references.
+  static auto fieldsOf(auto& record) {
+    auto& [kind, value, name, op, operands, argNames, line, column] = record;
+    return std::tie(kind, value, name, op, operands, argNames, line, column);
+  }
 
   /// A copy is deep. None of these recurses, however deep the nesting.
   /// @{
@@ -129,6 +143,14 @@ struct QUINDLE_API QuindleStep {
   std::int32_t line = 0;             ///< Of the step's keyword.
   std::int32_t column = 0;           ///< Likewise; 0 on a Comment.
 
+  /// All fields in this order, as a tuple of references.
+  static auto fieldsOf(auto& record) {
+    auto& [kind, name, source, value, condition, args, argNames, color, classNumber, comment, body, elseBody,
+           line, column] = record;
+    return std::tie(kind, name, source, value, condition, args, argNames, color, classNumber, comment, body,
+                    elseBody, line, column);
+  }
+
   /// A copy is deep. None of these recurses, however deep the nesting.
   /// @{
   QuindleStep() = default;
@@ -158,7 +180,13 @@ struct QUINDLE_API QuindleParam {
   QuindleValue maximum;                                 ///< Inclusive, like `minimum`.
   std::string help;                                     ///< The sentence for the user; may be empty.
   std::int32_t line = 0;                                ///< Of the word "param".
-  std::int32_t column = 0;                              ///< Likewise, in bytes from 1.
+  std::int32_t column = 0;                              ///< Which the reader leaves at 0.
+
+  /// All fields in this order, as a tuple of references.
+  static auto fieldsOf(auto& record) {
+    auto& [name, type, defaultSource, defaultValue, minimum, maximum, help, line, column] = record;
+    return std::tie(name, type, defaultSource, defaultValue, minimum, maximum, help, line, column);
+  }
 };
 
 /// One "on" block.
@@ -170,6 +198,12 @@ struct QUINDLE_API QuindleTrigger {
   std::string key;                ///< Of a Key trigger, as written.
   std::vector<QuindleStep> steps; ///< In the order of the file, comments included.
   std::int32_t line = 0;          ///< Of the word "on".
+
+  /// All fields in this order, as a tuple of references.
+  static auto fieldsOf(auto& record) {
+    auto& [kind, key, steps, line] = record;
+    return std::tie(kind, key, steps, line);
+  }
 };
 
 /// A whole file.
@@ -192,6 +226,14 @@ struct QUINDLE_API QuindleDocument {
   std::uint32_t revision = 0;           ///< Raised by `touch`; tells a runtime that its program is old.
   std::map<std::int32_t, Listener> listeners; ///< By number; see `addListener`.
   std::int32_t nextListenerId = 1;            ///< The number that the next listener gets.
+
+  /// All fields in this order, as a tuple of references.
+  static auto fieldsOf(auto& record) {
+    auto& [name, description, category, icon, author, version, tags, shortcut, enabled, params, triggers,
+           sourceFile, revision, listeners, nextListenerId] = record;
+    return std::tie(name, description, category, icon, author, version, tags, shortcut, enabled, params,
+                    triggers, sourceFile, revision, listeners, nextListenerId);
+  }
 
   /// The first parameter of exactly this name, or null. It lives as long as `params` is not changed.
   /// @{

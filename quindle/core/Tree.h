@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -8,13 +9,52 @@
 /// The one place where trees of records are walked. Records hold records of their own kind, as deep as the
 /// input likes, so no pass may recurse: each of these keeps its own stack on the heap and costs linear time.
 ///
-/// A record type takes part by a specialisation of `Shape`.
+/// A record lists its fields in `fieldsOf`; those that are vectors of its own type hold its children.
 namespace Zamt::tree {
 
-/// `Shape<Node>::eachList(node, f)` calls `f` with each vector of child records that `node` holds, const or
-/// not as the node is; `Shape<Node>::copyFields(from, to)` copies everything else.
+template <class Node, class Field>
+inline constexpr bool isChildList = std::is_same_v<Field, std::vector<Node>>;
+
+/// Calls `visit` with each field of `from` and the same field of `to`.
+template <class From, class Node, class Visit>
+void eachFieldPair(From& from, Node& to, const Visit& visit) {
+  const auto sources = Node::fieldsOf(from);
+  const auto targets = Node::fieldsOf(to);
+  const auto visitAll = [&]<std::size_t... index>(std::index_sequence<index...>) {
+    (visit(std::get<index>(sources), std::get<index>(targets)), ...);
+  };
+  visitAll(std::make_index_sequence<std::tuple_size_v<decltype(targets)>>());
+}
+
+/// Makes `to`, a new record, a deep copy of `from`; for the copy constructor of a record.
 template <class Node>
-struct Shape;
+void copy(const Node& from, Node& to) {
+  std::vector<std::pair<const Node*, Node*>> pending;
+  const auto copyOne = [&pending](const Node& source, Node& target) {
+    eachFieldPair(source, target, [&pending]<class Field>(const Field& original, Field& copied) {
+      if constexpr (isChildList<Node, Field>) {
+        copied.resize(original.size());
+        for (std::size_t i = 0; i < original.size(); ++i) pending.emplace_back(&original[i], &copied[i]);
+      } else {
+        copied = original;
+      }
+    });
+  };
+  copyOne(from, to);
+  while (!pending.empty()) {
+    const auto [source, target] = pending.back();
+    pending.pop_back();
+    copyOne(*source, *target);
+  }
+}
+
+/// Moves `from` to `to`; for the move assignment of a record. The source may live below the target, so it is
+/// taken out before anything of the target is let go.
+template <class Node>
+void move(Node& from, Node& to) noexcept {
+  Node taken(std::move(from));
+  eachFieldPair(taken, to, [](auto& source, auto& target) { target = std::move(source); });
+}
 
 // A record's destructor calls this, and the lists destroyed here call that of their records, but of records
 // whose own lists have been taken: it never goes deeper than that.
@@ -25,16 +65,20 @@ template <class Node>
 void destroyChildren(Node& node) noexcept {
   using List = std::vector<Node>;
   std::vector<List> pending;
-  const auto takeLists = [&pending](Node& from) {
-    Shape<Node>::eachList(from, [&pending](List& list) {
-      if (!list.empty()) pending.push_back(std::move(list));
-    });
+  const auto eachList = [](Node& of, const auto& visit) {
+    const auto visitField = [&visit]<class Field>(Field& field) {
+      if constexpr (isChildList<Node, Field>) visit(field);
+    };
+    std::apply([&](auto&... field) { (visitField(field), ...); }, Node::fieldsOf(of));
   };
   // A list of leaves, by far the commonest case, is left to its own destructor: it goes no deeper.
   const auto takeListsBelow = [&](List& list) {
-    for (Node& child : list) takeLists(child);
+    for (Node& child : list)
+      eachList(child, [&pending](List& below) {
+        if (!below.empty()) pending.push_back(std::move(below));
+      });
   };
-  Shape<Node>::eachList(node, takeListsBelow);
+  eachList(node, takeListsBelow);
   while (!pending.empty()) {
     List list = std::move(pending.back());
     pending.pop_back();
@@ -43,35 +87,6 @@ void destroyChildren(Node& node) noexcept {
 }
 
 // NOLINTEND(misc-no-recursion)
-
-/// Whether any list of `node` holds a child.
-template <class Node>
-bool hasChildren(const Node& node) {
-  bool found = false;
-  Shape<Node>::eachList(node, [&found](const std::vector<Node>& list) { found = found || !list.empty(); });
-  return found;
-}
-
-/// Copies everything below `from` to below `to`, whose child lists are empty; for copying a record.
-template <class Node>
-void copyChildren(const Node& from, Node& to) {
-  std::vector<std::pair<const Node*, Node*>> pending{{&from, &to}};
-  while (!pending.empty()) {
-    const auto [source, target] = pending.back();
-    pending.pop_back();
-    std::vector<const std::vector<Node>*> sources;
-    Shape<Node>::eachList(*source, [&](const std::vector<Node>& list) { sources.push_back(&list); });
-    auto next = sources.begin();
-    Shape<Node>::eachList(*target, [&](std::vector<Node>& list) {
-      const std::vector<Node>& original = **next++;
-      list.resize(original.size());
-      for (std::size_t i = 0; i < original.size(); ++i) {
-        Shape<Node>::copyFields(original[i], list[i]);
-        if (hasChildren(original[i])) pending.emplace_back(&original[i], &list[i]);
-      }
-    });
-  }
-}
 
 /// Where a node stands in a walk.
 template <class Node>

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace Zamt {
@@ -30,6 +31,12 @@ struct QUINDLE_API QuindlePlanNode {
   std::vector<QuindleExpr> arguments;          ///< One for each parameter of `operation`, in that order.
   std::vector<QuindlePlanNode> children;       ///< Of an And or an Or.
   std::int32_t line = 0;                       ///< Of the expression that the node came from.
+
+  /// All fields in this order, as a tuple of references.
+  static auto fieldsOf(auto& record) {
+    auto& [kind, operation, negated, arguments, children, line] = record;
+    return std::tie(kind, operation, negated, arguments, children, line);
+  }
 
   /// A copy is deep. None of these recurses, however deep the nesting.
   /// @{

@@ -1,6 +1,7 @@
 #include "quindle/plan/compileSelect.h"
 
 #include "quindle/plan/compileClassify.h"
+#include "quindle/plan/compileIndexedSelect.h"
 #include "quindle/runtime/QuindleSceneWords.h"
 
 #include <algorithm>
@@ -23,15 +24,15 @@ struct Compiled {
 
 class SelectCompiler {
 public:
-  SelectCompiler(const QuindleDocument& forDocument, QuindleOps& onScene, const std::string& namePrefix,
-                 std::vector<QuindleBinding>& allBindings, Diag& toDiag)
-      : document(forDocument), ops(onScene), prefix(namePrefix), bindings(allBindings), diag(toDiag) {}
+  SelectCompiler(const ParamIndex& params, QuindleOps& ops, const std::string& prefix,
+                 std::vector<QuindleBinding>& bindings, Diag& diag)
+      : params_(params), ops_(ops), prefix_(prefix), bindings_(bindings), diag_(diag) {}
 
   Compiled compile(const QuindlePlanNode& root, const std::string& source) {
     Compiled last{true, source};
     enter(root, source, last);
-    while (!stack.empty()) {
-      Frame& top = stack.back();
+    while (!stack_.empty()) {
+      Frame& top = stack_.back();
       if (!top.stopped && top.next < top.node->children.size()) {
         const QuindlePlanNode& child = top.node->children[top.next++];
         // A copy: entering the child may move the frames.
@@ -39,9 +40,9 @@ public:
         if (!enter(child, from, last)) continue;
       } else {
         last = {top.ok, std::move(top.current)};
-        stack.pop_back();
+        stack_.pop_back();
       }
-      if (!stack.empty()) fold(stack.back(), last);
+      if (!stack_.empty()) fold(stack_.back(), last);
     }
     return last;
   }
@@ -51,24 +52,24 @@ private:
   struct Frame {
     const QuindlePlanNode* node;
     std::string source;
-    std::string current; // end of the chain so far; of an Or, what joins the branches so far
+    std::string current; ///< End of the chain so far; of an Or, what joins the branches so far.
     std::size_t next;
     bool ok;
     bool hasBranch;
-    bool stopped; // nothing more is done for this node
+    bool stopped; ///< Nothing more is done for this node.
   };
 
   /// Compiles a node that has no children to wait for: true, with what came of it. Otherwise a frame is
   /// opened.
   bool enter(const QuindlePlanNode& node, const std::string& source, Compiled& compiled) {
     switch (node.kind) {
-    case PlanKind::And: stack.push_back({&node, source, source, 0, true, false, false}); return false;
+    case PlanKind::And: stack_.push_back({&node, source, source, 0, true, false, false}); return false;
     case PlanKind::Or:
       if (!node.children.empty()) {
-        stack.push_back({&node, source, {}, 0, true, false, false});
+        stack_.push_back({&node, source, {}, 0, true, false, false});
         return false;
       }
-      diag.at(Diag::Severity::Error, "An \"or\" with nothing in it.", {}, node.line, 0);
+      diag_.at(Diag::Severity::Error, "An \"or\" with nothing in it.", {}, node.line, 0);
       break;
     case PlanKind::Condition:
       if (!node.operation) break;
@@ -92,15 +93,15 @@ private:
   }
 
   void join(Frame& frame, const std::string& branch) {
-    const std::string object = ops.create(sceneWords::joiningCreator, objectName(joiningBase), diag);
+    const std::string object = ops_.create(sceneWords::joiningCreator, objectName(joiningBase), diag_);
     if (object.empty()) {
       frame.ok = false;
       frame.stopped = true;
       frame.current = frame.source;
       return;
     }
-    if (!ops.connect(object, sceneWords::brushSlot, frame.current, "", diag) ||
-        !ops.connect(object, sceneWords::otherBrushSlot, branch, "", diag))
+    if (!ops_.connect(object, sceneWords::brushSlot, frame.current, "", diag_) ||
+        !ops_.connect(object, sceneWords::otherBrushSlot, branch, "", diag_))
       frame.ok = false;
     frame.current = object;
   }
@@ -110,20 +111,20 @@ private:
     if (node.operation->name != regionCondition || node.negated || node.arguments.empty()) return false;
     const QuindleExpr& region = node.arguments.front();
     if (region.kind != QuindleExpr::Kind::Reference) return false;
-    const QuindleParam* const param = document.findParam(region.name);
+    const QuindleParam* const param = params_.find(region.name);
     return param && param->defaultSource == QuindleParam::DefaultSource::Brush;
   }
 
   void compileCondition(const QuindlePlanNode& node, const std::string& source, Compiled& compiled) {
     const QuindleOperation& operation = *node.operation;
-    const std::string object = ops.create(operation.creator, objectName(operation.name), diag);
+    const std::string object = ops_.create(operation.creator, objectName(operation.name), diag_);
     if (object.empty() ||
-        (!source.empty() && !ops.connect(object, sceneWords::brushSlot, source, "", diag))) {
+        (!source.empty() && !ops_.connect(object, sceneWords::brushSlot, source, "", diag_))) {
       compiled.ok = false;
       return;
     }
     const auto set = [&](const std::string& slot, const std::string& value) {
-      if (!ops.setParam(object, slot, value, diag)) compiled.ok = false;
+      if (!ops_.setParam(object, slot, value, diag_)) compiled.ok = false;
     };
     const std::size_t count = std::min(operation.params.size(), node.arguments.size());
     for (std::size_t i = 0; i < count; ++i) {
@@ -143,15 +144,15 @@ private:
             const QuindleExpr& argument) {
     const std::string& condition = node.operation->name;
     if (argument.kind != QuindleExpr::Kind::Reference) {
-      diag.at(Diag::Severity::Error,
-              "The \"" + target.name + "\" of \"" + condition + "\" is " + argument.toSource() +
-                  ", which cannot be worked out here.",
-              condition, node.line, 0);
+      diag_.at(Diag::Severity::Error,
+               "The \"" + target.name + "\" of \"" + condition + "\" is " + argument.toSource() +
+                   ", which cannot be worked out here.",
+               condition, node.line, 0);
       return false;
     }
-    const QuindleParam* const param = document.findParam(argument.name);
+    const QuindleParam* const param = params_.find(argument.name);
     if (!param) {
-      diag.at(
+      diag_.at(
           Diag::Severity::Error,
           "\"" + argument.name +
               "\" is not a parameter of this Quindle. Declare it with \"param\", or put it in quotes if it "
@@ -159,30 +160,36 @@ private:
           condition, argument.line, argument.column);
       return false;
     }
-    bindings.push_back({object, target.slot, param->name, isQuindleObjectType(param->type)});
+    bindings_.push_back({object, target.slot, param->name, isQuindleObjectType(param->type)});
     return true;
   }
 
   /// The name to ask for; the number serves the whole select, so that no two are alike.
-  std::string objectName(const std::string& base) { return prefix + base + std::to_string(++counter); }
+  std::string objectName(const std::string& base) { return prefix_ + base + std::to_string(++counter_); }
 
-  const QuindleDocument& document;
-  QuindleOps& ops;
-  const std::string prefix; // a copy: the caller's text may be the one that receives the result
-  std::vector<QuindleBinding>& bindings;
-  Diag& diag;
-  std::int32_t counter = 0;
-  std::vector<Frame> stack;
+  const ParamIndex& params_;
+  QuindleOps& ops_;
+  const std::string prefix_; ///< A copy: the caller's text may be the one that receives the result.
+  std::vector<QuindleBinding>& bindings_;
+  Diag& diag_;
+  std::int32_t counter_ = 0;
+  std::vector<Frame> stack_;
 };
 
 } // namespace
 
+bool compileIndexedSelect(const QuindlePlanNode& plan, const ParamIndex& params, QuindleOps& ops,
+                          const std::string& source, const std::string& prefix, std::string& out,
+                          std::vector<QuindleBinding>& bindings, Diag& diag) {
+  Compiled compiled = SelectCompiler(params, ops, prefix, bindings, diag).compile(plan, source);
+  out = std::move(compiled.out);
+  return compiled.ok;
+}
+
 bool compileSelect(const QuindlePlanNode& plan, const QuindleDocument& document, QuindleOps& ops,
                    const std::string& source, const std::string& prefix, std::string& out,
                    std::vector<QuindleBinding>& bindings, Diag& diag) {
-  Compiled compiled = SelectCompiler(document, ops, prefix, bindings, diag).compile(plan, source);
-  out = std::move(compiled.out);
-  return compiled.ok;
+  return compileIndexedSelect(plan, ParamIndex(document), ops, source, prefix, out, bindings, diag);
 }
 
 } // namespace Zamt

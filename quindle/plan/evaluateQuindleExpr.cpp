@@ -1,6 +1,7 @@
 #include "quindle/plan/evaluateQuindleExpr.h"
 
 #include "quindle/core/Numbers.h"
+#include "quindle/plan/parameterValue.h"
 
 #include <optional>
 #include <utility>
@@ -18,14 +19,14 @@ using ValueKind = QuindleValue::Kind;
 class Worked {
 public:
   Worked() = default;
-  explicit Worked(QuindleValue value) : made(std::move(value)) {}
-  explicit Worked(const QuindleValue* value) : shared(value) {}
+  explicit Worked(QuindleValue value) : made_(std::move(value)) {}
+  explicit Worked(const QuindleValue* value) : shared_(value) {}
 
-  const QuindleValue& value() const { return shared ? *shared : made; }
+  const QuindleValue& value() const { return shared_ ? *shared_ : made_; }
 
 private:
-  QuindleValue made;
-  const QuindleValue* shared = nullptr;
+  QuindleValue made_;
+  const QuindleValue* shared_ = nullptr;
 };
 
 bool isTrue(const QuindleValue& value) {
@@ -70,24 +71,24 @@ std::optional<bool> compareTexts(const std::string& op, const QuindleValue& left
 
 class Evaluator {
 public:
-  Evaluator(const QuindleDocument& ofDocument, const std::map<std::string, std::string>& supplied,
-            const std::map<std::string, QuindleValue>& earlierLets, Diag& toDiag)
-      : document(ofDocument), params(supplied), lets(earlierLets), diag(toDiag) {}
+  Evaluator(const QuindleDocument& document, const std::map<std::string, std::string>& params,
+            const std::map<std::string, QuindleValue>& lets, Diag& diag)
+      : document_(document), params_(params), lets_(lets), diag_(diag) {}
 
   /// What the expression is worth, or nothing after a fault.
   std::optional<Worked> evaluate(const QuindleExpr& root) {
     if (!enter(root)) return std::nullopt;
-    while (!stack.empty()) {
-      Frame& top = stack.back();
+    while (!stack_.empty()) {
+      Frame& top = stack_.back();
       if (top.next > 0 && decided(top)) {
-        stack.pop_back();
+        stack_.pop_back();
       } else if (top.next < top.expr->operands.size()) {
         if (!enter(top.expr->operands[top.next++])) return std::nullopt;
       } else if (!finish(*top.expr)) {
         return std::nullopt;
       }
     }
-    return std::move(last);
+    return std::move(last_);
   }
 
 private:
@@ -99,7 +100,7 @@ private:
 
   bool enter(const QuindleExpr& expr) {
     switch (expr.kind) {
-    case Kind::Literal: last = Worked(&expr.value); return true;
+    case Kind::Literal: last_ = Worked(&expr.value); return true;
     case Kind::Reference: return lookUp(expr);
     case Kind::Call:
       return fault(expr,
@@ -112,12 +113,12 @@ private:
     case Kind::Compare: return open(expr, expr.operands.size() == 2);
     case Kind::None: break;
     }
-    diag.error("There is nothing to work out here.", document.sourceFile);
+    diag_.error("There is nothing to work out here.", document_.sourceFile);
     return false;
   }
 
   bool open(const QuindleExpr& expr, bool wellFormed) {
-    if (wellFormed) stack.push_back({&expr, 0});
+    if (wellFormed) stack_.push_back({&expr, 0});
     return wellFormed;
   }
 
@@ -126,82 +127,76 @@ private:
     const Kind kind = frame.expr->kind;
     if (kind == Kind::And || kind == Kind::Or) {
       const bool deciding = kind == Kind::Or;
-      if (isTrue(last.value()) != deciding) return false;
-      last = truth(deciding);
+      if (isTrue(last_.value()) != deciding) return false;
+      last_ = truth(deciding);
       return true;
     }
-    if (kind == Kind::Compare && frame.next == 1) lefts.push_back(std::move(last));
+    if (kind == Kind::Compare && frame.next == 1) lefts_.push_back(std::move(last_));
     return false;
   }
 
   /// Ends the operation on top, all of whose operands were taken in.
   bool finish(const QuindleExpr& expr) {
-    stack.pop_back();
+    stack_.pop_back();
     switch (expr.kind) {
-    case Kind::And: last = truth(true); return true;
-    case Kind::Or: last = truth(false); return true;
-    case Kind::Not: last = truth(!isTrue(last.value())); return true;
+    case Kind::And: last_ = truth(true); return true;
+    case Kind::Or: last_ = truth(false); return true;
+    case Kind::Not: last_ = truth(!isTrue(last_.value())); return true;
     default: return compare(expr);
     }
   }
 
   bool compare(const QuindleExpr& expr) {
-    const Worked left = std::move(lefts.back());
-    lefts.pop_back();
+    const Worked left = std::move(lefts_.back());
+    lefts_.pop_back();
     const QuindleValue& a = left.value();
-    const QuindleValue& b = last.value();
+    const QuindleValue& b = last_.value();
     const bool numbers = a.kind == ValueKind::Number;
     if (numbers != (b.kind == ValueKind::Number))
       return fault(expr, "A number cannot be compared with something that is not one.");
     const std::optional<bool> result =
         numbers ? compareNumbers(expr.op, a.numberValue, b.numberValue) : compareTexts(expr.op, a, b);
     if (!result) return fault(expr, "\"" + expr.op + "\" is not a comparison.");
-    last = truth(*result);
+    last_ = truth(*result);
     return true;
   }
 
   bool lookUp(const QuindleExpr& reference) {
     const std::string& name = reference.name;
-    if (const auto let = lets.find(name); let != lets.end()) {
-      last = Worked(&let->second);
+    if (const auto let = lets_.find(name); let != lets_.end()) {
+      last_ = Worked(&let->second);
       return true;
     }
-    if (const auto supplied = params.find(name); supplied != params.end()) {
+    if (const auto supplied = params_.find(name); supplied != params_.end()) {
       const std::optional<double> number = readWholeNumber(supplied->second);
-      last = Worked(number ? QuindleValue::number(*number) : QuindleValue::text(supplied->second));
+      last_ = Worked(number ? QuindleValue::number(*number) : QuindleValue::text(supplied->second));
       return true;
     }
-    const QuindleParam* const param = document.findParam(name);
+    const QuindleParam* const param = document_.findParam(name);
     if (!param)
       return fault(reference,
                    "\"" + name +
                        "\" has no value here. It is neither a parameter of this Quindle nor set by "
                        "an earlier \"let\".");
-    if (param->defaultValue.kind != ValueKind::None) {
-      last = Worked(&param->defaultValue);
-      return true;
-    }
-    if (param->defaultSource != QuindleParam::DefaultSource::Written)
-      return fault(reference, "The parameter \"" + name +
-                                  "\" takes its value from the application, and none was supplied for this "
-                                  "run.");
-    return fault(reference, "No value for the parameter \"" + name + "\", and it has no default.");
+    if (param->defaultValue.kind == ValueKind::None) return fault(reference, noValueFor(name, param));
+    last_ = Worked(&param->defaultValue);
+    return true;
   }
 
   static Worked truth(bool value) { return Worked(QuindleValue::boolean(value)); }
 
   bool fault(const QuindleExpr& where, const std::string& message) {
-    diag.at(Diag::Severity::Error, message, document.sourceFile, where.line, where.column);
+    diag_.at(Diag::Severity::Error, message, document_.sourceFile, where.line, where.column);
     return false;
   }
 
-  const QuindleDocument& document;
-  const std::map<std::string, std::string>& params;
-  const std::map<std::string, QuindleValue>& lets;
-  Diag& diag;
-  std::vector<Frame> stack;
-  std::vector<Worked> lefts; // of the comparisons whose right side is being worked out
-  Worked last;               // the value worked out last
+  const QuindleDocument& document_;
+  const std::map<std::string, std::string>& params_;
+  const std::map<std::string, QuindleValue>& lets_;
+  Diag& diag_;
+  std::vector<Frame> stack_;
+  std::vector<Worked> lefts_; ///< Of the comparisons whose right side is being worked out.
+  Worked last_;               ///< The value worked out last.
 };
 
 } // namespace

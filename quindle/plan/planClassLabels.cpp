@@ -53,17 +53,17 @@ std::optional<std::int32_t> asClassNumber(const std::string& text) {
 /// A label set while a step's plan for it is worked out.
 class LabelPlan {
 public:
-  LabelPlan(const std::string& existingLabels, Diag& toDiag)
-      : diag(toDiag), hadLabels(!existingLabels.empty()) {
+  LabelPlan(const std::string& existingLabels, Diag& diag)
+      : diag_(diag), hadLabels_(!existingLabels.empty()) {
     // A text that holds no label set brings no classes.
-    if (hadLabels) VValueTrait<LabelSet>::setValueFromText(set, existingLabels);
-    for (const auto& [number, label] : set.labels) numbers.emplace(label.name, number);
+    if (hadLabels_) VValueTrait<LabelSet>::setValueFromText(set_, existingLabels);
+    for (const auto& [number, label] : set_.labels) numbers_.emplace(label.name, number);
   }
 
   /// Makes exactly the selected classes editable, or all of them if none is selected.
   bool select(const std::vector<std::string>& classes) {
-    selectsNothing = classes.empty();
-    for (auto& [number, label] : set.labels) label.flags[sceneWords::editableFlag] = selectsNothing;
+    selectsNothing_ = classes.empty();
+    for (auto& [number, label] : set_.labels) label.flags[sceneWords::editableFlag] = selectsNothing_;
     return std::all_of(classes.begin(), classes.end(),
                        [this](const std::string& name) { return selectOne(name); });
   }
@@ -71,50 +71,50 @@ public:
   /// Finds or makes the class that points are put into.
   bool aimAt(const std::string& name, std::int32_t number, const QuindleValue& colour) {
     if (const std::optional<std::int32_t> existing = find(name)) {
-      target = *existing;
-      return number < 0 || number == target ||
+      target_ = *existing;
+      return number < 0 || number == target_ ||
              refuse("This data already has a class called \"" + name + "\" numbered " +
-                    std::to_string(target) + ", so it cannot also be class " + std::to_string(number) + ".");
+                    std::to_string(target_) + ", so it cannot also be class " + std::to_string(number) + ".");
     }
     if (!chooseNumber(name, number)) return false;
     Label label;
-    label.value = target;
+    label.value = target_;
     label.color = asColour(colour);
     label.name = name;
-    set.labels[target] = label;
-    diag.note("Adding a class \"" + name + "\" with value " + std::to_string(target) + ".");
+    set_.labels[target_] = label;
+    diag_.note("Adding a class \"" + name + "\" with value " + std::to_string(target_) + ".");
     return true;
   }
 
   /// The last touches: refuses what can't change anything, and says where the points go.
   bool finish(const std::string& name) {
-    if (selected.contains(target))
-      return refuse("This puts the points into \"" + name + "\", which is class " + std::to_string(target) +
+    if (selected_.contains(target_))
+      return refuse("This puts the points into \"" + name + "\", which is class " + std::to_string(target_) +
                     " - one of the classes it selects. That cannot change anything.");
-    if (selectsNothing && !hadLabels) {
+    if (selectsNothing_ && !hadLabels_) {
       for (std::int32_t number = 0; number <= lastByteClass; ++number) {
-        Label& label = set.labels[number];
+        Label& label = set_.labels[number];
         label.value = number;
         label.flags[sceneWords::editableFlag] = true;
       }
     }
-    set.selections[sceneWords::assignSelection] = target;
+    set_.selections[sceneWords::assignSelection] = target_;
     return true;
   }
 
-  std::string text() const { return VValueTrait<LabelSet>::Text(set); }
-  std::int32_t assigned() const { return target; }
+  std::string text() const { return VValueTrait<LabelSet>::Text(set_); }
+  std::int32_t assigned() const { return target_; }
 
 private:
   bool refuse(const std::string& message) {
-    diag.error(message);
+    diag_.error(message);
     return false;
   }
 
   /// The lowest number of a class of exactly this name.
   std::optional<std::int32_t> find(const std::string& name) const {
-    const auto found = numbers.lower_bound({name, std::numeric_limits<std::int32_t>::min()});
-    if (found == numbers.end() || found->first != name) return std::nullopt;
+    const auto found = numbers_.lower_bound({name, std::numeric_limits<std::int32_t>::min()});
+    if (found == numbers_.end() || found->first != name) return std::nullopt;
     return found->second;
   }
 
@@ -125,31 +125,31 @@ private:
       if (!number) return refuseUnknown(name);
       nameByNumber(*number, name);
     }
-    Label& label = set.labels[*number];
+    Label& label = set_.labels[*number];
     label.flags[sceneWords::editableFlag] = true;
-    selected.insert(label.value);
+    selected_.insert(label.value);
     return true;
   }
 
   /// Takes a number that has no name, or no label at all, as the class it is.
   void nameByNumber(std::int32_t number, const std::string& written) {
-    Label& label = set.labels[number];
+    Label& label = set_.labels[number];
     if (!label.name.empty()) return;
-    numbers.erase({label.name, number});
+    numbers_.erase({label.name, number});
     label.value = number;
     label.name = "Class " + written;
     label.color = grey;
-    numbers.emplace(label.name, number);
-    diag.note("Class " + written + " is not named in this data; taking it as the number it is.");
+    numbers_.emplace(label.name, number);
+    diag_.note("Class " + written + " is not named in this data; taking it as the number it is.");
   }
 
   bool refuseUnknown(const std::string& name) {
-    if (!hadLabels)
+    if (!hadLabels_)
       return refuse("This classification has no classes defined at all, so selecting \"" + name +
                     "\" by name cannot match anything. Either connect a label set to the editor, or name the "
                     "class by its number.");
     std::string names;
-    for (const auto& [number, label] : set.labels) {
+    for (const auto& [number, label] : set_.labels) {
       if (label.name.empty()) continue;
       if (!names.empty()) names += ", ";
       names += label.name;
@@ -161,31 +161,31 @@ private:
   /// Settles the number of a class that is not there yet.
   bool chooseNumber(const std::string& name, std::int32_t number) {
     if (number < 0) return chooseFreeNumber(name);
-    const auto taken = set.labels.find(number);
-    if (taken != set.labels.end() && !taken->second.name.empty())
+    const auto taken = set_.labels.find(number);
+    if (taken != set_.labels.end() && !taken->second.name.empty())
       return refuse("Class " + std::to_string(number) + " is already \"" + taken->second.name +
                     "\" in this data, so \"" + name + "\" cannot be given that number.");
-    target = number;
+    target_ = number;
     return true;
   }
 
   bool chooseFreeNumber(const std::string& name) {
     std::int32_t highest = firstClass - 1;
-    for (const auto& [number, label] : set.labels) highest = std::max(highest, label.value);
+    for (const auto& [number, label] : set_.labels) highest = std::max(highest, label.value);
     if (highest == std::numeric_limits<std::int32_t>::max())
       return refuse("This data has no class number left above its highest for \"" + name +
                     "\". Give it a free one with \"as\".");
-    target = highest + 1;
+    target_ = highest + 1;
     return true;
   }
 
-  Diag& diag;
-  bool hadLabels;
-  bool selectsNothing = true;
-  LabelSet set;
-  std::set<std::pair<std::string, std::int32_t>> numbers; // by name, kept in step with the set's labels
-  std::set<std::int32_t> selected;
-  std::int32_t target = noClass;
+  Diag& diag_;
+  bool hadLabels_;
+  bool selectsNothing_ = true;
+  LabelSet set_;
+  std::set<std::pair<std::string, std::int32_t>> numbers_; ///< By name, kept in step with the set's labels.
+  std::set<std::int32_t> selected_;
+  std::int32_t target_ = noClass;
 };
 
 } // namespace

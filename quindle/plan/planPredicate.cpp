@@ -14,7 +14,7 @@ namespace {
 using Kind = QuindleExpr::Kind;
 using PlanKind = QuindlePlanNode::Kind;
 
-// What stands for "no limit" in a range of values of a field, and of counts of neighbours.
+/// What stands for "no limit" in a range of values of a field, and of counts of neighbours.
 constexpr double fieldLimit = 1e300;
 constexpr double countLimit = 1000000000;
 
@@ -59,69 +59,69 @@ struct Faults {
 /// The arguments of a call on their way to the places that its condition has for them.
 class CallArguments {
 public:
-  CallArguments(const QuindleExpr& ofCall, const QuindleOperation& toOperation, const Faults& toFaults)
-      : call(ofCall),
-        operation(toOperation),
-        faults(toFaults),
-        arguments(toOperation.params.size()),
-        given(toOperation.params.size(), false) {}
+  CallArguments(const QuindleExpr& call, const QuindleOperation& operation, const Faults& faults)
+      : call_(call),
+        operation_(operation),
+        faults_(faults),
+        arguments_(operation.params.size()),
+        given_(operation.params.size(), false) {}
 
   bool place(std::vector<QuindleExpr>& placed) {
-    for (std::size_t i = 0; i < call.operands.size(); ++i) {
-      if (i < call.argNames.size() && !call.argNames[i].empty())
-        placeNamed(call.argNames[i], call.operands[i]);
-      else if (!placePositional(call.operands[i]))
+    for (std::size_t i = 0; i < call_.operands.size(); ++i) {
+      if (i < call_.argNames.size() && !call_.argNames[i].empty())
+        placeNamed(call_.argNames[i], call_.operands[i]);
+      else if (!placePositional(call_.operands[i]))
         return false;
     }
-    for (std::size_t i = 0; i < arguments.size(); ++i)
-      if (!given[i]) fillIn(i);
-    placed = std::move(arguments);
-    return ok;
+    for (std::size_t i = 0; i < arguments_.size(); ++i)
+      if (!given_[i]) fillIn(i);
+    placed = std::move(arguments_);
+    return ok_;
   }
 
 private:
   bool placePositional(const QuindleExpr& operand) {
-    if (nextPosition >= arguments.size())
-      return fail("\"" + operation.name + "\" takes at most " + std::to_string(arguments.size()) +
-                  " arguments, but " + std::to_string(call.operands.size()) + " were given.");
-    arguments[nextPosition] = operand;
-    given[nextPosition++] = true;
+    if (nextPosition_ >= arguments_.size())
+      return fail("\"" + operation_.name + "\" takes at most " + std::to_string(arguments_.size()) +
+                  " arguments, but " + std::to_string(call_.operands.size()) + " were given.");
+    arguments_[nextPosition_] = operand;
+    given_[nextPosition_++] = true;
     return true;
   }
 
   void placeNamed(const std::string& name, const QuindleExpr& operand) {
-    const QuindleOpParam* const param = operation.findParam(name);
+    const QuindleOpParam* const param = operation_.findParam(name);
     if (!param) {
-      fail("\"" + operation.name + "\" has no argument called \"" + name +
-           "\". It takes: " + joinedNames(operation.params) + ".");
+      fail("\"" + operation_.name + "\" has no argument called \"" + name +
+           "\". It takes: " + joinedNames(operation_.params) + ".");
       return;
     }
-    const auto index = static_cast<std::size_t>(param - operation.params.data());
-    if (given[index]) {
-      fail("The argument \"" + name + "\" of \"" + operation.name + "\" is given twice.");
+    const auto index = static_cast<std::size_t>(param - operation_.params.data());
+    if (given_[index]) {
+      fail("The argument \"" + name + "\" of \"" + operation_.name + "\" is given twice.");
       return;
     }
-    arguments[index] = operand;
-    given[index] = true;
+    arguments_[index] = operand;
+    given_[index] = true;
   }
 
   void fillIn(std::size_t index) {
-    const QuindleOpParam& param = operation.params[index];
+    const QuindleOpParam& param = operation_.params[index];
     if (param.required)
-      fail("\"" + operation.name + "\" needs its \"" + param.name + "\" argument: " + param.help);
+      fail("\"" + operation_.name + "\" needs its \"" + param.name + "\" argument: " + param.help);
     else
-      arguments[index] = literal(param.defaultValue);
+      arguments_[index] = literal(param.defaultValue);
   }
 
-  bool fail(const std::string& message) { return ok = faults.report(call, message); }
+  bool fail(const std::string& message) { return ok_ = faults_.report(call_, message); }
 
-  const QuindleExpr& call;
-  const QuindleOperation& operation;
-  const Faults& faults;
-  std::vector<QuindleExpr> arguments;
-  std::vector<bool> given;
-  std::size_t nextPosition = 0; // counts positional arguments only
-  bool ok = true;
+  const QuindleExpr& call_;
+  const QuindleOperation& operation_;
+  const Faults& faults_;
+  std::vector<QuindleExpr> arguments_;
+  std::vector<bool> given_;
+  std::size_t nextPosition_ = 0; ///< Counts positional arguments only.
+  bool ok_ = true;
 };
 
 bool planCall(const QuindleExpr& call, QuindlePlanNode& node, const Faults& faults) {
@@ -138,16 +138,16 @@ struct Range {
   QuindleExpr maximum;
 };
 
-// A field's range includes both of its ends, and no end is moved to the next number that can be held, so a
-// strict comparison keeps the bound itself.
+/// A field's range includes both of its ends, and no end is moved to the next number that can be held, so a
+/// strict comparison keeps the bound itself.
 Range fieldRange(const std::string& op, const QuindleExpr& bound) {
   if (op == "==") return {bound, bound};
   if (op == "<" || op == "<=") return {number(-fieldLimit), bound};
   return {bound, number(fieldLimit)};
 }
 
-// Counts are whole, so a strict comparison becomes an inclusive range by moving the bound by one. That takes
-// the number itself, which a parameter does not have before the run.
+/// Counts are whole, so a strict comparison becomes an inclusive range by moving the bound by one. That takes
+/// the number itself, which a parameter does not have before the run.
 std::optional<Range> countRange(const std::string& op, const QuindleExpr& bound) {
   if (op == "==") return Range{bound, bound};
   if (op == "<=") return Range{number(0), bound};
@@ -266,19 +266,19 @@ struct Junction {
 
 class Planner {
 public:
-  explicit Planner(const Faults& toFaults) : faults(toFaults) {}
+  explicit Planner(const Faults& faults) : faults_(faults) {}
 
   bool plan(const QuindleExpr& expression, QuindlePlanNode& result) {
     enter({&expression, false});
-    while (!stack.empty()) {
-      Frame& top = stack.back();
+    while (!stack_.empty()) {
+      Frame& top = stack_.back();
       if (top.next < top.expr->operands.size())
         enter({&top.expr->operands[top.next++], top.negated});
       else
         leave();
     }
-    result = std::move(root.node);
-    return ok;
+    result = std::move(root_.node);
+    return ok_;
   }
 
 private:
@@ -286,14 +286,14 @@ private:
   struct Frame {
     const QuindleExpr* expr;
     bool negated;
-    bool opened; // a junction of its own, rather than adding to the one around it
+    bool opened; ///< A junction of its own, rather than adding to the one around it.
     std::size_t next;
   };
 
   void enter(const Signed& written) {
     const std::optional<Signed> from = withoutNegations(written);
     if (!from) {
-      ok = false;
+      ok_ = false;
       return;
     }
     const PlanKind kind = plannedKind(*from);
@@ -301,24 +301,24 @@ private:
       addCondition(*from);
       return;
     }
-    const bool opens = junctions.empty() || junctions.back().kind != kind;
-    if (opens) junctions.push_back({kind, from->expr->line, {}});
-    stack.push_back({from->expr, from->negated, opens, 0});
+    const bool opens = junctions_.empty() || junctions_.back().kind != kind;
+    if (opens) junctions_.push_back({kind, from->expr->line, {}});
+    stack_.push_back({from->expr, from->negated, opens, 0});
   }
 
   void leave() {
-    const bool opened = stack.back().opened;
-    stack.pop_back();
+    const bool opened = stack_.back().opened;
+    stack_.pop_back();
     if (!opened) return;
-    Costed closed = junctions.back().close();
-    junctions.pop_back();
+    Costed closed = junctions_.back().close();
+    junctions_.pop_back();
     add(std::move(closed));
   }
 
   void addCondition(const Signed& from) {
     Costed condition{0, {}};
-    if (!planCondition(*from.expr, condition.node, faults)) {
-      ok = false;
+    if (!planCondition(*from.expr, condition.node, faults_)) {
+      ok_ = false;
       return;
     }
     condition.node.negated = from.negated;
@@ -327,17 +327,17 @@ private:
   }
 
   void add(Costed&& member) {
-    if (junctions.empty())
-      root = std::move(member);
+    if (junctions_.empty())
+      root_ = std::move(member);
     else
-      junctions.back().members.push_back(std::move(member));
+      junctions_.back().members.push_back(std::move(member));
   }
 
-  const Faults& faults;
-  std::vector<Frame> stack;
-  std::vector<Junction> junctions;
-  Costed root{0, {}};
-  bool ok = true;
+  const Faults& faults_;
+  std::vector<Frame> stack_;
+  std::vector<Junction> junctions_;
+  Costed root_{0, {}};
+  bool ok_ = true;
 };
 
 } // namespace

@@ -18,23 +18,22 @@ std::vector<QuindlePlannedSelect> planQuindle(const QuindleDocument& document, D
 }
 
 std::vector<QuindlePlanLine> quindlePlanLines(const QuindlePlanNode& plan) {
+  using Place = tree::Place<QuindlePlanNode>;
   std::vector<QuindlePlanLine> lines;
-  std::vector<std::size_t> open; // the lines of the nodes being walked, outermost first
-  const auto visit = [&](const QuindlePlanNode& node, const QuindlePlanNode* parent, std::size_t index) {
-    if (index == 0) {
-      const bool counts = node.kind == QuindlePlanNode::Kind::Condition && node.operation;
-      open.push_back(lines.size());
-      lines.push_back({&node, open.size() - 1, counts ? node.operation->cost : 0});
-    }
-    if (index < node.children.size()) return;
+  std::vector<std::size_t> open; // the lines of the nodes on the way down
+  const auto enter = [&](const QuindlePlanNode& node, const Place& place) {
+    open.push_back(lines.size());
+    lines.push_back({&node, place.depth, node.operation ? node.operation->cost : 0});
+  };
+  const auto leave = [&](const QuindlePlanNode& /*node*/, const Place& place) {
     const std::uint32_t cost = lines[open.back()].cost;
     open.pop_back();
-    if (!parent) return;
+    if (!place.parent) return;
     std::uint32_t& around = lines[open.back()].cost;
-    around = combinedCost(parent->kind, around, cost);
+    around = combinedCost(place.parent->kind, around, cost);
   };
-  tree::walk(
-      plan, [](const QuindlePlanNode& node) -> const auto& { return node.children; }, visit);
+  tree::each(
+      plan, [](const QuindlePlanNode& node) -> const auto& { return node.children; }, enter, leave);
   return lines;
 }
 

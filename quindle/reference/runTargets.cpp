@@ -36,25 +36,25 @@ Effects effectsOf(const std::vector<QuindleStep>& steps) {
 /// The Quindles within reach of a list of steps, and which of them run which.
 class RunGraph {
 public:
-  explicit RunGraph(const QuindleResolver& toResolve) : resolver(toResolve) {}
+  explicit RunGraph(const QuindleResolver& resolver) : resolver_(resolver) {}
 
   void add(const std::string& name) { nodeOf(name, 0); }
 
   /// Resolves what was added and everything that it runs, the nearest first, so that each is met at its
   /// shortest way from a start.
   void explore() {
-    for (std::size_t index = 0; index < nodes.size(); ++index) resolve(index);
+    for (std::size_t index = 0; index < nodes_.size(); ++index) resolve(index);
   }
 
   /// Goes back from what changes data itself to all that does so through others, at most as far as is told.
   void spreadChanges() {
-    std::vector<std::size_t> reached = changing;
+    std::vector<std::size_t> reached = changing_;
     for (int runs = 0; runs <= furthestChange && !reached.empty(); ++runs) {
       std::vector<std::size_t> next;
       for (const std::size_t index : reached) {
-        if (nodes[index].target.changesData) continue;
-        nodes[index].target.changesData = true;
-        next.insert(next.end(), nodes[index].runBy.begin(), nodes[index].runBy.end());
+        if (nodes_[index].target.changesData) continue;
+        nodes_[index].target.changesData = true;
+        next.insert(next.end(), nodes_[index].runBy.begin(), nodes_[index].runBy.end());
       }
       reached = std::move(next);
     }
@@ -62,7 +62,7 @@ public:
 
   std::unordered_map<std::string, RunTarget> takeTargets() {
     std::unordered_map<std::string, RunTarget> targets;
-    for (const auto& [name, index] : indices) targets.emplace(name, std::move(nodes[index].target));
+    for (const auto& [name, index] : indices_) targets.emplace(name, std::move(nodes_[index].target));
     return targets;
   }
 
@@ -75,30 +75,30 @@ private:
   };
 
   std::size_t nodeOf(const std::string& name, int distance) {
-    const auto [place, isNew] = indices.try_emplace(name, nodes.size());
-    if (isNew) nodes.push_back({name, distance, {}, {}});
+    const auto [place, isNew] = indices_.try_emplace(name, nodes_.size());
+    if (isNew) nodes_.push_back({name, distance, {}, {}});
     return place->second;
   }
 
   void resolve(std::size_t index) {
     QuindleDocument document;
-    RunTarget& target = nodes[index].target;
-    target.found = resolver(nodes[index].name, document, target.why);
+    RunTarget& target = nodes_[index].target;
+    target.found = resolver_(nodes_[index].name, document, target.why);
     if (!target.found) return;
     target.description = std::move(document.description);
     const QuindleTrigger* const trigger = document.runTrigger();
     if (!trigger) return;
     const Effects effects = effectsOf(trigger->steps);
-    if (effects.changesData) changing.push_back(index);
-    const int distance = nodes[index].distance + 1;
+    if (effects.changesData) changing_.push_back(index);
+    const int distance = nodes_[index].distance + 1;
     if (effects.changesData || distance > furthestChange) return;
-    for (const std::string* name : effects.runs) nodes[nodeOf(*name, distance)].runBy.push_back(index);
+    for (const std::string* name : effects.runs) nodes_[nodeOf(*name, distance)].runBy.push_back(index);
   }
 
-  const QuindleResolver& resolver;
-  std::unordered_map<std::string, std::size_t> indices;
-  std::vector<Node> nodes;           // in the order of their distance
-  std::vector<std::size_t> changing; // those that change data themselves
+  const QuindleResolver& resolver_;
+  std::unordered_map<std::string, std::size_t> indices_;
+  std::vector<Node> nodes_;           ///< In the order of their distance.
+  std::vector<std::size_t> changing_; ///< Those that change data themselves.
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "quindle/runtime/ProgramCompiler.h"
 
 #include "quindle/plan/compileClassify.h"
+#include "quindle/plan/compileIndexedSelect.h"
 
 #include <optional>
 #include <utility>
@@ -27,14 +28,16 @@ std::string noSlot(const std::string& target) {
 
 } // namespace
 
-QuindleRuntime::ProgramCompiler::ProgramCompiler(QuindleRuntime& owner, const QuindleDocument& document,
-                                                 const std::string& start, Program& target, Diag& messages)
-    : runtime(owner),
-      doc(document),
-      program(target),
-      diag(messages),
-      prefix(sceneWords::ownPrefix + quindleIdentifier(document.name) + "_"),
-      chain(start) {}
+QuindleRuntime::ProgramCompiler::ProgramCompiler(QuindleRuntime& runtime, const QuindleDocument& doc,
+                                                 const ParamIndex& params, const std::string& start,
+                                                 Program& program, Diag& diag)
+    : runtime_(runtime),
+      doc_(doc),
+      params_(params),
+      program_(program),
+      diag_(diag),
+      prefix_(sceneWords::ownPrefix + quindleIdentifier(doc.name) + "_"),
+      chain_(start) {}
 
 bool QuindleRuntime::ProgramCompiler::compileBody(const std::vector<QuindleStep>& steps) {
   bool ok = true;
@@ -51,23 +54,23 @@ bool QuindleRuntime::ProgramCompiler::compileBody(const std::vector<QuindleStep>
   const auto leave = [this](const QuindleStep& step) {
     if (step.kind == QuindleStep::Kind::If) closeBlock();
   };
-  bodies.emplace_back();
+  bodies_.emplace_back();
   eachStepWithin(steps, compiledSteps, enter, leave);
   return ok;
 }
 
 void QuindleRuntime::ProgramCompiler::openBlock(const QuindleStep& owner, bool isElse) {
-  guards.enter(owner.condition, isElse);
-  bodies.emplace_back();
+  guards_.enter(owner.condition, isElse);
+  bodies_.emplace_back();
 }
 
 void QuindleRuntime::ProgramCompiler::closeBlock() {
-  guards.leave();
-  bodies.pop_back();
+  guards_.leave();
+  bodies_.pop_back();
 }
 
 bool QuindleRuntime::ProgramCompiler::compileStep(const QuindleStep& step) {
-  if (guardsFull) return true; // that was reported, and no program comes of it
+  if (guardsFull_) return true; // that was reported, and no program comes of it
   switch (step.kind) {
   case QuindleStep::Kind::Comment:
   case QuindleStep::Kind::If: return true;
@@ -90,16 +93,17 @@ bool QuindleRuntime::ProgramCompiler::compileCreate(const QuindleStep& step) {
   if (step.value.kind != QuindleExpr::Kind::Literal || step.value.value.textValue.empty())
     return fail(step, "This does not say what to make \"" + step.name +
                           "\" from. Write the creator as \"Category/Identifier\".");
-  const std::string made = runtime.ops.create(step.value.value.textValue, prefix + step.name, diag);
+  const std::string made = runtime_.ops_.create(step.value.value.textValue, prefix_ + step.name, diag_);
   if (made.empty()) return false;
-  runtime.objectNames[step.name] = made;
+  runtime_.objectNames_[step.name] = made;
   return true;
 }
 
 bool QuindleRuntime::ProgramCompiler::compileSelectStep(const QuindleStep& step) {
-  Body& body = bodies.back();
-  if (!planPredicate(step.condition, body.plan, diag, doc.sourceFile)) return false;
-  if (!compileSelect(body.plan, doc, runtime.ops, chain, nextPrefix(), chain, program.bindings, diag))
+  Body& body = bodies_.back();
+  if (!planPredicate(step.condition, body.plan, diag_, doc_.sourceFile)) return false;
+  if (!compileIndexedSelect(body.plan, params_, runtime_.ops_, chain_, nextPrefix(), chain_,
+                            program_.bindings, diag_))
     return false;
   body.selected = true;
   return true;
@@ -107,11 +111,12 @@ bool QuindleRuntime::ProgramCompiler::compileSelectStep(const QuindleStep& step)
 
 bool QuindleRuntime::ProgramCompiler::compileClassifyStep(const QuindleStep& step) {
   std::vector<std::string> classes;
-  if (bodies.back().selected) collectPlanClasses(bodies.back().plan, classes);
+  if (bodies_.back().selected) collectPlanClasses(bodies_.back().plan, classes);
   std::string editor;
-  if (!compileClassify(step, classes, doc, runtime.ops, chain, nextPrefix(), editor, program.bindings, diag))
+  if (!compileClassify(step, classes, doc_, runtime_.ops_, chain_, nextPrefix(), editor, program_.bindings,
+                       diag_))
     return false;
-  program.editorObject = editor;
+  program_.editorObject = editor;
   return appendFire(editor, sceneWords::unselectAllAction, false, false, step) &&
          appendFire(editor, sceneWords::selectAction, false, true, step) &&
          appendFire(editor, sceneWords::applyAction, true, false, step);
@@ -122,22 +127,22 @@ bool QuindleRuntime::ProgramCompiler::compileSet(const QuindleStep& step) {
     return fail(step, "Only a written-out value can be set for now.");
   const std::optional<Target> target = splitTarget(step.name);
   if (!target) return fail(step, noSlot(step.name));
-  return runtime.ops.setParam(runtime.objectNamed(target->object), target->member,
-                              step.value.value.toPlainText(), diag);
+  return runtime_.ops_.setParam(runtime_.objectNamed(target->object), target->member,
+                                step.value.value.toPlainText(), diag_);
 }
 
 bool QuindleRuntime::ProgramCompiler::compileConnect(const QuindleStep& step) {
   const std::optional<Target> target = splitTarget(step.name);
   if (!target) return fail(step, noSlot(step.name));
   const Target source = splitTarget(step.source).value_or(Target{step.source, {}});
-  return runtime.ops.connect(runtime.objectNamed(target->object), target->member,
-                             runtime.objectNamed(source.object), source.member, diag);
+  return runtime_.ops_.connect(runtime_.objectNamed(target->object), target->member,
+                               runtime_.objectNamed(source.object), source.member, diag_);
 }
 
 bool QuindleRuntime::ProgramCompiler::compileCall(const QuindleStep& step) {
   const std::optional<Target> target = splitTarget(step.name);
   if (!target) return fail(step, "\"" + step.name + "\" does not name an action. Write it as Object.action.");
-  return appendFire(runtime.objectNamed(target->object), target->member, true, false, step);
+  return appendFire(runtime_.objectNamed(target->object), target->member, true, false, step);
 }
 
 bool QuindleRuntime::ProgramCompiler::compileReport(const QuindleStep& step) {
@@ -166,18 +171,18 @@ bool QuindleRuntime::ProgramCompiler::compileRun(const QuindleStep& step) {
 }
 
 std::string QuindleRuntime::ProgramCompiler::nextPrefix() {
-  return prefix + std::to_string(++runtime.objectCounter) + "_";
+  return prefix_ + std::to_string(++runtime_.objectCounter_) + "_";
 }
 
 bool QuindleRuntime::ProgramCompiler::append(RunStep&& runStep, const QuindleStep& step) {
-  if (!guards.build(runStep.guard)) {
-    guardsFull = true;
+  if (!guards_.build(runStep.guard)) {
+    guardsFull_ = true;
     return fail(step,
                 "The conditions of the \"if\" blocks around the steps of this Quindle add up to more than "
                 "can be kept, since every step carries all those around it. Nest the blocks less deeply, "
                 "or move some of the steps to a Quindle of their own and \"run\" that.");
   }
-  program.steps.push_back(std::move(runStep));
+  program_.steps.push_back(std::move(runStep));
   return true;
 }
 
@@ -193,7 +198,7 @@ bool QuindleRuntime::ProgramCompiler::appendFire(const std::string& object, cons
 }
 
 bool QuindleRuntime::ProgramCompiler::fail(const QuindleStep& step, const std::string& message) {
-  diag.at(Diag::Severity::Error, message, doc.sourceFile, step.line, 0);
+  diag_.at(Diag::Severity::Error, message, doc_.sourceFile, step.line, 0);
   return false;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quindle/core/NestedSteps.h"
+#include "quindle/plan/ParamIndex.h"
 #include "quindle/plan/QuindlePlanNode.h"
 #include "quindle/runtime/QuindleRuntime.h"
 #include "quindle/runtime/StepGuards.h"
@@ -20,9 +21,9 @@ inline NestedSteps compiledSteps(const QuindleStep& step) {
 /// one compilation reports every fault.
 class QuindleRuntime::ProgramCompiler {
 public:
-  /// `start` is the object that the first "select" reads, empty for none.
-  ProgramCompiler(QuindleRuntime& runtime, const QuindleDocument& doc, const std::string& start,
-                  Program& program, Diag& diag);
+  /// `params` are the document's. `start` is the object that the first "select" reads, empty for none.
+  ProgramCompiler(QuindleRuntime& runtime, const QuindleDocument& doc, const ParamIndex& params,
+                  const std::string& start, Program& program, Diag& diag);
 
   bool compileBody(const std::vector<QuindleStep>& steps);
 
@@ -55,15 +56,16 @@ private:
   /// Reports an error at the step; always false.
   bool fail(const QuindleStep& step, const std::string& message);
 
-  QuindleRuntime& runtime;
-  const QuindleDocument& doc;
-  Program& program;
-  Diag& diag;
-  const std::string prefix;
-  std::string chain;        ///< The end of the filter chain so far: one for all blocks.
-  std::vector<Body> bodies; ///< Those that are open, outermost first.
-  StepGuards guards;
-  bool guardsFull = false;
+  QuindleRuntime& runtime_;
+  const QuindleDocument& doc_;
+  const ParamIndex& params_;
+  Program& program_;
+  Diag& diag_;
+  const std::string prefix_;
+  std::string chain_;        ///< The end of the filter chain so far: one for all blocks.
+  std::vector<Body> bodies_; ///< Those that are open, outermost first.
+  StepGuards guards_;
+  bool guardsFull_ = false;
 };
 
 } // namespace Zamt

@@ -128,30 +128,19 @@ public:
 
 private:
   class QUINDLE_PRIVATE ProgramCompiler;
-  class QUINDLE_PRIVATE ProgramWalk;
+  class QUINDLE_PRIVATE Run;
 
   QUINDLE_PRIVATE std::shared_ptr<const Program> programFor(const QuindleDocument& doc,
                                                             QuindleRunResult& result, Diag& diag);
-  QUINDLE_PRIVATE bool applyBindings(const QuindleDocument& doc, const Program& program,
-                                     const std::map<std::string, std::string>& args, Diag& diag);
-  QUINDLE_PRIVATE bool runNested(const RunStep& step, const QuindleDocument& doc,
-                                 const std::map<std::string, std::string>& args,
-                                 const std::map<std::string, QuindleValue>& lets, bool preview,
-                                 QuindleRunResult& result, Diag& diag);
-  QUINDLE_PRIVATE bool resolveNested(const RunStep& step, const QuindleDocument& doc, QuindleDocument& nested,
-                                     Diag& diag) const;
-  QUINDLE_PRIVATE bool mayNest(const QuindleDocument& doc, const QuindleDocument& nested, Diag& diag) const;
   QUINDLE_PRIVATE std::string makeBrush(Diag& diag);
 
-  QuindleOps& ops;
-  /// Shared, since a run walks a program that a run nested in it may replace.
-  std::map<std::string, std::shared_ptr<const Program>> programs;
-  std::string brushObject = sceneWords::usualBrush;
-  bool brushPinned = false;
-  std::vector<std::string> runStack; ///< The Quindles that wait for a nested run, outermost first.
-  std::vector<std::string> previewObjects;
-  int objectCounter = 0; ///< Like `objectNames`, of the latest compilation.
-  std::map<std::string, std::string> objectNames;
+  QuindleOps& ops_;
+  std::map<std::string, std::shared_ptr<const Program>> programs_;
+  std::string brushObject_ = sceneWords::usualBrush;
+  bool brushPinned_ = false;
+  std::vector<std::string> previewObjects_;
+  int objectCounter_ = 0; ///< Like `objectNames_`, of the latest compilation.
+  std::map<std::string, std::string> objectNames_;
 };
 
 } // namespace Zamt

@@ -51,21 +51,21 @@ QuindleExpr conjunction(QuindleExpr left, QuindleExpr right) {
 } // namespace
 
 void StepGuards::enter(const QuindleExpr& condition, bool negated) {
-  const std::size_t around = levels.empty() ? 0 : levels.back().weight;
-  levels.push_back({&condition, negated, around + 1 + weigh(condition)});
+  const std::size_t around = levels_.empty() ? 0 : levels_.back().weight;
+  levels_.push_back({&condition, negated, around + 1 + weigh(condition)});
 }
 
-void StepGuards::leave() { levels.pop_back(); }
+void StepGuards::leave() { levels_.pop_back(); }
 
 bool StepGuards::build(QuindleExpr& guard) {
-  if (levels.empty()) {
+  if (levels_.empty()) {
     guard = {};
     return true;
   }
-  if (levels.back().weight > maxGuardWeight - built) return false;
-  built += levels.back().weight;
+  if (levels_.back().weight > maxGuardWeight - built_) return false;
+  built_ += levels_.back().weight;
   QuindleExpr all;
-  for (const Level& level : levels)
+  for (const Level& level : levels_)
     all = conjunction(std::move(all), level.negated ? negation(*level.condition) : *level.condition);
   guard = std::move(all);
   return true;

@@ -35,8 +35,8 @@ private:
     std::size_t weight; ///< Of this condition and all around it.
   };
 
-  std::vector<Level> levels;
-  std::size_t built = 0; ///< What the guards built so far weigh.
+  std::vector<Level> levels_;
+  std::size_t built_ = 0; ///< What the guards built so far weigh.
 };
 
 } // namespace Zamt

@@ -1,23 +1,14 @@
 #include "quindle/core/NestedSteps.h"
+#include "quindle/plan/ParamIndex.h"
 #include "quindle/runtime/ProgramCompiler.h"
 #include "quindle/runtime/QuindleRuntime.h"
 
-#include <set>
-#include <string_view>
+#include <string>
+#include <vector>
 
 namespace Zamt {
 
 namespace {
-
-/// The parameters that stand for the region which the user paints. Of several of one name the first counts.
-std::set<std::string_view> brushParams(const QuindleDocument& doc) {
-  std::set<std::string_view> seen;
-  std::set<std::string_view> brushes;
-  for (const QuindleParam& param : doc.params)
-    if (seen.insert(param.name).second && param.defaultSource == QuindleParam::DefaultSource::Brush)
-      brushes.insert(param.name);
-  return brushes;
-}
 
 /// Every "select" of the steps and of the blocks of their "if"s; those of a loop do not count.
 std::vector<const QuindleStep*> selectsIn(const std::vector<QuindleStep>& steps) {
@@ -28,22 +19,18 @@ std::vector<const QuindleStep*> selectsIn(const std::vector<QuindleStep>& steps)
   return found;
 }
 
-bool mentions(const QuindleExpr& condition, const std::set<std::string_view>& names) {
-  if (names.empty()) return false;
+/// Whether any of the conditions names a parameter that stands for the region which the user paints.
+bool mentionsBrush(const std::vector<const QuindleStep*>& selects, const ParamIndex& params) {
   bool found = false;
-  tree::each(
-      condition, [](const QuindleExpr& node) -> const auto& { return node.operands; },
-      [&](const QuindleExpr& node) {
-        if (node.kind == QuindleExpr::Kind::Reference && names.contains(node.name)) found = true;
-      });
-  return found;
-}
-
-bool mentionsBrush(const QuindleDocument& doc, const std::vector<const QuindleStep*>& selects) {
-  const std::set<std::string_view> names = brushParams(doc);
   for (const QuindleStep* const select : selects)
-    if (mentions(select->condition, names)) return true;
-  return false;
+    tree::each(
+        select->condition, [](const QuindleExpr& node) -> const auto& { return node.operands; },
+        [&](const QuindleExpr& node) {
+          if (found || node.kind != QuindleExpr::Kind::Reference) return;
+          const QuindleParam* const param = params.find(node.name);
+          found = param && param->defaultSource == QuindleParam::DefaultSource::Brush;
+        });
+  return found;
 }
 
 } // namespace
@@ -55,12 +42,13 @@ bool QuindleRuntime::compile(const QuindleDocument& doc, Program& program, Diag&
     return false;
   }
   program.revision = doc.revision;
-  objectCounter = 0;
-  objectNames.clear();
+  objectCounter_ = 0;
+  objectNames_.clear();
 
+  const ParamIndex params(doc);
   std::string start;
   if (const std::vector<const QuindleStep*> selects = selectsIn(trigger->steps); !selects.empty()) {
-    if (brushPinned || mentionsBrush(doc, selects)) {
+    if (brushPinned_ || mentionsBrush(selects, params)) {
       start = ensureBrushObject(diag);
       if (start.empty()) return false;
     } else {
@@ -70,7 +58,7 @@ bool QuindleRuntime::compile(const QuindleDocument& doc, Program& program, Diag&
           doc.name);
     }
   }
-  return ProgramCompiler(*this, doc, start, program, diag).compileBody(trigger->steps);
+  return ProgramCompiler(*this, doc, params, start, program, diag).compileBody(trigger->steps);
 }
 
 } // namespace Zamt

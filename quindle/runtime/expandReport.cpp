@@ -1,5 +1,5 @@
+#include "quindle/plan/parameterValue.h"
 #include "quindle/runtime/QuindleRuntime.h"
-#include "quindle/runtime/parameterValue.h"
 
 #include <array>
 #include <optional>
@@ -51,9 +51,9 @@ std::string QuindleRuntime::expandReport(const std::string& text, const QuindleD
                                          const std::string& counter, bool preview, Diag& diag) const {
   const auto lookUp = [&](const std::string& name) -> std::optional<std::string> {
     if (const auto let = lets.find(name); let != lets.end()) return let->second.toPlainText();
-    if (std::optional<std::string> value = parameterValue(doc, args, name)) return value;
+    if (std::optional<std::string> value = parameterValue(name, doc.findParam(name), args)) return value;
     if (const Count* const count = findCount(name))
-      return readCount(*count, ops, counter, preview, doc.name, diag);
+      return readCount(*count, ops_, counter, preview, doc.name, diag);
     diag.warning("The report mentions \"{" + name + "}\", which is not a parameter of this Quindle.",
                  doc.name);
     return std::nullopt;

@@ -1,6 +1,6 @@
 #include "quindle/core/QuindleParamTypes.h"
+#include "quindle/plan/parameterValue.h"
 #include "quindle/runtime/QuindleRuntime.h"
-#include "quindle/runtime/parameterValue.h"
 
 #include <algorithm>
 #include <utility>
@@ -16,7 +16,7 @@ std::string dataOf(const QuindleDocument& doc, const std::map<std::string, std::
   for (const QuindleParam& param : doc.params) {
     const QuindleParamType* const type = findQuindleParamType(param.type);
     if (!type || !type->isData) continue;
-    std::string value = parameterValue(doc, args, param.name).value_or("");
+    std::string value = parameterValue(param.name, doc.findParam(param.name), args).value_or("");
     if (!value.empty()) return value;
   }
   return {};
@@ -58,7 +58,7 @@ void QuindleRuntime::showWhatWouldChange(const QuindleDocument& doc,
   if (editor.empty()) return;
   const std::string target = dataOf(doc, args);
   if (target.empty()) return;
-  const std::vector<std::string> displays = displaysOf(ops, target);
+  const std::vector<std::string> displays = displaysOf(ops_, target);
   if (displays.empty()) {
     diag.note("Nothing is displaying \"" + target +
                   "\", so there is no way to show what this would affect. The counts above are the whole of "
@@ -67,10 +67,10 @@ void QuindleRuntime::showWhatWouldChange(const QuindleDocument& doc,
     return;
   }
 
-  const std::string field = maskFieldOf(ops, editor);
+  const std::string field = maskFieldOf(ops_, editor);
   Diag local;
   const std::string mask =
-      ops.create(sceneWords::fieldCreator, std::string(sceneWords::ownPrefix) + maskBase, local);
+      ops_.create(sceneWords::fieldCreator, std::string(sceneWords::ownPrefix) + maskBase, local);
   if (mask.empty()) {
     diag.note("The preview was worked out, but the mask could not be published for a display to show: " +
                   local.firstError(),
@@ -78,9 +78,9 @@ void QuindleRuntime::showWhatWouldChange(const QuindleDocument& doc,
     return;
   }
   // Kept at once, so that the next run removes it whatever happens to it here.
-  previewObjects.push_back(mask);
-  if (!ops.connect(mask, sceneWords::gridSlot, target, {}, local) ||
-      !ops.setParam(mask, sceneWords::fieldNameSlot, sceneWords::fieldName(field), local)) {
+  previewObjects_.push_back(mask);
+  if (!ops_.connect(mask, sceneWords::gridSlot, target, {}, local) ||
+      !ops_.setParam(mask, sceneWords::fieldNameSlot, sceneWords::fieldName(field), local)) {
     diag.note("The preview was worked out, but the mask could not be pointed at \"" + target +
                   "\": " + local.firstError(),
               doc.name);
@@ -88,7 +88,7 @@ void QuindleRuntime::showWhatWouldChange(const QuindleDocument& doc,
   }
 
   Diag attempts;
-  if (attachMask(ops, displays, mask, attempts))
+  if (attachMask(ops_, displays, mask, attempts))
     diag.note("The selection is attached to the display of \"" + target +
                   "\" as its mask, so the affected points are drawn in its mask colour. If nothing looks "
                   "different, that display is not drawing the mask: its \"maskdisplay\" decides whether a "
@@ -102,11 +102,11 @@ void QuindleRuntime::showWhatWouldChange(const QuindleDocument& doc,
 }
 
 void QuindleRuntime::forgetPreviewDisplay(Diag& /*diag*/) {
-  std::vector<std::string> names = std::exchange(previewObjects, {});
+  std::vector<std::string> names = std::exchange(previewObjects_, {});
   std::reverse(names.begin(), names.end());
   for (const std::string& name : names) {
     Diag unread;
-    ops.removeObject(name, unread);
+    ops_.removeObject(name, unread);
   }
 }
 

@@ -1,5 +1,5 @@
 #include "quindle/plan/evaluateQuindleExpr.h"
-#include "quindle/runtime/QuindleRuntime.h"
+#include "quindle/runtime/Run.h"
 
 #include <algorithm>
 #include <iterator>
@@ -23,94 +23,77 @@ std::string parameterList(const QuindleDocument& doc) {
   return list + ".";
 }
 
+} // namespace
+
+// NOLINTNEXTLINE(misc-no-recursion): `mayNest` holds nested runs to a fixed depth.
+bool QuindleRuntime::Run::runNested(const RunStep& step) {
+  QuindleDocument nested;
+  Args nestedArgs;
+  if (!resolveNested(step, nested) || !mayNest(nested) || !nestedArguments(step, nested, nestedArgs))
+    return false;
+
+  QuindleRunResult inner;
+  if (!Run(*this, nested, nestedArgs, inner).perform())
+    diag_.note("This happened while \"" + doc_.name + "\" was running \"" + nested.name + "\".", doc_.name);
+  std::move(inner.report.begin(), inner.report.end(), std::back_inserter(result_.report));
+  result_.settled += inner.settled;
+  return inner.ok;
+}
+
+bool QuindleRuntime::Run::resolveNested(const RunStep& step, QuindleDocument& nested) {
+  const std::string runs = quotedRun(doc_.name, step.name);
+  if (!runtime_.resolver) return fail(runs + ", but nothing here knows how to find another Quindle by name.");
+  std::string why;
+  if (runtime_.resolver(step.name, nested, why)) return true;
+  return fail(runs +
+              (why.empty() ? ", and there is no Quindle of that name." : ", which cannot be run: " + why));
+}
+
+/// The runs that wait for this one, outermost first.
+std::vector<const QuindleRuntime::Run*> QuindleRuntime::Run::waiting() const {
+  std::vector<const Run*> runs;
+  for (const Run* run = caller_; run; run = run->caller_) runs.push_back(run);
+  std::reverse(runs.begin(), runs.end());
+  return runs;
+}
+
+/// Whether this may run `nested` with the runs that wait. It is not among them itself, so a Quindle that runs
+/// itself is found out one level down.
+bool QuindleRuntime::Run::mayNest(const QuindleDocument& nested) {
+  const std::vector<const Run*> runs = waiting();
+  std::string chain;
+  bool goesRound = false;
+  for (const Run* const run : runs) {
+    chain += "\"" + run->doc_.name + "\" runs ";
+    goesRound = goesRound || run->doc_.name == nested.name;
+  }
+  if (goesRound) return fail(chain + quotedRun(doc_.name, nested.name) + " again, which would never stop.");
+  if (runs.size() < maxWaitingRuns) return true;
+  return fail("Quindles are running one another more than " + std::to_string(maxWaitingRuns) +
+              " deep, starting at \"" + runs.front()->doc_.name + "\". Something is almost certainly wrong.");
+}
+
 /// The values for a nested run: those written in the step, worked out where the caller stands, and what the
 /// application supplied to the caller under the name of a parameter that asks the application too.
-bool nestedArguments(const QuindleRuntime::RunStep& step, const QuindleDocument& doc,
-                     const QuindleDocument& nested, const std::map<std::string, std::string>& args,
-                     const std::map<std::string, QuindleValue>& lets,
-                     std::map<std::string, std::string>& nestedArgs, Diag& diag) {
+bool QuindleRuntime::Run::nestedArguments(const RunStep& step, const QuindleDocument& nested,
+                                          Args& nestedArgs) {
   for (std::size_t i = 0; i < step.args.size(); ++i) {
-    if (i >= step.argNames.size() || step.argNames[i].empty()) {
-      diag.error("The arguments of a \"run\" step have to be named, as  run \"" + step.name +
-                     "\"(margin: 0.5).",
-                 doc.name);
-      return false;
-    }
+    if (i >= step.argNames.size() || step.argNames[i].empty())
+      return fail("The arguments of a \"run\" step have to be named, as  run \"" + step.name +
+                  "\"(margin: 0.5).");
     const std::string& name = step.argNames[i];
-    if (!nested.findParam(name)) {
-      diag.error("\"" + step.name + "\" has no parameter called \"" + name + "\". It takes " +
-                     parameterList(nested),
-                 doc.name);
-      return false;
-    }
+    if (!nested.findParam(name))
+      return fail("\"" + step.name + "\" has no parameter called \"" + name + "\". It takes " +
+                  parameterList(nested));
     QuindleValue value;
-    if (!evaluateQuindleExpr(step.args[i], doc, args, lets, value, diag)) return false;
+    if (!evaluateQuindleExpr(step.args[i], doc_, args_, lets_, value, diag_)) return false;
     nestedArgs[name] = value.toPlainText();
   }
   for (const QuindleParam& param : nested.params) {
     if (param.defaultSource == QuindleParam::DefaultSource::Written) continue;
-    if (const auto supplied = args.find(param.name); supplied != args.end()) nestedArgs.insert(*supplied);
+    if (const auto supplied = args_.find(param.name); supplied != args_.end()) nestedArgs.insert(*supplied);
   }
   return true;
-}
-
-} // namespace
-
-bool QuindleRuntime::resolveNested(const RunStep& step, const QuindleDocument& doc, QuindleDocument& nested,
-                                   Diag& diag) const {
-  const std::string runs = quotedRun(doc.name, step.name);
-  if (!resolver) {
-    diag.error(runs + ", but nothing here knows how to find another Quindle by name.", doc.name);
-    return false;
-  }
-  std::string why;
-  if (resolver(step.name, nested, why)) return true;
-  if (why.empty())
-    diag.error(runs + ", and there is no Quindle of that name.", doc.name);
-  else
-    diag.error(runs + ", which cannot be run: " + why, doc.name);
-  return false;
-}
-
-/// Whether `doc` may run `nested` with the runs that are under way. The outermost Quindle is on the stack
-/// only from its first nested run on, so one that runs itself is found out one level down.
-bool QuindleRuntime::mayNest(const QuindleDocument& doc, const QuindleDocument& nested, Diag& diag) const {
-  if (std::find(runStack.begin(), runStack.end(), nested.name) != runStack.end()) {
-    std::string chain;
-    for (const std::string& waiting : runStack) chain += "\"" + waiting + "\" runs ";
-    diag.error(chain + quotedRun(doc.name, nested.name) + " again, which would never stop.", doc.name);
-    return false;
-  }
-  if (runStack.size() >= maxWaitingRuns) {
-    diag.error("Quindles are running one another more than " + std::to_string(maxWaitingRuns) +
-                   " deep, starting at \"" + runStack.front() + "\". Something is almost certainly wrong.",
-               doc.name);
-    return false;
-  }
-  return true;
-}
-
-// NOLINTNEXTLINE(misc-no-recursion): `mayNest` holds nested runs to a fixed depth.
-bool QuindleRuntime::runNested(const RunStep& step, const QuindleDocument& doc,
-                               const std::map<std::string, std::string>& args,
-                               const std::map<std::string, QuindleValue>& lets, bool preview,
-                               QuindleRunResult& result, Diag& diag) {
-  QuindleDocument nested;
-  std::map<std::string, std::string> nestedArgs;
-  if (!resolveNested(step, doc, nested, diag) || !mayNest(doc, nested, diag) ||
-      !nestedArguments(step, doc, nested, args, lets, nestedArgs, diag))
-    return false;
-
-  runStack.push_back(doc.name);
-  QuindleRunResult inner;
-  run(nested, nestedArgs, preview, inner, diag);
-  runStack.pop_back();
-
-  if (!inner.ok)
-    diag.note("This happened while \"" + doc.name + "\" was running \"" + nested.name + "\".", doc.name);
-  std::move(inner.report.begin(), inner.report.end(), std::back_inserter(result.report));
-  result.settled += inner.settled;
-  return inner.ok;
 }
 
 } // namespace Zamt

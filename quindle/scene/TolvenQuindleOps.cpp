@@ -22,7 +22,7 @@ namespace {
 
 using Rethold::StrongPtr;
 
-constexpr int MaxSettleRounds = 100;
+constexpr int maxSettleRounds = 100;
 
 // The graph makes values by the name of their type, and the two types that this library takes from it have
 // to be known under theirs before anyone asks.
@@ -32,8 +32,8 @@ bool registerValueType() {
                                  std::make_shared<TypedValueCreator<Value>>());
   return true;
 }
-[[maybe_unused]] const bool NumbersAreRegistered = registerValueType<VValue<double>>();
-[[maybe_unused]] const bool ActionsAreRegistered = registerValueType<VValue<StrongPtr<VAction>>>();
+[[maybe_unused]] const bool numbersAreRegistered = registerValueType<VValue<double>>();
+[[maybe_unused]] const bool actionsAreRegistered = registerValueType<VValue<StrongPtr<VAction>>>();
 
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
@@ -94,7 +94,7 @@ bool publishes(const VObject& object, const std::string& kind) {
 
 } // namespace
 
-TolvenQuindleOps::TolvenQuindleOps(StrongPtr<ValuePool> context) : pool(std::move(context)) {}
+TolvenQuindleOps::TolvenQuindleOps(StrongPtr<ValuePool> pool) : pool_(std::move(pool)) {}
 
 TolvenQuindleOps::~TolvenQuindleOps() = default;
 
@@ -150,7 +150,7 @@ bool TolvenQuindleOps::setParam(const std::string& object, const std::string& sl
     return false;
   }
   const auto parameter = input->parameter();
-  if (parameter && parameter->setValueFromText(value, pool, {})) return true;
+  if (parameter && parameter->setValueFromText(value, pool_, {})) return true;
   diag.error(quoted(value) + " is not a value " + object + "." + slot + " can take.", object);
   return false;
 }
@@ -164,7 +164,7 @@ bool TolvenQuindleOps::getParam(const std::string& object, const std::string& sl
     diag.error(quoted(object) + " has no slot called " + quoted(slot) + ".", object);
     return false;
   }
-  value = textOf(*found, pool);
+  value = textOf(*found, pool_);
   return true;
 }
 
@@ -186,7 +186,7 @@ bool TolvenQuindleOps::fireAction(const std::string& object, const std::string& 
   const auto holder = valueAs<StrongPtr<VAction>>(value);
   const auto held = holder ? holder->held : nullptr;
   if (!held) return refuse(name + " holds no action to fire.");
-  held->emitAction(pool, parameter);
+  held->emitAction(pool_, parameter);
   if (parameter->value()) parameter->value()->touch();
   return true;
 }
@@ -241,7 +241,7 @@ std::string TolvenQuindleOps::creatorOf(const std::string& object) {
 std::string TolvenQuindleOps::statusOf(const std::string& object) {
   const auto target = findObject(object);
   const auto slot = target ? slotOfEitherKind(*target, sceneWords::statusSlot) : nullptr;
-  return slot ? textOf(*slot, pool) : std::string();
+  return slot ? textOf(*slot, pool_) : std::string();
 }
 
 std::string TolvenQuindleOps::createConsumer(const std::string& source, const std::string& creator,
@@ -262,7 +262,7 @@ std::string TolvenQuindleOps::createConsumer(const std::string& source, const st
     const auto reader = feeder->createChild(entry, Rethold::Intercube());
     if (!reader) return refuse(quoted(creator) + " could not be attached to " + quoted(source) + ".");
     reader->initialize();
-    VScheduler::schedule(reader, 0.0, pool);
+    VScheduler::schedule(reader, 0.0, pool_);
     return reader->name();
   }
   return refuse(quoted(creator) + " cannot read what " + quoted(source) + " publishes.");
@@ -277,7 +277,7 @@ bool TolvenQuindleOps::removeObject(const std::string& name, Diag& diag) {
 
 int TolvenQuindleOps::settle() {
   int total = 0;
-  for (int round = 0; round < MaxSettleRounds; ++round) {
+  for (int round = 0; round < maxSettleRounds; ++round) {
     const int done = VScheduler::execute(1.0);
     if (done < 1) break;
     total += done;

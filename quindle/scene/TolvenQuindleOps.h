@@ -55,7 +55,7 @@ public:
   Rethold::StrongPtr<VObject> resolve(const std::string& name, Diag& diag) const;
 
 private:
-  Rethold::StrongPtr<ValuePool> pool;
+  Rethold::StrongPtr<ValuePool> pool_;
 };
 
 } // namespace Zamt

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/realClouds.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -25,7 +26,6 @@ void putNumber(std::string& bytes, std::size_t at, T value) {
 class CloudFiles : public ::testing::Test, public TemporaryDirectory {
 protected:
   static std::string data(const std::string& name) { return std::string(QUINDLE_TEST_DATA) + "/" + name; }
-  static bool hasData() { return std::filesystem::exists(QUINDLE_TEST_DATA); }
 };
 
 } // namespace Zamt::Testing

@@ -69,7 +69,7 @@ protected:
 };
 
 TEST_F(CloudWriterTest, OnlyTheClassBitsOfChangedPointsDiffer) {
-  if (!hasData()) GTEST_SKIP() << "No test clouds at " << QUINDLE_TEST_DATA << ".";
+  REQUIRE_REAL_CLOUDS();
   for (const std::string& file : realClouds()) {
     SCOPED_TRACE(file);
     const auto cloud = open(file);
@@ -86,7 +86,7 @@ TEST_F(CloudWriterTest, OnlyTheClassBitsOfChangedPointsDiffer) {
 }
 
 TEST_F(CloudWriterTest, ANewClassNameMovesThePointsAndChangesNothingElse) {
-  if (!hasData()) GTEST_SKIP() << "No test clouds at " << QUINDLE_TEST_DATA << ".";
+  REQUIRE_REAL_CLOUDS();
   constexpr std::size_t added = 54 + 256 * 16;
   for (const std::string& file : realClouds()) {
     SCOPED_TRACE(file);

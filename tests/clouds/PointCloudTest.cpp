@@ -68,7 +68,7 @@ TEST_F(PointCloudTest, ReadsWhatItsOriginSaysOfEachFile) {
       {"perm_1.0_0.las", 0, 0, 1},
       {"perm_1.2_2.las", 2, 2, 1},
   };
-  if (!hasData()) GTEST_SKIP() << "No test clouds at " << QUINDLE_TEST_DATA << ".";
+  REQUIRE_REAL_CLOUDS();
   for (const Case& expected : cases) {
     SCOPED_TRACE(expected.file);
     const auto cloud = openWell(data(expected.file));
@@ -85,7 +85,7 @@ TEST_F(PointCloudTest, ReadsWhatItsOriginSaysOfEachFile) {
 }
 
 TEST_F(PointCloudTest, ExtraBytesAgreeWithANaiveDecoding) {
-  if (!hasData()) GTEST_SKIP() << "No test clouds at " << QUINDLE_TEST_DATA << ".";
+  REQUIRE_REAL_CLOUDS();
   const auto cloud = openWell(data("extrabytes.las"));
   ASSERT_TRUE(cloud);
   const std::string bytes = readFile(data("extrabytes.las"));

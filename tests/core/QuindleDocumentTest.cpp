@@ -59,6 +59,58 @@ TEST(QuindleExpr, WrapsExactlyTheOperandsThatNeedIt) {
   }
 }
 
+/// The record after every way to copy and to move one.
+template <class Record>
+Record copiedAndMoved(const Record& record) {
+  Record copy(record);
+  Record moved(std::move(copy));
+  Record target;
+  target = moved;
+  moved = Record();
+  moved = std::move(target);
+  return moved;
+}
+
+TEST(QuindleDocument, CopiesAndMovesOfARecordKeepEveryField) {
+  QuindleValue value;
+  value.kind = QuindleValue::Kind::Tuple;
+  value.items = {QuindleValue::boolean(true), QuindleValue::number(2), QuindleValue::identifier("w")};
+  value.items[1].textValue = "2.0";
+  EXPECT_EQ(Testing::dumpValue(copiedAndMoved(value)), "Tuple (true, 2.0, w)");
+  EXPECT_EQ(Testing::dumpValue(copiedAndMoved(value.items[1])), "Number 2.0 (2)");
+
+  QuindleExpr expr = node(Kind::Call, {reference("a"), node(Kind::Not, {reference("b")})});
+  expr.name = "f";
+  expr.op = "<";
+  expr.value = value;
+  expr.argNames = {"", "n"};
+  expr.line = expr.operands[1].operands[0].line = 3;
+  expr.column = expr.operands[1].operands[0].column = 4;
+  const std::string exprDump =
+      "[Call@3:4 Tuple (true, 2.0, w) f < [Reference@0:0 a] n: [Not@0:0 [Reference@3:4 b]]]";
+  EXPECT_EQ(Testing::dumpExpr(copiedAndMoved(expr)), exprDump);
+
+  QuindleStep step;
+  step.kind = QuindleStep::Kind::If;
+  step.name = "n";
+  step.source = "s";
+  step.value = expr;
+  step.condition = reference("c");
+  step.args = {reference("x")};
+  step.argNames = {"y"};
+  step.color = QuindleValue::text("red");
+  step.classNumber = QuindleValue::number(7);
+  step.comment = "why";
+  step.line = 5;
+  step.column = 6;
+  const std::string stepDump = "If@5:6 name=n source=s value=" + exprDump +
+                               " condition=[Reference@0:0 c] arg=y:[Reference@0:0 x] as=Number 7 "
+                               "color=Text \"red\" comment=<why>\n";
+  step.body = {QuindleStep(step)};
+  step.elseBody = {step.body[0]};
+  EXPECT_EQ(Testing::dumpSteps({copiedAndMoved(step)}), stepDump + "  " + stepDump + "Else\n  " + stepDump);
+}
+
 TEST(QuindleDocument, ValuesExpressionsAndStepsTakeTheValueOfTheirOwnMembers) {
   QuindleValue value;
   value.kind = QuindleValue::Kind::Tuple;

@@ -187,8 +187,8 @@ TEST_F(ConditionsTest, AllNineSelectWhatTheySayOnTheSampleAloneNegatedAndCombine
 }
 
 TEST_F(ConditionsTest, TheySelectWhatTheySayOnARealCloud) {
+  REQUIRE_REAL_CLOUDS();
   const std::string file = real("autzen-thin.las");
-  REQUIRE_REAL(file);
   open(file);
   const NaiveCloud naive(*scene.grid()->cloud);
   expectAgreement({
@@ -206,8 +206,8 @@ TEST_F(ConditionsTest, TheySelectWhatTheySayOnARealCloud) {
 }
 
 TEST_F(ConditionsTest, SurfaceCountsOfTheReferenceCloudAreThoseWorkedOutByHand) {
+  REQUIRE_REAL_CLOUDS();
   const std::string file = real("ahn3_crop.las");
-  REQUIRE_REAL(file);
   open(file);
   const std::string ground = "\"" + real("ahn3_ground.obj") + "\"";
   const auto count = [&](const std::string& condition) {

@@ -45,8 +45,8 @@ TEST_F(HostSceneTest, ASecondCloudIsBoundAndNothingIsCompiledForIt) {
 }
 
 TEST_F(HostSceneTest, ACloudWithOtherClassesIsNotPutThroughAProgramMadeForTheFirst) {
+  REQUIRE_REAL_CLOUDS();
   const std::string file = real("autzen-thin.las");
-  REQUIRE_REAL(file);
   const QuindleDocument doc =
       parsedRun("select class(\"Ground\")\nclassify into \"Odd\"\nreport \"{selected}\"",
                 "param cloud : Grid = active");
@@ -86,8 +86,7 @@ TEST_F(HostSceneTest, RegionsAndFieldsCanBeGivenAsTheyAreWritten) {
 }
 
 TEST_F(HostSceneTest, EveryRealFileIsClassifiedAndASecondRunChangesNothing) {
-  if (!std::filesystem::exists(QUINDLE_TEST_DATA))
-    GTEST_SKIP() << "The folder with the real clouds is not there.";
+  REQUIRE_REAL_CLOUDS();
   const QuindleDocument doc =
       parsedRun("classify into \"Water\"\nreport \"{selected}\"", "param cloud : Grid = active");
   int written = 0;

@@ -4,6 +4,7 @@
 #include "host/session/Scene.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/parsed.h"
+#include "tests/support/realClouds.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -22,14 +23,8 @@ public:
     return path("lake.las");
   }
 
-  /// A real file; the test is to be skipped when this is empty.
-  static std::string real(const std::string& name) {
-    const std::string file = std::string(QUINDLE_TEST_DATA) + "/" + name;
-    return std::filesystem::exists(file) ? file : std::string();
-  }
+  /// A real file; a test of one starts with REQUIRE_REAL_CLOUDS.
+  static std::string real(const std::string& name) { return std::string(QUINDLE_TEST_DATA) + "/" + name; }
 };
-
-#define REQUIRE_REAL(file)                                                                                   \
-  if ((file).empty()) GTEST_SKIP() << "The folder with the real clouds is not there."
 
 } // namespace Zamt::Testing

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 namespace Zamt {
 namespace {
 
@@ -16,19 +14,18 @@ using Testing::parsedExpr;
 using Testing::parsedSteps;
 
 TEST(ParseDocument, ReadsValues) {
-  const std::tuple<std::string, const char*, double> cases[] = {
-      {"0.50", "Number 0.50", 0.5},
-      {"1e-3", "Number 1e-3", 1e-3},
-      {"--5", "Number --5", 5},
-      {"- 4", "Number -4", -4},
-      {"1e999", "Number 1e999", std::numeric_limits<double>::infinity()},
-      {"\"\\\"\\\\\\n\\t\"", "Text \"\\\"\\\\\\n\\t\"", 0},
-      {"(1, (a.b, -2), \"x\")", "Tuple (1, (a.b, -2), \"x\")", 0},
+  const std::pair<std::string, const char*> cases[] = {
+      {"0.50", "Number 0.50 (0.5)"},
+      {"1e-3", "Number 1e-3 (0.001)"},
+      {"--5", "Number --5 (5)"},
+      {"- 4", "Number -4"},
+      {"1e999", "Number 1e999 (inf)"},
+      {"\"\\\"\\\\\\n\\t\"", "Text \"\\\"\\\\\\n\\t\""},
+      {"(1, (a.b, -2), \"x\")", "Tuple (1, (a.b, -2), \"x\")"},
   };
-  for (const auto& [text, dump, number] : cases) {
+  for (const auto& [text, dump] : cases) {
     const QuindleDocument doc = parsed("quindle \"a\" { param x : T = " + text + " on run { } }");
     EXPECT_EQ(dumpValue(doc.params.at(0).defaultValue), dump);
-    EXPECT_EQ(doc.params[0].defaultValue.numberValue, number) << text;
   }
 }
 
