@@ -50,7 +50,7 @@ bool outsideRange(const QuindleParam& param, const std::string& text) {
 
 } // namespace
 
-Scene::Scene() {
+Scene::Scene(const Stop& /*stop*/) {
   VManagedObject::clear();
   registerHostObjects();
   ops_ = std::make_unique<TolvenQuindleOps>(std::make_shared<ValuePool>());

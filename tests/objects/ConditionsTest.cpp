@@ -136,7 +136,8 @@ public:
     }
   }
 
-  Host::Scene scene;
+  Stop stop;
+  Host::Scene scene{stop};
 };
 
 TEST_F(ConditionsTest, AllNineSelectWhatTheySayOnTheSampleAloneNegatedAndCombined) {

@@ -23,7 +23,8 @@ public:
     return text;
   }
 
-  Host::Scene scene;
+  Stop stop;
+  Host::Scene scene{stop};
 };
 
 TEST_F(MaskedLabelsTest, ASecondStepSeesWhatTheFirstChangedAndTwoNewClassesGetTwoNumbers) {

@@ -19,7 +19,8 @@ public:
     return result.report;
   }
 
-  Host::Scene scene;
+  Stop stop;
+  Host::Scene scene{stop};
   QuindleRunResult result;
   std::string said;
 };
