@@ -14,7 +14,8 @@ const QuindleDocument& document() {
 }
 
 const std::map<std::string, std::string> supplied{{"given", "0.50"}, {"metres", "0.5m"}, {"empty", ""},
-                                                  {"word", "7"},     {"nan", "nan"},     {"both", "1"}};
+                                                  {"word", "7"},     {"nan", "nan"},     {"both", "1"},
+                                                  {"hex", "0X10"}};
 
 const std::map<std::string, QuindleValue>& lets() {
   static const std::map<std::string, QuindleValue> made{{"both", QuindleValue::text("let")},
@@ -41,6 +42,7 @@ TEST(evaluateQuindleExpr, WorksOutValuesOrSaysWhyNot) {
       {"word > 5", "true"},
       {"given", "0.5"},
       {"metres", "\"0.5m\""},
+      {"hex", "16"},
       {"2 < 3 and nothing", "t.quindle:5:11: error: \"nothing\" has no value here. It is neither a parameter "
                             "of this Quindle nor set by an earlier \"let\"."},
       {"3 < 2 and nothing", "false"},
