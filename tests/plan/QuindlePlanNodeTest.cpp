@@ -177,43 +177,5 @@ TEST(QuindlePlanNode, PlansMeanWhatWasWritten) {
   }
 }
 
-TEST(QuindlePlanNode, TakesAMillionLevels) {
-  QuindlePlanNode plan;
-  Diag diag;
-  const std::size_t junctions = [&] {
-    const QuindleExpr expr = Testing::deepChain();
-    EXPECT_TRUE(planPredicate(expr, plan, diag, "t")) << diag.firstError();
-    return plan.describe().size();
-  }();
-  // Every third level turns the rest inside out, so pairs of levels merge: "and", "or not", which is "and".
-  EXPECT_GT(junctions, 300000U);
-  QuindlePlanNode copy = plan;
-  plan = QuindlePlanNode();
-  EXPECT_EQ(copy.cost(), 10U);
-  plan = std::move(copy);
-  EXPECT_EQ(plan.describe().size(), junctions);
-}
-
-// Nested on either side, alternating or a flat cluster.
-TEST(QuindlePlanNode, TakesDeepNestingOnEitherSide) {
-  constexpr int levels = 300000;
-  using Kind = QuindleExpr::Kind;
-  const QuindleExpr leaf = expressionOf("vertical()");
-  for (const unsigned form : {0U, 1U, 2U, 3U}) {
-    const std::size_t side = form % 2;
-    const bool alternating = form < 2;
-    QuindleExpr expr = leaf;
-    for (int level = 0; level < levels; ++level) {
-      std::vector<QuindleExpr> operands(2, leaf);
-      operands[side] = std::move(expr);
-      expr = Testing::junction(alternating && level % 2 ? Kind::Or : Kind::And, std::move(operands));
-    }
-    QuindlePlanNode plan;
-    Diag diag;
-    ASSERT_TRUE(planPredicate(expr, plan, diag, "t"));
-    EXPECT_EQ(plan.children.size(), alternating ? 2U : levels + 1U);
-  }
-}
-
 } // namespace
 } // namespace Zamt
