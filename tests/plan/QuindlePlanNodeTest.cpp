@@ -69,6 +69,16 @@ TEST(QuindlePlanNode, ReportsEveryFaultOfACondition) {
   }
 }
 
+TEST(QuindlePlanNode, TakesTheNameOfItsFileFromTheDiagnosticsThatItAddsTo) {
+  const std::string file = "a name that is too long to stand in the record itself";
+  QuindlePlanNode plan;
+  Diag diag;
+  diag.error("before", file);
+  EXPECT_FALSE(planPredicate(expressionOf("a and b and c and d"), plan, diag, diag.entries[0].file));
+  ASSERT_EQ(diag.entries.size(), 5U);
+  for (const Diag::Entry& entry : diag.entries) EXPECT_EQ(entry.file, file);
+}
+
 TEST(QuindlePlanNode, CostsItsCheapestMemberOrItsDearestBranch) {
   EXPECT_EQ(planOf("neighbours(1) < 3 and inside(a) and expr(\"e\")").cost(), 1U);
   EXPECT_EQ(planOf("not (neighbours(1) < 3 and inside(a))").cost(), 10000U);

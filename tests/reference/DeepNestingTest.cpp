@@ -7,7 +7,6 @@
 namespace Zamt::Testing {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::SizeIs;
 
 /// The stack holds less than three bytes a level, so that nothing which recurses gets through.
