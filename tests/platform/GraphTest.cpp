@@ -126,6 +126,8 @@ TEST_F(Graph, AttachmentPicksTheNamesakeOrElseTheFirstAndSaysWhyNot) {
   EXPECT_EQ(b->left.get(), -1.0);
   EXPECT_EQ(attach("b", "left", "a", "sum"), "");
   EXPECT_EQ(b->left.source(), a);
+  settle();
+  EXPECT_THAT(b->changedInputs, ElementsAre("left", "sum"));
   EXPECT_FALSE(b->getSlot("left")->parameter()->setValueFromText("7", nullptr, {}));
   EXPECT_EQ(attach("a", "left", "nobody"), "There is no object called \"nobody\".");
   EXPECT_EQ(attach("a", "nothing", "b"), "\"a\" has no input called \"nothing\".");

@@ -64,6 +64,7 @@ TEST(Values, ALabelSetSurvivesItsTextWithAnyBytesInItsNames) {
   LabelSet read;
   ASSERT_TRUE(Labels::setValueFromText(read, Labels::Text(oddSet())));
   EXPECT_EQ(read, oddSet());
+  EXPECT_EQ(Labels::Text(oddSet()).find_first_of(std::string("\r\0", 2)), std::string::npos);
   EXPECT_EQ(read.getSelectedValue("Assign"), 6);
   EXPECT_EQ(LabelSet().getSelectedValue("Assign"), -1);
   ASSERT_TRUE(Labels::setValueFromText(read, Labels::Text({})));
