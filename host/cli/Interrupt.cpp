@@ -12,8 +12,15 @@ namespace Zamt::Host {
 
 static_assert(std::atomic<bool>::is_always_lock_free, "the handler may only touch lock-free memory");
 
+namespace {
+Stop asked; // the only way to reach a signal handler
+} // namespace
+
+const Stop& askedToStop() { return asked; }
+
 extern "C" {
 static void onInterrupt(int /*signal*/) {
+  asked.request();
   if (!interrupted.exchange(true)) return;
   removeTemporaries();
   _exit(1);

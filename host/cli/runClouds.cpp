@@ -1,6 +1,7 @@
 #include "host/cli/runClouds.h"
 
 #include "files/Interruption.h"
+#include "host/cli/Interrupt.h"
 #include "host/clouds/StandardClasses.h"
 #include "host/objects/Grid.h"
 #include "host/session/Collection.h"
@@ -110,7 +111,7 @@ bool prepare(const RunOptions& options, Job& job, Diag& diag, std::string& misus
 
 Exit runAll(const RunOptions& options, const std::vector<std::string>& outputs, const std::string& picture,
             const Job& job, Console& console) {
-  Scene scene;
+  Scene scene(askedToStop());
   std::string problem;
   if (!job.region.empty() && !scene.setRegion(job.region, problem)) {
     console.error(problem);

@@ -19,8 +19,9 @@ namespace Zamt::Host {
 /// time; it belongs to the thread that made it.
 class Scene {
 public:
-  /// Starts from an empty graph.
-  Scene();
+  /// Starts from an empty graph. What runs in it ends when `stop`, which outlives the scene, is raised.
+  /// Clouds may be in any of `formats`.
+  explicit Scene(const Stop& stop, CloudFormats formats = cloudFormats());
   ~Scene();
   Scene(const Scene&) = delete;
   Scene& operator=(const Scene&) = delete;
@@ -70,6 +71,7 @@ private:
   bool makeRegion(const QuindleParam& param, const std::string& text, std::string& object, Diag& diag);
   void forgetCompiled();
 
+  const Stop& stop_;
   std::unique_ptr<TolvenQuindleOps> ops_;
   std::unique_ptr<QuindleRuntime> runtime_;
   std::string cloud_;                       ///< The name of the cloud's object.

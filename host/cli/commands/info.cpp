@@ -1,6 +1,8 @@
 #include "files/Interruption.h"
+#include "host/cli/Interrupt.h"
 #include "host/cli/commands/commands.h"
 #include "host/clouds/cloudInfo.h"
+#include "host/clouds/openCloud.h"
 
 #include <CLI/App.hpp>
 #include <fmt/format.h>
@@ -22,8 +24,8 @@ struct InfoOptions {
 
 bool inspect(const std::string& path, CloudInfo& info, Diag& diag) {
   std::string problem;
-  const std::shared_ptr<PointCloud> cloud = PointCloud::open(path, problem);
-  if (cloud && inspectCloud(*cloud, info, problem)) return true;
+  const std::shared_ptr<PointCloud> cloud = openCloud(path, problem);
+  if (cloud && inspectCloud(*cloud, askedToStop(), info, problem)) return true;
   diag.error(problem, path);
   return false;
 }

@@ -1,3 +1,4 @@
+#include "host/cli/Interrupt.h"
 #include "host/cli/commands/commands.h"
 #include "host/session/Scene.h"
 #include "host/session/nearest.h"
@@ -108,7 +109,7 @@ void printRegistryJson(const RegistryOptions& options, const Categories& categor
 
 Exit showRegistry(const RegistryOptions& options, Console& console) {
   Diag diag;
-  Scene scene; // what the host can create is known once there is one
+  Scene scene(askedToStop()); // what the host can create is known once there is one
   if (!options.cloud.empty() && scene.openCloud(options.cloud, {}, diag)) scene.addDisplay(diag);
   const Categories categories = quindleRegistryCategories(options.level);
   const std::vector<QuindleRegistryItem> items = collectQuindleRegistry(options.level);

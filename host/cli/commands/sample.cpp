@@ -1,4 +1,5 @@
 #include "files/Interruption.h"
+#include "host/cli/Interrupt.h"
 #include "host/cli/commands/commands.h"
 #include "host/sample/SampleFiles.h"
 
@@ -72,7 +73,7 @@ Exit makeSample(const SampleOptions& options, Console& console) {
   const SampleScene scene = makeSampleScene(options.points, options.seed);
   if (interrupted)
     problem = interruptedMessage;
-  else if (writeSample(scene, options.output, surfacePath, problem)) {
+  else if (writeSample(scene, options.output, surfacePath, askedToStop(), problem)) {
     printMade(options, surfacePath, console);
     return Exit::Done;
   }

@@ -1,18 +1,17 @@
-#include "host/filters/KeySort.h"
-
-#include <tbb/parallel_for.h>
+#include "host/filters/neighbours/KeySort.h"
 
 #include <algorithm>
+#include <oneapi/tbb/parallel_for.h>
 #include <utility>
 #include <vector>
 
 namespace Zamt::Host {
 namespace {
 
-// 2^11 counters, and as many places being written to, still fit the first-level cache.
+/// 2^11 counters, and as many places being written to, still fit the first-level cache.
 constexpr unsigned maximumDigitBits = 11;
 
-// Entries that one task counts and moves.
+/// Entries that one task counts and moves.
 constexpr std::size_t chunkEntries = std::size_t{1} << 18;
 
 struct Digit {
@@ -21,7 +20,7 @@ struct Digit {
   std::size_t of(std::uint64_t key) const { return static_cast<std::size_t>(key >> shift) & (values - 1); }
 };
 
-// Calls `work(chunk, begin, end)` for all chunks, in parallel.
+/// Calls `work(chunk, begin, end)` for all chunks, in parallel.
 template <typename Work>
 void forEachChunk(std::size_t count, Work work) {
   const std::size_t chunks = (count + chunkEntries - 1) / chunkEntries;
@@ -30,7 +29,7 @@ void forEachChunk(std::size_t count, Work work) {
   });
 }
 
-// Turns counts by chunk and digit into the place where each chunk's first entry of that digit goes.
+/// Turns counts by chunk and digit into the place where each chunk's first entry of that digit goes.
 void turnIntoPlaces(std::vector<std::size_t>& counts, std::size_t values) {
   std::size_t place = 0;
   for (std::size_t value = 0; value < values; ++value)

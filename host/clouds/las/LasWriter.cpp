@@ -1,7 +1,6 @@
-#include "host/clouds/las/CloudWriter.h"
+#include "host/clouds/las/LasWriter.h"
 
 #include "files/AtomicFile.h"
-#include "host/clouds/CloudAccess.h"
 
 #include <algorithm>
 #include <atomic>
@@ -47,14 +46,15 @@ Patch patchOf(std::uint64_t at, T value) {
   return patch;
 }
 
-std::string nameProblem(const PointCloud& cloud, const std::vector<ClassName>& names) {
+std::string nameProblem(const LasFile& input, const std::vector<ClassName>& names) {
+  const unsigned highest = input.layout.classMask;
   for (const ClassName& added : names) {
     if (added.name.size() > longestClassName)
       return "The class name \"" + added.name + "\" is too long for a LAS file, which holds " +
              std::to_string(longestClassName) + " bytes. Choose a shorter one.";
-    if (added.number > cloud.highestClass())
-      return "The points of \"" + cloud.path() + "\" can't hold the class " + std::to_string(added.number) +
-             ", the highest is " + std::to_string(cloud.highestClass()) + ". Choose a lower number.";
+    if (added.number > highest)
+      return "The points of \"" + input.path + "\" can't hold the class " + std::to_string(added.number) +
+             ", the highest is " + std::to_string(highest) + ". Choose a lower number.";
   }
   return {};
 }
@@ -88,9 +88,9 @@ void enterNames(const std::vector<ClassName>& names, std::vector<std::byte>& ent
 
 /// Moves what the header says of places behind the inserted bytes. False when the points would start further
 /// on than the header can say.
-bool shiftHeader(const PointCloud::State& cloud, Changes& changes) {
-  const LasLayout& layout = cloud.layout;
-  const std::byte* const header = cloud.file->bytes().data();
+bool shiftHeader(const LasFile& input, Changes& changes) {
+  const LasLayout& layout = input.layout;
+  const std::byte* const header = input.file->bytes().data();
   if (layout.pointOffset >= changes.insertAt) {
     const std::uint64_t moved = layout.pointOffset + changes.inserted;
     if (moved > std::numeric_limits<std::uint32_t>::max()) return false;
@@ -149,19 +149,18 @@ bool changeLookup(std::span<const std::byte> bytes, const LasRecord& record,
   return true;
 }
 
-bool planNames(const PointCloud::State& cloud, const std::vector<ClassName>& names, Changes& changes,
+bool planNames(const LasFile& input, const std::vector<ClassName>& names, Changes& changes,
                std::string& error) {
   if (names.empty()) return true;
-  const LasRecord* const record = cloud.layout.findSpecRecord(classLookupId);
+  const LasRecord* const record = input.layout.findSpecRecord(classLookupId);
   bool fits = true;
   if (record)
-    fits = changeLookup(cloud.file->bytes(), *record, names, changes);
+    fits = changeLookup(input.file->bytes(), *record, names, changes);
   else
-    addLookup(cloud.layout, names, changes);
-  if (fits && (changes.inserted == 0 || shiftHeader(cloud, changes))) return true;
-  error = "The header of \"" + cloud.path +
-          "\" has no room for the names of new classes. Write it anew with "
-          "the program it came from.";
+    addLookup(input.layout, names, changes);
+  if (fits && (changes.inserted == 0 || shiftHeader(input, changes))) return true;
+  error = "The header of \"" + input.path +
+          "\" has no room for the names of new classes. Write it anew with the program it came from.";
   return false;
 }
 
@@ -175,57 +174,64 @@ void addPieces(std::size_t from, std::size_t to, const Changes& changes, std::ve
   }
 }
 
-std::vector<Piece> piecesOf(const PointCloud::State& cloud, const Changes& changes) {
-  const LasLayout& layout = cloud.layout;
-  const std::size_t blockSize = std::size_t{blockPoints} * layout.recordLength;
-  const std::size_t size = cloud.file->bytes().size();
+/// What the pieces of a written file are made from.
+struct Source {
+  const LasFile& input;
+  const BlockTable& blocks;
+  const ClassOverlay& changed;
+  const Changes& changes;
+
+  std::span<const std::byte> bytes() const { return input.file->bytes(); }
+};
+
+std::vector<Piece> piecesOf(const Source& source) {
+  const LasLayout& layout = source.input.layout;
   std::vector<Piece> pieces;
   std::size_t done = 0;
-  for (std::size_t block = 0; block < cloud.changedClasses.size(); ++block) {
-    if (!cloud.changedClasses[block]) continue;
-    const std::size_t start = layout.pointOffset + block * blockSize;
-    const std::size_t end =
-        std::min(start + blockSize, layout.pointOffset + std::size_t{layout.points} * layout.recordLength);
-    addPieces(done, start, changes, pieces);
-    pieces.push_back({start, end - start, block});
-    done = end;
+  for (std::size_t block = 0; block < source.blocks.size(); ++block) {
+    if (source.changed.of(block).empty()) continue;
+    const std::size_t start =
+        layout.pointOffset + static_cast<std::size_t>(source.blocks.first(block)) * layout.recordLength;
+    const std::size_t size = source.blocks.count(block) * layout.recordLength;
+    addPieces(done, start, source.changes, pieces);
+    pieces.push_back({start, size, block});
+    done = start + size;
   }
-  addPieces(done, size, changes, pieces);
+  addPieces(done, source.bytes().size(), source.changes, pieces);
   return pieces;
 }
 
 /// The bytes of a block with its classes as changed, in `buffer`.
-void patchBlock(const PointCloud::State& cloud, const Piece& piece, std::vector<std::byte>& buffer) {
-  const LasLayout& layout = cloud.layout;
+void patchBlock(const Source& source, const Piece& piece, std::vector<std::byte>& buffer) {
+  const LasLayout& layout = source.input.layout;
   buffer.resize(piece.size);
-  std::memcpy(buffer.data(), cloud.file->bytes().data() + piece.from, piece.size);
-  const std::uint8_t* const classes = cloud.changedClasses[*piece.block].get();
+  std::memcpy(buffer.data(), source.bytes().data() + piece.from, piece.size);
   const auto mask = static_cast<std::byte>(layout.classMask);
   std::size_t at = layout.classAt;
-  for (std::size_t i = 0; at < piece.size; ++i, at += layout.recordLength)
-    buffer[at] = (buffer[at] & ~mask) | (static_cast<std::byte>(classes[i]) & mask);
+  for (const std::uint8_t number : source.changed.of(*piece.block)) {
+    buffer[at] = (buffer[at] & ~mask) | (static_cast<std::byte>(number) & mask);
+    at += layout.recordLength;
+  }
 }
 
-bool writePieces(const PointCloud::State& cloud, const Changes& changes, AtomicFile& file,
-                 std::string& error) {
-  const std::vector<Piece> pieces = piecesOf(cloud, changes);
+/// Writes one piece; `buffer` is room to change it in.
+bool writePiece(const Source& source, const Piece& piece, std::vector<std::byte>& buffer, AtomicFile& file,
+                std::string& error) {
+  const std::uint64_t to = piece.from + (piece.from >= source.changes.insertAt ? source.changes.inserted : 0);
+  if (!piece.block) return file.write(to, source.bytes().subspan(piece.from, piece.size), error);
+  patchBlock(source, piece, buffer);
+  return file.write(to, buffer, error);
+}
+
+bool writePieces(const Source& source, AtomicFile& file, std::string& error) {
+  const std::vector<Piece> pieces = piecesOf(source);
   std::atomic<bool> failed{false};
   std::mutex firstError;
   tbb::enumerable_thread_specific<std::vector<std::byte>> buffers;
   tbb::parallel_for(std::size_t{0}, pieces.size(), [&](std::size_t i) {
     if (failed) return;
-    const Piece& piece = pieces[i];
-    const std::uint64_t to = piece.from + (piece.from >= changes.insertAt ? changes.inserted : 0);
     std::string problem;
-    bool good = true;
-    if (piece.block) {
-      std::vector<std::byte>& buffer = buffers.local();
-      patchBlock(cloud, piece, buffer);
-      good = file.write(to, buffer, problem);
-    } else {
-      good = file.write(to, cloud.file->bytes().subspan(piece.from, piece.size), problem);
-    }
-    if (good) return;
+    if (writePiece(source, pieces[i], buffers.local(), file, problem)) return;
     const std::lock_guard lock(firstError);
     if (!failed.exchange(true)) error = problem;
   });
@@ -234,15 +240,16 @@ bool writePieces(const PointCloud::State& cloud, const Changes& changes, AtomicF
 
 } // namespace
 
-bool writeCloud(const PointCloud& cloud, const std::vector<ClassName>& addedNames, const std::string& path,
-                std::string& error) {
-  error = nameProblem(cloud, addedNames);
+bool writeLas(const LasFile& input, const BlockTable& blocks, const ClassOverlay& changed,
+              const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
+              std::string& error) {
+  error = nameProblem(input, addedNames);
   if (!error.empty()) return false;
   Changes changes;
-  if (!planNames(cloud.inner(), addedNames, changes, error)) return false;
-  const auto file = AtomicFile::create(path, error);
-  if (!file || !file->reserve(cloud.inner().file->bytes().size() + changes.inserted, error)) return false;
-  if (!writePieces(cloud.inner(), changes, *file, error)) return false;
+  if (!planNames(input, addedNames, changes, error)) return false;
+  const auto file = AtomicFile::create(path, error, &stop);
+  if (!file || !file->reserve(input.file->bytes().size() + changes.inserted, error)) return false;
+  if (!writePieces({input, blocks, changed, changes}, *file, error)) return false;
   for (const Patch& patch : changes.patches)
     if (!file->write(patch.at, patch.bytes, error)) return false;
   return file->commit(error);

@@ -1,13 +1,14 @@
 #pragma once
 
+#include "files/Stop.h"
 #include "host/clouds/PointCloud.h"
 #include "host/clouds/PointMask.h"
-#include "host/filters/KeySort.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace Zamt::Host {
@@ -29,7 +30,9 @@ struct GridLayout {
   unsigned bits = 0;         ///< Of a key.
   std::vector<GridRow> rows; ///< Those within the radius, nearest first.
 
-  std::uint64_t key(double x, double y, double z) const { return part(0, x) | part(1, y) | part(2, z); }
+  std::uint64_t key(const std::array<double, 3>& at) const {
+    return part(0, at[0]) | part(1, at[1]) | part(2, at[2]);
+  }
 
 private:
   std::uint64_t part(std::size_t axis, double value) const {
@@ -42,7 +45,21 @@ private:
 /// would be more cells than a key can tell apart, cells are wider.
 GridLayout makeGridLayout(const Bounds& bounds, double radius, unsigned fineness);
 
-/// Some points of a cloud, in the order of their cells.
+/// The places of some points of a cloud, in the order of the cloud. The array comes without values, so that
+/// the threads that fill it also are the first to touch its memory.
+struct Places {
+  std::size_t count = 0;
+  std::unique_ptr<std::array<double, 3>[]> at;
+  Bounds box; ///< Around all points of the cloud.
+};
+
+/// Reads the places of the points that are set in `members`, which are less than 2^32. False when it was
+/// stopped or a block can't be read, with a sentence in `problem`.
+bool readPlaces(const PointCloud& cloud, const PointMask& members, const Stop& stop, Places& places,
+                std::string& problem);
+
+/// Points in the order of their cells. Each is known by its number among the places that the grid was made
+/// of.
 struct NeighbourGrid {
   GridLayout layout;
   std::size_t count = 0;
@@ -57,11 +74,12 @@ struct NeighbourGrid {
   double crowding() const;
 };
 
-/// The points of `cloud` that are set in `members`, in a grid. The cloud has less than 2^32 points.
-NeighbourGrid makeNeighbourGrid(const PointCloud& cloud, const PointMask& members, GridLayout layout);
+/// Places in a grid; all of them lie within what the layout was made for.
+NeighbourGrid makeNeighbourGrid(const Places& places, GridLayout layout);
 
-/// The points of `cloud` whose cell is, or may be, one that a point of `asked` has to look into; all others
-/// are further from every asked point than the radius.
-PointMask findSurroundings(const PointCloud& cloud, const PointMask& asked, const GridLayout& layout);
+/// Sets in `found` the points of `cloud` whose cell is, or may be, one that a point at one of the `asked`
+/// places has to look into; all others are further from every one than the radius. False as `readPlaces`.
+bool findSurroundings(const PointCloud& cloud, const Places& asked, const GridLayout& layout,
+                      const Stop& stop, PointMask& found, std::string& problem);
 
 } // namespace Zamt::Host
