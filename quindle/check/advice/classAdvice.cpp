@@ -3,6 +3,7 @@
 #include "quindle/core/AsciiText.h"
 #include "quindle/core/Numbers.h"
 #include "quindle/core/PointVocabulary.h"
+#include "quindle/core/QuindleParamTypes.h"
 #include "quindle/core/Refusals.h"
 
 #include <algorithm>
@@ -84,7 +85,8 @@ std::string nearClassName(std::string_view name) {
 ClassAdvice::ClassAdvice(Advisor& advisor) : advisor_(advisor) {
   const std::vector<QuindleParam>& params = advisor.document().params;
   hasData_ = std::any_of(params.begin(), params.end(), [](const QuindleParam& param) {
-    return param.type == "Grid" || param.type == "Field";
+    const QuindleParamType* const type = findQuindleParamType(param.type);
+    return type && type->isData;
   });
 }
 
