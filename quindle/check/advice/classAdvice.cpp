@@ -136,8 +136,10 @@ void ClassAdvice::adviseOnNumberAsName(const QuindleStep& step, const std::strin
 void ClassAdvice::compareWithEarlier(const QuindleStep& step, const std::string& name,
                                      const std::string& number) {
   const auto [named, isNewName] = numbers_.emplace(name, Use{number, step.line});
-  if (!isNewName && named->second.other != number && !isStandard(name)) {
-    const std::string& earlier = named->second.other;
+  const std::string& earlier = named->second.other;
+  // The data will have the number of a class of the standard.
+  const bool isKnown = (earlier.empty() || number.empty()) && isStandard(name);
+  if (!isNewName && earlier != number && !isKnown) {
     const std::string wanted = earlier.empty() ? number : earlier;
     advisor_.warn(step,
                   "The class " + inQuotes(name) +
