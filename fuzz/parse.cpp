@@ -1,4 +1,5 @@
 #include "fuzz/require.h"
+#include "quindle/check/adviseQuindle.h"
 #include "quindle/text/parseQuindle.h"
 #include "tests/support/dumpDocument.h"
 
@@ -64,5 +65,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(Zamt::Testing::dumpDocument(doc) == Zamt::Testing::dumpDocument(copy),
           "the same text gives the same document, and so does a copy of it");
   if (usable) requireExpressionsKept(doc);
+
+  Zamt::Diag advice;
+  Zamt::adviseQuindle(doc, advice);
+  requirePositionsInText(advice, text);
+  require(advice.errorCount == 0, "advice is no error");
   return 0;
 }

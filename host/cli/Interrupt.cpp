@@ -1,7 +1,6 @@
 #include "host/cli/Interrupt.h"
 
 #include "files/AtomicFile.h"
-#include "files/Interruption.h"
 
 #include <atomic>
 #include <csignal>
@@ -21,11 +20,7 @@ static_assert(std::atomic<Stop*>::is_always_lock_free, "the handler may only tou
 extern "C" {
 static void onInterrupt(int /*signal*/) {
   Stop& stop = *raised.load();
-  interrupted = true;
-  if (!stop.requested()) {
-    stop.request();
-    return;
-  }
+  if (!stop.request()) return;
   removeTemporaries();
   _exit(1);
 }

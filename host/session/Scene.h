@@ -21,9 +21,10 @@ namespace Zamt::Host {
 /// time: a second one waits for its turn. It belongs to the thread that made it.
 class Scene {
 public:
-  /// Waits until the scenes that were asked for before are gone, and starts from an empty graph. Work in it
-  /// ends early once `stop`, which must outlive it, is requested. Not to be made by a thread that has one.
-  explicit Scene(const Stop& stop);
+  /// Waits until the scenes that were asked for before are gone, and starts from an empty graph. What runs in
+  /// it ends when `stop`, which outlives the scene, is raised. Clouds may be in any of `formats`. Not to be
+  /// made by a thread that has one.
+  explicit Scene(const Stop& stop, CloudFormats formats = cloudFormats());
   ~Scene();
   Scene(const Scene&) = delete;
   Scene& operator=(const Scene&) = delete;
@@ -74,6 +75,7 @@ private:
   void forgetCompiled();
 
   SceneTurn turn_; ///< Before and behind all that touches the graph.
+  const Stop& stop_;
   std::unique_ptr<TolvenQuindleOps> ops_;
   std::unique_ptr<QuindleRuntime> runtime_;
   std::string cloud_;                       ///< The name of the cloud's object.

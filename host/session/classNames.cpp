@@ -1,6 +1,5 @@
 #include "host/session/classNames.h"
 
-#include "host/clouds/las/LasLayout.h"
 #include "quindle/core/QuindleNodes.h"
 
 #include <fmt/format.h>

@@ -1,18 +1,12 @@
 #include "files/writeWholeFile.h"
 #include "host/verbs/options.h"
-#include "host/verbs/strayComments.h"
 #include "host/verbs/texts.h"
 #include "host/verbs/verbs.h"
-#include "quindle/core/NestedSteps.h"
-#include "quindle/core/Tree.h"
-#include "quindle/library/QuindleFiles.h"
-#include "quindle/text/parseQuindle.h"
-#include "quindle/text/writeQuindle.h"
+#include "quindle/text/formatQuindle.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
@@ -43,73 +37,6 @@ struct Formatted {
   bool installed = false; ///< Part of the installation, which is never written.
 };
 
-/// How many blanks stand in front of the steps of a trigger and of all that their blocks hold.
-std::uint64_t indentOf(const QuindleDocument& document) {
-  constexpr std::uint64_t indent = 4;
-  constexpr std::uint64_t stepDepth = 2;   // a step in no block but the trigger's
-  constexpr std::uint64_t linesOfStep = 3; // the step, "else {" and "}", where it has blocks
-  const auto childrenOf = [](const QuindleStep& step) { return NestedSteps(step); };
-  std::uint64_t blanks = 0;
-  std::uint64_t depth = stepDepth;
-  for (const QuindleTrigger& trigger : document.triggers)
-    for (const QuindleStep& step : trigger.steps)
-      tree::walk(step, childrenOf, [&](const QuindleStep& inner, const QuindleStep*, std::size_t index) {
-        if (index == 0) blanks += indent * depth++ * (hasBlocks(inner.kind) ? linesOfStep : 1);
-        if (index == NestedSteps(inner).size()) --depth;
-      });
-  return blanks;
-}
-
-/// Writes the document, reads that back and writes it again: the same bytes come out for the same Quindle
-/// however often it is formatted, though a line of a comment that holds no text is only lost the second time.
-/// It also keeps what the layout can't express from being taken for the Quindle.
-bool writeCanonical(const QuindleDocument& document, std::string& text, Diag& diag) {
-  if (indentOf(document) > maxQuindleBytes) {
-    diag.error(
-        fmt::format("Its blocks lie so deep inside one another that the indentation would take more than "
-                    "{} bytes. Nest them less deeply.",
-                    grouped(maxQuindleBytes)),
-        document.sourceFile);
-    return false;
-  }
-  Diag again;
-  QuindleDocument reread;
-  if (parseQuindle(writeQuindle(document), document.sourceFile, reread, again)) {
-    text = writeQuindle(reread);
-    return true;
-  }
-  diag.error("The canonical layout of this Quindle can't be read back: " + again.firstError() +
-                 " It is left as it is; write that step in another way.",
-             document.sourceFile);
-  return false;
-}
-
-void warnOf(const StrayComment& comment, const std::string& label, Diag& diag) {
-  const std::string message =
-      comment.movedTo == nullptr
-          ? "The canonical layout drops this comment, as no step or block end follows it on a later line. "
-            "To keep it, put it on a line of its own inside a block."
-          : fmt::format("The canonical layout moves this comment to the start of the block of line {}. To "
-                        "choose its place, put it on a line of its own inside a block.",
-                        comment.movedTo->line);
-  diag.at(Diag::Severity::Warning, message, label, comment.line, 0);
-}
-
-void formatSource(const QuindleSource& source, const QuindleDocument& document, Formatted& result,
-                  Diag& diag) {
-  const Leftovers leftovers = findLeftovers(source.text, document);
-  if (leftovers.textBehindLine != 0) {
-    diag.at(Diag::Severity::Error,
-            "This stands behind the end of the Quindle, where nothing reads it. Remove it before formatting.",
-            source.label, leftovers.textBehindLine, 0);
-    return;
-  }
-  for (const StrayComment& comment : leftovers.comments) warnOf(comment, source.label, diag);
-  result.strayComments = leftovers.comments.size();
-  result.good = writeCanonical(document, result.text, diag);
-  result.changed = result.good && result.text != source.text;
-}
-
 /// Replaces the file unless that would move or drop comments that nobody agreed to.
 void writeBack(const Wanted& wanted, Formatted& result, Diag& diag) {
   if (result.installed) {
@@ -133,13 +60,15 @@ void writeBack(const Wanted& wanted, Formatted& result, Diag& diag) {
 Formatted formatOne(const Wanted& wanted, const std::string& which, const QuindleReader& reader, Diag& diag) {
   QuindleSource source;
   QuindleDocument document;
+  std::vector<QuindleStrayComment> strays;
   Formatted result;
-  const bool read =
-      reader.read(which, source, diag) && parseQuindle(source.text, source.label, document, diag);
+  result.good = reader.read(which, source, diag) &&
+                formatQuindle(source.text, source.label, document, result.text, strays, diag);
   result.label = source.label;
   result.installed = source.installed;
   result.name = document.name;
-  if (read) formatSource(source, document, result, diag);
+  result.strayComments = strays.size();
+  result.changed = result.good && result.text != source.text;
   if (wanted.write && result.changed) writeBack(wanted, result, diag);
   return result;
 }

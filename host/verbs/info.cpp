@@ -1,4 +1,5 @@
 #include "host/clouds/cloudInfo.h"
+#include "host/clouds/openCloud.h"
 #include "host/verbs/options.h"
 #include "host/verbs/texts.h"
 #include "host/verbs/verbs.h"
@@ -19,10 +20,10 @@ struct Inspected {
   CloudInfo info;
 };
 
-bool inspect(const std::string& path, CloudInfo& info, Diag& diag) {
+bool inspect(const std::string& path, const Stop& stop, CloudInfo& info, Diag& diag) {
   std::string problem;
-  const std::shared_ptr<PointCloud> cloud = PointCloud::open(path, problem);
-  if (cloud && inspectCloud(*cloud, info, problem)) return true;
+  const std::shared_ptr<PointCloud> cloud = openCloud(path, problem);
+  if (cloud && inspectCloud(*cloud, stop, info, problem)) return true;
   diag.error(problem, path);
   return false;
 }
@@ -108,7 +109,7 @@ Answer showInfo(const Request& request, const Context& context) {
     if (context.stop.requested()) break;
     Inspected cloud{path, {}};
     Diag diag;
-    const bool good = inspect(path, cloud.info, diag);
+    const bool good = inspect(path, context.stop, cloud.info, diag);
     if (!good) answer.status = Status::Failed;
     context.deliver(answer, good ? partOf(std::move(diag), std::move(cloud), infoText, infoData)
                                  : Part{std::move(diag), {}, {}, {}});

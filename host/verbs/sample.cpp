@@ -58,7 +58,7 @@ Data sampleData(const Sample& sample) {
 /// False with a sentence in `problem`.
 bool make(const Sample& sample, const Stop& stop, std::string& problem) {
   const SampleScene scene = makeSampleScene(sample.points, sample.seed);
-  if (!stop.requested()) return writeSample(scene, sample.cloud, sample.surface, problem);
+  if (!stop.requested()) return writeSample(scene, sample.cloud, sample.surface, stop, problem);
   problem = stoppedMessage;
   return false;
 }

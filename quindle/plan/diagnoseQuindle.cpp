@@ -2,6 +2,7 @@
 
 #include "quindle/check/checkQuindle.h"
 #include "quindle/plan/planQuindle.h"
+#include "quindle/text/noteForeignSigns.h"
 #include "quindle/text/parseQuindle.h"
 
 #include <utility>
@@ -14,6 +15,8 @@ bool diagnoseQuindle(const std::string& text, const std::string& file, QuindleDo
   if (parseQuindle(text, file, read, found)) {
     checkQuindle(read, found);
     planQuindle(read, found);
+  } else {
+    noteForeignSigns(text, found);
   }
   diag.absorb(found);
   doc = std::move(read); // last, since text and file may be the document's own

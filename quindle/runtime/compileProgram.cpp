@@ -1,4 +1,5 @@
 #include "quindle/core/NestedSteps.h"
+#include "quindle/core/Refusals.h"
 #include "quindle/plan/ParamIndex.h"
 #include "quindle/runtime/ProgramCompiler.h"
 #include "quindle/runtime/QuindleRuntime.h"
@@ -38,7 +39,7 @@ bool mentionsBrush(const std::vector<const QuindleStep*>& selects, const ParamIn
 bool QuindleRuntime::compile(const QuindleDocument& doc, Program& program, Diag& diag) {
   const QuindleTrigger* const trigger = doc.runTrigger();
   if (!trigger) {
-    diag.error("This Quindle has nothing to run.", doc.name);
+    diag.error(refusal::nothingToRun, doc.name);
     return false;
   }
   program.revision = doc.revision;

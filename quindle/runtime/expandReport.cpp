@@ -1,3 +1,4 @@
+#include "quindle/core/Refusals.h"
 #include "quindle/plan/parameterValue.h"
 #include "quindle/runtime/QuindleRuntime.h"
 
@@ -54,8 +55,7 @@ std::string QuindleRuntime::expandReport(const std::string& text, const QuindleD
     if (std::optional<std::string> value = parameterValue(name, doc.findParam(name), args)) return value;
     if (const Count* const count = findCount(name))
       return readCount(*count, ops_, counter, preview, doc.name, diag);
-    diag.warning("The report mentions \"{" + name + "}\", which is not a parameter of this Quindle.",
-                 doc.name);
+    diag.warning(refusal::notInReport(name), doc.name);
     return std::nullopt;
   };
 

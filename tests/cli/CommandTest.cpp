@@ -4,23 +4,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
 
 using namespace Zamt::Testing;
 using testing::StartsWith;
 
 namespace {
-
-TEST(Command, ALostReaderAndAnInterruptEndIt) {
-  const std::pair<CommandResult, std::string> cases[] = {
-      {quindle({"--help"}, {.closeOutput = true}), ""},
-      {quindle({"check", "-"}, {.waitOnInput = true, .interruptAfter = std::chrono::seconds(1)}),
-       "<stdin>: error: Interrupted, nothing was written.\n"}};
-  for (const auto& [result, said] : cases) {
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.err, said);
-  }
-}
 
 /// Runs "reference comments" with its results going to a terminal, and gives what the pager then wrote.
 std::string pagedBy(const std::string& pager, const TemporaryDirectory& directory) {

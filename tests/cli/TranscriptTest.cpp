@@ -1,10 +1,8 @@
 /// Runs documents. A block "```quindle NAME" or "```text NAME" is written to the file NAME. Of a block
 /// "```console" each line "$ ..." is a command for the shell, which lines "> ..." go on with; what stands
 /// below is what it has to print: its results, then its messages. In the tests' own documents each message
-/// bears a "! " in front, and what fails ends in its exit code: "[1]". After a change that is meant, this
-/// writes the outputs anew; look at the difference before committing it:
-///
-///   QUINDLE_REFRESH_GOLDEN=1 build/dev/bin/tests-cli --gtest_filter='*Transcript.*'
+/// bears a "! " in front, and what fails ends in its exit code: "[1]". With QUINDLE_REFRESH_GOLDEN set, the
+/// outputs are written anew.
 #include "tests/cli/quindle.h"
 #include "tests/support/environment.h"
 #include "tests/support/realClouds.h"

@@ -23,8 +23,7 @@ public:
     return text;
   }
 
-  Stop stop;
-  Host::Scene scene{stop};
+  Host::Scene scene{goOn};
 };
 
 TEST_F(MaskedLabelsTest, ASecondStepSeesWhatTheFirstChangedAndTwoNewClassesGetTwoNumbers) {
@@ -33,7 +32,7 @@ TEST_F(MaskedLabelsTest, ASecondStepSeesWhatTheFirstChangedAndTwoNewClassesGetTw
             "0\n")
       << "a second select narrows the first";
   EXPECT_EQ(scene.grid()->addedClasses, (std::map<std::uint8_t, std::string>{{23, "One"}}));
-  const std::uint64_t high = scene.grid()->cloud->countClasses()[5];
+  const std::uint64_t high = countsOf(*scene.grid()->cloud)[5];
   EXPECT_EQ(said("select class(\"High Vegetation\")\nclassify into \"Two\"\nreport \"{selected}\""),
             std::to_string(high) + "\n");
   EXPECT_EQ(scene.grid()->addedClasses, (std::map<std::uint8_t, std::string>{{23, "One"}, {24, "Two"}}));

@@ -2,7 +2,6 @@
 
 #include "quindle/plan/diagnoseQuindle.h"
 #include "tests/plan/planText.h"
-#include "tests/support/smallStack.h"
 
 namespace Zamt {
 namespace {
@@ -51,14 +50,6 @@ TEST(quindlePlanLines, ListsAPlanDownToItsConditionsWithTheirCosts) {
              (line.node->operation ? ' ' + line.node->operation->name : "") + '\n';
   EXPECT_EQ(lines, "100\n 100\n  100\n   100 expr\n   1\n    1 inside\n    10 vertical\n  10000 neighbours\n"
                    " 10 class\n");
-}
-
-// Linear time: a square of the depth would not end.
-TEST(quindlePlanLines, TakesAMillionLevels) {
-  QuindlePlanNode plan;
-  Diag diag;
-  ASSERT_TRUE(planPredicate(Testing::deepChain(), plan, diag, "t"));
-  Testing::onSmallStack([&] { EXPECT_EQ(quindlePlanLines(plan).front().cost, 10U); });
 }
 
 } // namespace

@@ -44,25 +44,25 @@ bool hasColour(unsigned format) {
 bool hasInfrared(unsigned format) { return format == 8 || format == 10; }
 bool hasWaveform(unsigned format) { return format == 4 || format == 5 || format == 9 || format == 10; }
 
-Field plainField(const char* name, FieldType type, std::size_t offset) {
-  Field field;
+LasField plainField(const char* name, FieldType type, std::size_t offset) {
+  LasField field;
   field.name = name;
   field.type = type;
   field.offset = offset;
   return field;
 }
 
-Field bitField(const char* name, std::size_t offset, unsigned shift, unsigned bits) {
-  Field field = plainField(name, FieldType::U8, offset);
+LasField bitField(const char* name, std::size_t offset, unsigned shift, unsigned bits) {
+  LasField field = plainField(name, FieldType::U8, offset);
   field.shift = shift;
   field.bits = bits;
   return field;
 }
 
-void addCommonFields(const std::byte* header, std::vector<Field>& fields) {
+void addCommonFields(const std::byte* header, std::vector<LasField>& fields) {
   constexpr std::array<const char*, 3> names{"X", "Y", "Z"};
   for (std::size_t axis = 0; axis < 3; ++axis) {
-    Field field = plainField(names[axis], FieldType::I32, 4 * axis);
+    LasField field = plainField(names[axis], FieldType::I32, 4 * axis);
     field.scale[0] = readAt<double>(header + HeaderAt::scale + 8 * axis);
     field.origin[0] = readAt<double>(header + HeaderAt::origin + 8 * axis);
     fields.push_back(std::move(field));
@@ -70,7 +70,7 @@ void addCommonFields(const std::byte* header, std::vector<Field>& fields) {
   fields.push_back(plainField("Intensity", FieldType::U16, 12));
 }
 
-void addFieldsOfOldFormats(std::vector<Field>& fields) {
+void addFieldsOfOldFormats(std::vector<LasField>& fields) {
   fields.push_back(bitField("ReturnNumber", 14, 0, 3));
   fields.push_back(bitField("NumberOfReturns", 14, 3, 3));
   fields.push_back(bitField("ScanDirectionFlag", 14, 6, 1));
@@ -84,7 +84,7 @@ void addFieldsOfOldFormats(std::vector<Field>& fields) {
   fields.push_back(plainField("PointSourceId", FieldType::U16, 18));
 }
 
-void addFieldsOfNewFormats(std::vector<Field>& fields) {
+void addFieldsOfNewFormats(std::vector<LasField>& fields) {
   fields.push_back(bitField("ReturnNumber", 14, 0, 4));
   fields.push_back(bitField("NumberOfReturns", 14, 4, 4));
   fields.push_back(bitField("Synthetic", 15, 0, 1));
@@ -102,7 +102,7 @@ void addFieldsOfNewFormats(std::vector<Field>& fields) {
   fields.push_back(plainField("GpsTime", FieldType::F64, 22));
 }
 
-void addWaveformFields(std::size_t offset, std::vector<Field>& fields) {
+void addWaveformFields(std::size_t offset, std::vector<LasField>& fields) {
   fields.push_back(plainField("WavePacketDescriptorIndex", FieldType::U8, offset));
   fields.push_back(plainField("WaveformDataOffset", FieldType::U64, offset + 1));
   fields.push_back(plainField("WaveformPacketSize", FieldType::U32, offset + 9));
@@ -114,7 +114,7 @@ void addWaveformFields(std::size_t offset, std::vector<Field>& fields) {
 
 void addStandardFields(const std::byte* header, LasLayout& layout) {
   const unsigned format = layout.pointFormat;
-  std::vector<Field>& fields = layout.fields;
+  std::vector<LasField>& fields = layout.fields;
   addCommonFields(header, fields);
   if (format >= 6)
     addFieldsOfNewFormats(fields);
@@ -136,6 +136,8 @@ void addStandardFields(const std::byte* header, LasLayout& layout) {
     offset += 2;
   }
   if (hasWaveform(format)) addWaveformFields(offset, fields);
+  layout.classField = static_cast<std::size_t>(
+      std::ranges::find(fields, std::string_view("Classification"), &LasField::name) - fields.begin());
   layout.classAt = format >= 6 ? 16 : 15;
   layout.classMask = format >= 6 ? 0xFF : 0x1F;
 }
@@ -157,25 +159,25 @@ double readAnyNumber(const std::byte* at, FieldType type) {
 /// The next number of each name is kept, so that many thousands of equal names stay cheap.
 class Names {
 public:
-  explicit Names(const std::vector<Field>& fields) {
-    for (const Field& field : fields) nextNumber.emplace(field.name, 2);
+  explicit Names(const std::vector<LasField>& fields) {
+    for (const LasField& field : fields) nextNumber_.emplace(field.name, 2);
   }
   std::string unique(std::string wanted) {
     if (wanted.empty()) wanted = "ExtraBytes";
-    if (nextNumber.emplace(wanted, 2).second) return wanted;
-    unsigned number = nextNumber[wanted];
+    if (nextNumber_.emplace(wanted, 2).second) return wanted;
+    unsigned number = nextNumber_[wanted];
     std::string name = wanted + "_" + std::to_string(number++);
-    while (!nextNumber.emplace(name, 2).second) name = wanted + "_" + std::to_string(number++);
-    nextNumber[wanted] = number;
+    while (!nextNumber_.emplace(name, 2).second) name = wanted + "_" + std::to_string(number++);
+    nextNumber_[wanted] = number;
     return name;
   }
 
 private:
-  std::unordered_map<std::string, unsigned> nextNumber;
+  std::unordered_map<std::string, unsigned> nextNumber_;
 };
 
-Field readExtraField(const std::byte* entry, unsigned dataType, std::size_t offset) {
-  Field field;
+LasField readExtraField(const std::byte* entry, unsigned dataType, std::size_t offset) {
+  LasField field;
   const auto options = std::to_integer<unsigned>(entry[ExtraAt::options]);
   field.type = static_cast<FieldType>((dataType - 1) % 10);
   field.components = 1 + (dataType - 1) / 10;
@@ -204,7 +206,7 @@ void addExtraFields(std::span<const std::byte> bytes, LasLayout& layout) {
       continue;
     }
     if (dataType > 30) return;
-    Field field = readExtraField(entry, dataType, offset);
+    LasField field = readExtraField(entry, dataType, offset);
     offset += sizeOf(field.type) * field.components;
     if (offset > layout.recordLength) return;
     field.name = names.unique(fixedText(entry + ExtraAt::name, ExtraAt::nameLength));
@@ -337,11 +339,6 @@ std::size_t standardRecordLength(unsigned pointFormat) {
   return (pointFormat >= 6 ? 30U : 20U) + (hasGpsTime(pointFormat) ? 8U : 0U) +
          (hasColour(pointFormat) ? 6U : 0U) + (hasInfrared(pointFormat) ? 2U : 0U) +
          (hasWaveform(pointFormat) ? waveformSize : 0U);
-}
-
-std::size_t sizeOf(FieldType type) {
-  constexpr std::array<std::size_t, 10> sizes{1, 1, 2, 2, 4, 4, 8, 8, 4, 8};
-  return sizes[static_cast<std::size_t>(type)];
 }
 
 bool readLayout(std::span<const std::byte> bytes, const std::string& path, LasLayout& layout,

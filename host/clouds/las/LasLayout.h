@@ -1,6 +1,7 @@
 #pragma once
 
-#include "host/clouds/PointCloud.h"
+#include "host/clouds/ClassName.h"
+#include "host/clouds/Field.h"
 
 #include <bit>
 #include <cstddef>
@@ -71,9 +72,8 @@ inline constexpr std::size_t recordLengthAt = 20; ///< Likewise.
 inline constexpr const char* specUserId = "LASF_Spec";
 inline constexpr std::uint16_t classLookupId = 0;
 inline constexpr std::uint16_t extraBytesId = 4;
-inline constexpr std::size_t classEntrySize = 16; ///< u8 number, char[15] name.
+inline constexpr std::size_t classEntrySize = 1 + longestClassName; ///< u8 number, char[15] name.
 inline constexpr std::size_t classEntries = 256;
-inline constexpr std::size_t longestClassName = 15;
 inline constexpr std::size_t extraEntrySize = 192;
 
 static_assert(std::endian::native == std::endian::little, "LAS is read in place and is little endian");
@@ -91,6 +91,13 @@ template <class T>
 void writeAt(std::byte* at, T value) {
   std::memcpy(at, &value, sizeof(T));
 }
+
+/// A field as it lies in a point record.
+struct LasField : Field {
+  std::size_t offset = 0; ///< Bytes from the start of the record to the first component.
+  unsigned shift = 0;     ///< For values packed into bits: the lowest bit,
+  unsigned bits = 0;      ///< and how many; 0 for a value that has its bytes to itself.
+};
 
 /// A record beside the points: a VLR or an EVLR.
 struct LasRecord {
@@ -112,7 +119,8 @@ struct LasLayout {
   std::uint64_t points = 0;
   std::size_t classAt = 0;    ///< Bytes from the start of a point record to its class,
   std::uint8_t classMask = 0; ///< and the bits of that byte which hold it; they are the lowest.
-  std::vector<Field> fields;
+  std::size_t classField = 0; ///< The place of the class in `fields`.
+  std::vector<LasField> fields;
   std::vector<LasRecord> records; ///< Those that are sound: the first broken one ends the list.
   std::size_t vlrEnd = 0;         ///< Behind the last sound VLR.
   std::uint32_t vlrCount = 0;     ///< How many VLRs are sound.
@@ -124,9 +132,6 @@ struct LasLayout {
 
 /// The length of the records of a point format (0 to 10) without extra bytes.
 std::size_t standardRecordLength(unsigned pointFormat);
-
-/// Bytes of one value of that type.
-std::size_t sizeOf(FieldType type);
 
 /// Reads the layout of the file with these bytes. False, with a sentence in `error` that names `path`, when
 /// its points can't be read.
