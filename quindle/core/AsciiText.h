@@ -3,10 +3,20 @@
 #include <string>
 #include <string_view>
 
-/// Case and white space of ASCII, the same in every locale. Other bytes are left as they are.
+/// Kinds of bytes, case and white space of ASCII, the same in every locale. Other bytes are left as they are.
 namespace Zamt {
 
 inline constexpr std::string_view whiteSpace = " \t\n\v\f\r";
+
+constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// What an identifier can begin with.
+constexpr bool beginsIdentifier(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+
+/// What an identifier consists of.
+constexpr bool isIdentifierByte(char c) { return beginsIdentifier(c) || isDigit(c); }
 
 constexpr char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
