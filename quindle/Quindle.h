@@ -3,8 +3,10 @@
 /// @file
 /// Everything that a host of Quindles includes.
 
+#include "quindle/check/adviseQuindle.h"
 #include "quindle/check/checkQuindle.h"
 #include "quindle/core/Diag.h"
+#include "quindle/core/PointVocabulary.h"
 #include "quindle/core/QuindleDocument.h"
 #include "quindle/core/QuindleNodes.h"
 #include "quindle/core/QuindleParamTypes.h"
@@ -29,5 +31,7 @@
 #include "quindle/runtime/QuindleRuntime.h"
 #include "quindle/runtime/QuindleSceneWords.h"
 #include "quindle/scene/TolvenQuindleOps.h"
+#include "quindle/text/QuindleSpans.h"
+#include "quindle/text/formatQuindle.h"
 #include "quindle/text/parseQuindle.h"
 #include "quindle/text/writeQuindle.h"

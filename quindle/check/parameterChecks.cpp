@@ -55,23 +55,24 @@ bool isFoundByType(const QuindleParam& param) {
   return type && type->isData;
 }
 
-void checkUnread(const QuindleDocument& doc, Findings& findings) {
-  if (doc.params.empty()) return;
+} // namespace
+
+std::vector<const QuindleParam*> unreadParameters(const QuindleDocument& doc) {
+  std::vector<const QuindleParam*> unread;
+  if (doc.params.empty()) return unread;
   const std::set<std::string_view> used = usedNames(doc);
   const bool changes = std::any_of(doc.triggers.begin(), doc.triggers.end(), changesData);
-  for (const QuindleParam& param : doc.params) {
-    if (used.contains(param.name) || (changes && isFoundByType(param))) continue;
-    findings.warning("Nothing uses the parameter " + inQuotes(param.name) +
-                         ". It will be asked for and then ignored.",
-                     param.line);
-  }
+  for (const QuindleParam& param : doc.params)
+    if (!used.contains(param.name) && !(changes && isFoundByType(param))) unread.push_back(&param);
+  return unread;
 }
-
-} // namespace
 
 void checkParameters(const QuindleDocument& doc, Findings& findings) {
   for (const QuindleParam& param : doc.params) checkParameter(param, findings);
-  checkUnread(doc, findings);
+  for (const QuindleParam* const param : unreadParameters(doc))
+    findings.warning("Nothing uses the parameter " + inQuotes(param->name) +
+                         ". It will be asked for and then ignored.",
+                     param->line);
 }
 
 } // namespace Zamt

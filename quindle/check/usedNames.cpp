@@ -1,5 +1,6 @@
 #include "quindle/check/usedNames.h"
 
+#include "quindle/check/placeholders.h"
 #include "quindle/core/NestedSteps.h"
 
 namespace Zamt {
@@ -17,17 +18,6 @@ void addReferences(const QuindleExpr& root, Names& names) {
       });
 }
 
-void addPlaceholders(std::string_view line, Names& names) {
-  for (;;) {
-    const std::size_t open = line.find('{');
-    if (open == std::string_view::npos) return;
-    const std::size_t close = line.find('}', open);
-    if (close == std::string_view::npos) return;
-    names.insert(line.substr(open + 1, close - open - 1));
-    line.remove_prefix(close + 1);
-  }
-}
-
 void addNames(const QuindleStep& step, Names& names) {
   addReferences(step.value, names);
   addReferences(step.condition, names);
@@ -35,7 +25,8 @@ void addNames(const QuindleStep& step, Names& names) {
   const bool isLine = step.kind == QuindleStep::Kind::Report &&
                       step.value.kind == QuindleExpr::Kind::Literal &&
                       step.value.value.kind == QuindleValue::Kind::Text;
-  if (isLine) addPlaceholders(step.value.value.textValue, names);
+  if (!isLine) return;
+  for (const std::string_view word : placeholders(step.value.value.textValue)) names.insert(word);
 }
 
 } // namespace

@@ -233,7 +233,7 @@ void QuindleDocument::touch() {
 std::string quindleIdentifier(const std::string& text) {
   std::string out = text;
   for (char& c : out)
-    if (!isIdentifierByte(c)) c = '_';
+    if (!isNameByte(c)) c = '_';
   return out;
 }
 

@@ -1,10 +1,10 @@
+#include "files/readTextFile.h"
+#include "files/replaceFile.h"
 #include "quindle/check/checkQuindle.h"
 #include "quindle/core/commaList.h"
 #include "quindle/library/QuindleFiles.h"
 #include "quindle/library/QuindleLibrary.h"
 #include "quindle/library/entryNames.h"
-#include "quindle/library/readTextFile.h"
-#include "quindle/library/replaceFile.h"
 #include "quindle/text/parseQuindle.h"
 
 #include <filesystem>
@@ -62,7 +62,7 @@ bool readQuindle(const std::vector<std::string>& searchPath, const std::string& 
   text.clear(); // only now, since the name may be the document's own
   document = {};
   if (entry == nullptr) return false;
-  if (!readTextFile(entry->path, text)) {
+  if (!readTextFile(entry->path, maxQuindleBytes, text)) {
     diag.error("Cannot read \"" + entry->path + "\".");
     return false;
   }

@@ -43,12 +43,12 @@ constexpr std::size_t longestSummary = 100;
 constexpr std::size_t mostNamed = 3;
 
 bool isWord(const std::string& text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), isIdentifierByte);
+  return !text.empty() && std::all_of(text.begin(), text.end(), isNameByte);
 }
 
 /// A "call" begins with one identifier, while the action behind its dot may be quoted.
 bool isReachable(const QuindleAction& action) {
-  return !action.action.empty() && isWord(action.object) && beginsIdentifier(action.object.front());
+  return !action.action.empty() && isWord(action.object) && !isDigit(action.object.front());
 }
 
 /// The type of what a slot holds: its parameter's value, or the member of it that the slot is about.
