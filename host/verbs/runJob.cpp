@@ -147,6 +147,7 @@ Answer runJob(const Request& request, Job job, const Context& context) {
   job.classes = request.text("classes");
   job.threads = static_cast<unsigned>(request.number("threads", 0));
   Answer answer;
+  context.deliver(answer, {{}, {}, {}, std::move(diag)});
   const auto finished = [&](Outcome outcome, Diag said) {
     if (!outcome.ok) answer.status = Status::Failed;
     context.deliver(answer, partOf(std::move(said), std::move(outcome), outcomeText, outcomeData));
