@@ -31,5 +31,7 @@
 #include "quindle/runtime/QuindleRuntime.h"
 #include "quindle/runtime/QuindleSceneWords.h"
 #include "quindle/scene/TolvenQuindleOps.h"
+#include "quindle/text/QuindleSpans.h"
+#include "quindle/text/formatQuindle.h"
 #include "quindle/text/parseQuindle.h"
 #include "quindle/text/writeQuindle.h"

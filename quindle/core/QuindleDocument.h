@@ -35,7 +35,7 @@ struct QUINDLE_API QuindleValue {
 
   /// All fields in this order, as a tuple of references: what copies, moves or shows a whole record goes
   /// through them. No field can be left out: the list of names has to be as long as the record's.
-  static auto fieldsOf(auto& record) {
+  QUINDLE_PRIVATE static auto fieldsOf(auto& record) {
     auto& [kind, boolValue, numberValue, textValue, items] = record;
     return std::tie(kind, boolValue, numberValue, textValue, items);
   }
@@ -89,7 +89,7 @@ struct QUINDLE_API QuindleExpr {
   std::int32_t column = 0; ///< Likewise, in bytes.
 
   /// All fields in this order, as a tuple of references.
-  static auto fieldsOf(auto& record) {
+  QUINDLE_PRIVATE static auto fieldsOf(auto& record) {
     auto& [kind, value, name, op, operands, argNames, line, column] = record;
     return std::tie(kind, value, name, op, operands, argNames, line, column);
   }
@@ -144,7 +144,7 @@ struct QUINDLE_API QuindleStep {
   std::int32_t column = 0;           ///< Likewise; 0 on a Comment.
 
   /// All fields in this order, as a tuple of references.
-  static auto fieldsOf(auto& record) {
+  QUINDLE_PRIVATE static auto fieldsOf(auto& record) {
     auto& [kind, name, source, value, condition, args, argNames, color, classNumber, comment, body, elseBody,
            line, column] = record;
     return std::tie(kind, name, source, value, condition, args, argNames, color, classNumber, comment, body,
@@ -183,7 +183,7 @@ struct QUINDLE_API QuindleParam {
   std::int32_t column = 0;                              ///< Which the reader leaves at 0.
 
   /// All fields in this order, as a tuple of references.
-  static auto fieldsOf(auto& record) {
+  QUINDLE_PRIVATE static auto fieldsOf(auto& record) {
     auto& [name, type, defaultSource, defaultValue, minimum, maximum, help, line, column] = record;
     return std::tie(name, type, defaultSource, defaultValue, minimum, maximum, help, line, column);
   }
@@ -200,7 +200,7 @@ struct QUINDLE_API QuindleTrigger {
   std::int32_t line = 0;          ///< Of the word "on".
 
   /// All fields in this order, as a tuple of references.
-  static auto fieldsOf(auto& record) {
+  QUINDLE_PRIVATE static auto fieldsOf(auto& record) {
     auto& [kind, key, steps, line] = record;
     return std::tie(kind, key, steps, line);
   }
@@ -228,7 +228,7 @@ struct QUINDLE_API QuindleDocument {
   std::int32_t nextListenerId = 1;            ///< The number that the next listener gets.
 
   /// All fields in this order, as a tuple of references.
-  static auto fieldsOf(auto& record) {
+  QUINDLE_PRIVATE static auto fieldsOf(auto& record) {
     auto& [name, description, category, icon, author, version, tags, shortcut, enabled, params, triggers,
            sourceFile, revision, listeners, nextListenerId] = record;
     return std::tie(name, description, category, icon, author, version, tags, shortcut, enabled, params,

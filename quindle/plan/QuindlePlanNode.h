@@ -33,7 +33,7 @@ struct QUINDLE_API QuindlePlanNode {
   std::int32_t line = 0;                       ///< Of the expression that the node came from.
 
   /// All fields in this order, as a tuple of references.
-  static auto fieldsOf(auto& record) {
+  QUINDLE_PRIVATE static auto fieldsOf(auto& record) {
     auto& [kind, operation, negated, arguments, children, line] = record;
     return std::tie(kind, operation, negated, arguments, children, line);
   }

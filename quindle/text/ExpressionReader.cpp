@@ -9,6 +9,7 @@ namespace Zamt {
 namespace {
 
 using Kind = QuindleExpr::Kind;
+using Role = QuindleSpan::Role;
 
 bool isReserved(std::string_view word) {
   return word == "true" || word == "false" || word == "not" || word == "and" || word == "or";
@@ -57,13 +58,15 @@ void ExpressionReader::open(QuindleExpr& root) {
 }
 
 void ExpressionReader::openArgument(std::vector<QuindleExpr>& args, std::vector<std::string>& names) {
+  const std::size_t span = tokens_.openArgument();
   std::string& name = names.emplace_back();
   if (tokens_.current().kind == Token::Kind::Word && tokens_.lookahead().isSymbol(":")) {
     name = tokens_.current().text;
-    tokens_.advance();
-    tokens_.advance();
+    tokens_.advance(Role::ArgumentName);
+    tokens_.advance(Role::Punctuation);
   }
   open(args.emplace_back());
+  open_.back().span = span;
   open_.back().args = &args;
   open_.back().names = &names;
 }
@@ -83,7 +86,7 @@ void ExpressionReader::startFactor(QuindleExpr& node) {
   while (tokens_.isWord("not")) {
     inner->kind = Kind::Not;
     setPosition(*inner, tokens_.current());
-    tokens_.advance();
+    tokens_.advance(Role::Keyword);
     inner = &inner->operands.emplace_back();
   }
   open_.back().factor = open_.back().atom = inner;
@@ -102,7 +105,7 @@ bool ExpressionReader::readAtom() {
   QuindleExpr& atom = *open_.back().atom;
   const Token& token = tokens_.current();
   if (token.isSymbol("(")) {
-    tokens_.advance();
+    tokens_.advance(Role::Punctuation);
     openParenthesis();
     return false;
   }
@@ -115,7 +118,7 @@ bool ExpressionReader::readAtom() {
 
 bool ExpressionReader::readWordAtom(QuindleExpr& atom) {
   atom.name = tokens_.current().text;
-  tokens_.advance();
+  tokens_.advance(tokens_.lookahead().isSymbol("(") ? Role::Function : Role::Reference);
   if (!tokens_.acceptSymbol("(")) {
     atom.kind = Kind::Reference;
     return true;
@@ -133,7 +136,7 @@ bool ExpressionReader::readOperator() {
     wrap(*top.factor, Kind::Compare);
     top.factor->op = tokens_.current().text;
     top.atom = &top.factor->operands.emplace_back();
-    tokens_.advance();
+    tokens_.advance(Role::Operator);
     return true;
   }
   if (tokens_.acceptWord("and")) {
@@ -164,6 +167,7 @@ bool ExpressionReader::closeBracket() {
   }
   open_.pop_back();
   const bool isArgument = closed.args != nullptr;
+  if (isArgument) tokens_.closeArgument(closed.span);
   if (isArgument && tokens_.acceptSymbol(",")) {
     openArgument(*closed.args, *closed.names);
     return false;

@@ -37,6 +37,7 @@ private:
     bool isAnd = false;
     std::vector<QuindleExpr>* args = nullptr; ///< Of the call whose argument this is; null in parentheses.
     std::vector<std::string>* names = nullptr;
+    std::size_t span = 0; ///< Of the argument.
   };
 
   void read();

@@ -1,5 +1,7 @@
 #include "quindle/text/Lexer.h"
 
+#include "quindle/text/SpanRecorder.h"
+
 #include <cstring>
 
 namespace Zamt {
@@ -83,14 +85,20 @@ std::string describeToken(const Token& token) {
   return '"' + std::string(token.text) + '"';
 }
 
-Lexer::Lexer(const std::string& source, FaultSink& faults)
-    : faults_(faults), at_(source.data()), end_(source.data() + source.size()), lineStart_(at_) {}
+Lexer::Lexer(const std::string& source, FaultSink& faults, SpanRecorder* spans)
+    : faults_(faults),
+      spans_(spans),
+      begin_(source.data()),
+      at_(begin_),
+      end_(begin_ + source.size()),
+      lineStart_(begin_) {}
 
 Token Lexer::next() {
   skipToToken();
   Token token;
   token.line = line_;
   token.column = columnOf(at_);
+  token.offset = offset();
   switch (startOf(*at_)) {
   case Start::Letter: scanWord(token); break;
   case Start::Quote: scanText(token); break;
@@ -108,6 +116,7 @@ Token Lexer::next() {
     break;
   default: scanSymbol(token, 1);
   }
+  token.length = offset() - token.offset;
   return token;
 }
 
@@ -139,28 +148,34 @@ void Lexer::skipToToken() {
 }
 
 void Lexer::skipLineComment(const char* text) {
+  const QuindleSpan start{QuindleSpan::Role::Comment, line_, columnOf(at_), offset(), 0};
   if (*text == ' ') ++text;
   const void* const newline = std::memchr(text, '\n', static_cast<std::size_t>(end_ - text));
   at_ = newline ? static_cast<const char*>(newline) : end_;
-  comments.push_back({between(text, at_), line_});
+  comments.push_back({between(text, at_), line_, start.offset});
+  recordComment(start);
 }
 
 void Lexer::skipBlockComment() {
   constexpr std::size_t markLength = 2;
-  const std::int32_t line = line_;
-  const std::int32_t column = columnOf(at_);
+  const QuindleSpan start{QuindleSpan::Role::Comment, line_, columnOf(at_), offset(), 0};
   const std::string_view rest = between(at_ + markLength, end_);
   const std::size_t length = rest.find("*/");
-  if (length == std::string_view::npos) {
-    countLinesTo(end_);
-    at_ = end_;
-    faults_.at(Diag::Severity::Error, "This comment is never closed.", line, column);
-    return;
-  }
-  const char* const behind = rest.data() + length + markLength;
+  const bool closed = length != std::string_view::npos;
+  const char* const behind = closed ? rest.data() + length + markLength : end_;
   countLinesTo(behind);
   at_ = behind;
-  comments.push_back({rest.substr(0, length), line});
+  recordComment(start);
+  if (closed)
+    comments.push_back({rest.substr(0, length), start.line, start.offset});
+  else
+    faults_.at(Diag::Severity::Error, "This comment is never closed.", start.line, start.column);
+}
+
+/// Records the comment that starts there and ends here.
+void Lexer::recordComment(QuindleSpan comment) {
+  comment.length = offset() - comment.offset;
+  if (spans_) spans_->addComment(comment);
 }
 
 void Lexer::countLinesTo(const char* end) {

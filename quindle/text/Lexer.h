@@ -1,6 +1,7 @@
 #pragma once
 
 #include "quindle/text/FaultSink.h"
+#include "quindle/text/QuindleSpans.h"
 
 #include <array>
 #include <cstdint>
@@ -18,7 +19,9 @@ struct Token {
   Kind kind = Kind::End;
   std::int32_t line = 1; ///< Of its first byte, from 1, in bytes.
   std::int32_t column = 1;
-  std::string_view text; ///< The word, the spelling, the text without quotes and escapes, or the symbol.
+  std::string_view text;  ///< The word, the spelling, the text without quotes and escapes, or the symbol.
+  std::size_t offset = 0; ///< Of its first byte in the source.
+  std::size_t length = 0; ///< In the source, quotes included.
 
   bool isWord(std::string_view word) const { return kind == Kind::Word && text == word; }
   bool isSymbol(std::string_view symbol) const { return kind == Kind::Symbol && text == symbol; }
@@ -29,14 +32,18 @@ std::string describeToken(const Token& token);
 
 /// A comment that was scanned and has not found its place among the steps yet.
 struct PendingComment {
-  std::string_view text; ///< Into the source.
-  std::int32_t line = 0; ///< On which it began.
+  std::string_view text;  ///< Into the source.
+  std::int32_t line = 0;  ///< On which it began.
+  std::size_t offset = 0; ///< Of its first byte in the source.
 };
 
-/// Cuts a source into tokens and sets the comments aside. `source` and `faults` must outlive it.
+class SpanRecorder;
+
+/// Cuts a source into tokens and sets the comments aside. `source`, `faults` and `spans`, which gets the
+/// comments unless it is null, must outlive it.
 class Lexer {
 public:
-  Lexer(const std::string& source, FaultSink& faults);
+  Lexer(const std::string& source, FaultSink& faults, SpanRecorder* spans);
 
   /// The next token; at the end of the source, `End` again and again.
   Token next();
@@ -46,10 +53,12 @@ public:
 
 private:
   std::int32_t columnOf(const char* byte) const { return static_cast<std::int32_t>(byte - lineStart_) + 1; }
+  std::size_t offset() const { return static_cast<std::size_t>(at_ - begin_); }
   void startLine(); ///< The byte before `at_` was a newline.
   void skipToToken();
   void skipLineComment(const char* text);
   void skipBlockComment();
+  void recordComment(QuindleSpan comment);
   void countLinesTo(const char* end);
   void scanWord(Token& token);
   void scanNumber(Token& token);
@@ -59,6 +68,8 @@ private:
   void scanSymbol(Token& token, std::size_t length);
 
   FaultSink& faults_;
+  SpanRecorder* spans_;
+  const char* begin_;
   const char* at_;
   const char* end_; ///< Here stands the zero byte of the string, which ends every run of a class.
   const char* lineStart_;

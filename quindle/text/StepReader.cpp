@@ -3,7 +3,11 @@
 #include "quindle/text/StepKeyword.h"
 #include "quindle/text/readValue.h"
 
+#include <utility>
+
 namespace Zamt {
+
+using Role = QuindleSpan::Role;
 
 bool StepReader::readBlock(std::vector<QuindleStep>& steps) {
   if (openBlock(steps, Part::Trigger) == Outcome::Failed) return false;
@@ -38,7 +42,7 @@ void StepReader::readStep() {
   step.kind = *keyword;
   step.line = token.line;
   step.column = token.column;
-  tokens_.advance();
+  tokens_.advance(Role::Keyword);
   finishStep(readForm(step));
 }
 
@@ -65,24 +69,24 @@ void StepReader::finishStep(Outcome outcome) {
 /// it ends the block.
 void StepReader::skipFault() {
   tokens_.recover();
-  if (!tokens_.atBlockEnd()) tokens_.advance();
+  if (!tokens_.atBlockEnd()) tokens_.skip();
 }
 
 StepReader::Outcome StepReader::readForm(QuindleStep& step) {
   using Kind = QuindleStep::Kind;
   switch (step.kind) {
-  case Kind::Let: return readAssignment(step, "a name for the value");
+  case Kind::Let: return readAssignment(step, "a name for the value", Role::Variable);
   case Kind::Create: return readCreate(step);
   case Kind::Select: expressions_.readExpression(step.condition); break;
   case Kind::Classify: readClassify(step); break;
-  case Kind::Set: return readAssignment(step, "the parameter to set");
+  case Kind::Set: return readAssignment(step, "the parameter to set", Role::Target);
   case Kind::Connect: return readConnect(step);
   case Kind::Call: readCall(step); break;
   case Kind::Run:
     step.name = tokens_.expectText("the name of the Quindle to run");
     expressions_.readArguments(step.args, step.argNames);
     break;
-  case Kind::Report: readTextLiteral(step, "the text to report"); break;
+  case Kind::Report: makeTextLiteral(step, tokens_.expectReport("the text to report")); break;
   case Kind::If: expressions_.readExpression(step.condition); return openBlock(step.body, Part::ThenBlock);
   case Kind::ForEach: return readForEach(step);
   case Kind::Comment:
@@ -91,24 +95,24 @@ StepReader::Outcome StepReader::readForm(QuindleStep& step) {
   return Outcome::Complete;
 }
 
-StepReader::Outcome StepReader::readAssignment(QuindleStep& step, std::string_view what) {
-  step.name = tokens_.expectWord(what);
+StepReader::Outcome StepReader::readAssignment(QuindleStep& step, std::string_view what, Role role) {
+  step.name = tokens_.expectWord(what, role);
   if (!tokens_.expectSymbol("=")) return Outcome::Failed;
   expressions_.readExpression(step.value);
   return Outcome::Complete;
 }
 
 StepReader::Outcome StepReader::readCreate(QuindleStep& step) {
-  step.name = tokens_.expectWord("a name for the object");
+  step.name = tokens_.expectWord("a name for the object", Role::Object);
   if (!tokens_.expectSymbol("=")) return Outcome::Failed;
-  readTextLiteral(step, "the creator to make it from, written \"Category/Identifier\"");
+  makeTextLiteral(step, tokens_.expectText("the creator to make it from, written \"Category/Identifier\""));
   return Outcome::Complete;
 }
 
 StepReader::Outcome StepReader::readConnect(QuindleStep& step) {
-  step.name = tokens_.expectWord("the slot to connect");
+  step.name = tokens_.expectWord("the slot to connect", Role::Target);
   if (!tokens_.expectSymbol("<-")) return Outcome::Failed;
-  step.source = tokens_.expectWord("what to connect it to");
+  step.source = tokens_.expectWord("what to connect it to", Role::Target);
   return Outcome::Complete;
 }
 
@@ -120,7 +124,7 @@ void StepReader::readClassify(QuindleStep& step) {
 }
 
 void StepReader::readCall(QuindleStep& step) {
-  step.name = tokens_.expectWord("the operation to call");
+  step.name = tokens_.expectWord("the operation to call", Role::Target);
   if (!step.name.empty() && step.name.back() == '.')
     step.name += tokens_.expectText("the name of the action");
   if (tokens_.isSymbol("(")) expressions_.readArguments(step.args, step.argNames);
@@ -128,18 +132,18 @@ void StepReader::readCall(QuindleStep& step) {
 
 StepReader::Outcome StepReader::readForEach(QuindleStep& step) {
   if (!tokens_.acceptWord("each")) tokens_.fail("Expected \"each\" after \"for\".");
-  step.name = tokens_.expectWord("a name for each item");
+  step.name = tokens_.expectWord("a name for each item", Role::Variable);
   if (!tokens_.acceptWord("in")) tokens_.fail("Expected \"in\" after the loop variable.");
   expressions_.readExpression(step.value);
   return openBlock(step.body, Part::LoopBlock);
 }
 
-void StepReader::readTextLiteral(QuindleStep& step, std::string_view what) {
+void StepReader::makeTextLiteral(QuindleStep& step, std::string&& text) {
   step.value.kind = QuindleExpr::Kind::Literal;
   step.value.line = step.line;
   step.value.column = step.column;
   step.value.value.kind = QuindleValue::Kind::Text;
-  step.value.value.textValue = tokens_.expectText(what);
+  step.value.value.textValue = std::move(text);
 }
 
 } // namespace Zamt

@@ -4,6 +4,7 @@
 #include "quindle/text/ExpressionReader.h"
 #include "quindle/text/TokenReader.h"
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -41,13 +42,13 @@ private:
   void skipFault();
 
   Outcome readForm(QuindleStep& step);
-  Outcome readAssignment(QuindleStep& step, std::string_view what);
+  Outcome readAssignment(QuindleStep& step, std::string_view what, QuindleSpan::Role role);
   Outcome readCreate(QuindleStep& step);
   Outcome readConnect(QuindleStep& step);
   Outcome readForEach(QuindleStep& step);
   void readClassify(QuindleStep& step);
   void readCall(QuindleStep& step);
-  void readTextLiteral(QuindleStep& step, std::string_view what);
+  static void makeTextLiteral(QuindleStep& step, std::string&& text);
 
   TokenReader& tokens_;
   ExpressionReader expressions_;

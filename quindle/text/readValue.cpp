@@ -17,6 +17,7 @@ struct OpenTuple {
 
 void readSimpleValue(TokenReader& tokens, QuindleValue& out) {
   using Kind = QuindleValue::Kind;
+  using Role = QuindleSpan::Role;
   const Token& token = tokens.current();
   switch (token.kind) {
   case Token::Kind::Number: {
@@ -42,7 +43,7 @@ void readSimpleValue(TokenReader& tokens, QuindleValue& out) {
   case Token::Kind::End:
   case Token::Kind::Symbol: tokens.failFound("Expected a value but found "); return;
   }
-  tokens.advance();
+  tokens.advance(out.kind == Kind::Boolean ? Role::Keyword : Role::Choice);
 }
 
 // All signs are put in front at once: one after the other would cost the square of their number.
@@ -81,12 +82,11 @@ void readValue(TokenReader& tokens, QuindleValue& out) {
     const std::size_t minusSigns = readMinusSigns(tokens);
     if (tokens.acceptSymbol("(")) {
       target->kind = QuindleValue::Kind::Tuple;
-      if (!tokens.isSymbol(")")) {
+      if (!tokens.acceptSymbol(")")) {
         open.push_back({target, minusSigns});
         target = &target->items.emplace_back();
         continue;
       }
-      tokens.advance();
     } else {
       readSimpleValue(tokens, *target);
     }

@@ -3,8 +3,11 @@
 #include "quindle/core/NestedSteps.h"
 #include "quindle/text/FileWords.h"
 #include "quindle/text/StepKeyword.h"
+#include "quindle/text/writeWithin.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <string_view>
 #include <vector>
 
@@ -64,21 +67,25 @@ std::string callTarget(const std::string& name) {
   return name.substr(0, dot + 1) + quoted(action);
 }
 
-/// Writes the steps of a trigger.
+/// Writes the steps of triggers until their indentation would take more bytes than it may.
 class StepWriter {
 public:
-  explicit StepWriter(std::string& out) : out_(out) {}
+  StepWriter(std::string& out, std::uint64_t maxIndentation) : out_(out), indentationLeft_(maxIndentation) {}
 
   void write(const std::vector<QuindleStep>& steps) {
     eachStep(
         steps, [this](const QuindleStep& step, const StepPlace& place) { enter(step, place); },
         [this](const QuindleStep& step) {
-          if (hasBlocks(step.kind)) closeBlock();
+          if (!full_ && hasBlocks(step.kind)) closeBlock();
         });
   }
 
+  /// Whether something was left out.
+  bool isFull() const { return full_; }
+
 private:
   void enter(const QuindleStep& step, const StepPlace& place) {
+    if (full_) return;
     if (startsElse(place)) {
       closeBlock();
       startLine();
@@ -97,7 +104,13 @@ private:
       out_ += '\n';
   }
 
-  void startLine() { out_.append(level_ * indent.size(), ' '); }
+  void startLine() {
+    const std::size_t blanks = level_ * indent.size();
+    full_ = full_ || blanks > indentationLeft_;
+    if (full_) return;
+    indentationLeft_ -= blanks;
+    out_.append(blanks, ' ');
+  }
 
   void openBlock() {
     out_ += " {\n";
@@ -150,7 +163,9 @@ private:
   }
 
   std::string& out_;
+  std::uint64_t indentationLeft_;
   std::size_t level_ = 2; ///< Steps stand in a trigger, which stands in the file.
+  bool full_ = false;
 };
 
 void writeSettings(const QuindleDocument& doc, std::string& out) {
@@ -174,32 +189,40 @@ void writeParam(const QuindleParam& param, std::string& out) {
   out += '\n';
 }
 
-void writeTrigger(const QuindleTrigger& trigger, std::string& out) {
+void writeTrigger(const QuindleTrigger& trigger, StepWriter& steps, std::string& out) {
   out += indent;
   out += "on ";
   out += wordOf(occasions, trigger.kind);
   if (trigger.kind == QuindleTrigger::Kind::Key) out += ' ' + quoted(trigger.key);
   out += " {\n";
-  StepWriter(out).write(trigger.steps);
+  steps.write(trigger.steps);
   out += indent;
   out += "}\n";
 }
 
 } // namespace
 
-std::string writeQuindle(const QuindleDocument& doc) {
-  std::string out = "quindle " + quoted(doc.name) + " {\n";
+bool writeWithin(const QuindleDocument& doc, std::uint64_t maxIndentation, std::string& out) {
+  out = "quindle " + quoted(doc.name) + " {\n";
   const std::size_t headLength = out.size();
   writeSettings(doc, out);
   if (out.size() > headLength && !doc.params.empty()) out += '\n';
   for (const QuindleParam& param : doc.params) writeParam(param, out);
   bool needsSpace = out.size() > headLength;
+  StepWriter steps(out, maxIndentation);
   for (const QuindleTrigger& trigger : doc.triggers) {
     if (needsSpace) out += '\n';
-    writeTrigger(trigger, out);
+    writeTrigger(trigger, steps, out);
     needsSpace = true;
   }
-  return out += "}\n";
+  out += "}\n";
+  return !steps.isFull();
+}
+
+std::string writeQuindle(const QuindleDocument& doc) {
+  std::string out;
+  writeWithin(doc, std::numeric_limits<std::uint64_t>::max(), out);
+  return out;
 }
 
 } // namespace Zamt

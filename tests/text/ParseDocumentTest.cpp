@@ -6,6 +6,7 @@
 namespace Zamt {
 namespace {
 
+using Testing::dumpDocument;
 using Testing::dumpExpr;
 using Testing::dumpSteps;
 using Testing::dumpValue;
@@ -48,10 +49,19 @@ TEST(ParseDocument, ReadsEveryStep) {
       {"run \"O\"(f(a: 1))", "Run@2:1 name=O arg=:[Call@2:9 f a: [Literal@2:14 Number 1]]\n"},
       {"if a { } else { report \"d\" }",
        "If@2:1 condition=[Reference@2:4 a]\nElse\n  Report@2:17 value=[Literal@2:17 Text \"d\"]\n"},
+      // A step stands at its keyword, whatever line its words stand on, and so does its text.
+      {"create\nb =\n\"C/I\" report\n\"d\"", "Create@2:1 name=b value=[Literal@2:1 Text \"C/I\"]\n"
+                                             "Report@4:7 value=[Literal@4:7 Text \"d\"]\n"},
       {"for each i in l { select i }",
        "ForEach@2:1 name=i value=[Reference@2:15 l]\n  Select@2:19 condition=[Reference@2:26 i]\n"},
   };
   for (const auto& [text, dump] : cases) EXPECT_EQ(dumpSteps(parsedSteps(text)), dump) << text;
+}
+
+TEST(ParseDocument, ParametersAndTriggersStandOnTheLineOfTheirFirstWord) {
+  EXPECT_EQ(
+      dumpDocument(parsed("quindle \"a\" {\nparam\nx :\nT\non\nkey\n\"k\" {\n} }")),
+      "quindle <a> from <test.quindle>\nparam@2:0 x : T = Written None [None .. None]\non@5:0 Key <k>\n");
 }
 
 TEST(ParseDocument, ReadsExpressionsByPrecedence) {
@@ -86,6 +96,7 @@ TEST(ParseDocument, PlacesCommentsAmongTheSteps) {
       {"/* a\n\n  b\t\n*/", "Comment@2:0 comment=<a>\nComment@2:0 comment=<>\nComment@2:0 comment=<b>\n"},
       {"#\n# \n//\n/**/", ""},
       {"#  \n# \r", "Comment@2:0 comment=<>\nComment@3:0 comment=<>\n"},
+      {"#\t c  d \t\n/*\t e*/\n", "Comment@2:0 comment=<c  d>\nComment@3:0 comment=<e>\n"},
       {"# c\r\n/* d\r\ne */", "Comment@2:0 comment=<c>\nComment@3:0 comment=<d>\nComment@3:0 comment=<e>\n"},
   };
   for (const auto& [text, dump] : cases) EXPECT_EQ(dumpSteps(parsedSteps(text)), dump) << text;

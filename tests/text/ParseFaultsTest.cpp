@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace Zamt {
 namespace {
 
@@ -85,8 +87,6 @@ TEST(ParseFaults, OfParametersAndTriggers) {
                    {"on key { }", {R"(2:8 Expected the key to bind in quotes but found "{".)"}},
                },
                "\non run { } }");
-  EXPECT_EQ(Reading("quindle \"a\" { param x : Number\nparam x : Text on run { } }").diag.format(),
-            "f:2: error: There is already a parameter called \"x\".");
   const std::string noTrigger = "f: warning: This Quindle has no trigger, so nothing will ever run it. Add "
                                 "an \"on run { ... }\" block.";
   EXPECT_EQ(Reading("quindle \"a\" { }").diag.format(), noTrigger);
@@ -175,6 +175,41 @@ TEST(ParseFaults, OfExpressions) {
                "");
 }
 
+TEST(ParseFaults, RecoveryStopsAtWhatBeginsAStepOrAnItemAndThrowsThatAway) {
+  const std::string number = " Expected a step but found the number ";
+  for (const std::string stop : {"let", "create", "select", "classify", "set", "connect", "call", "run", "if",
+                                 "for", "report", "param", "on", "{"})
+    expectFaultsOfSteps({{"5 into\n" + stop + "\n6", {"2:1" + number + "5.", "4:1" + number + "6."}}});
+  for (const std::string other : {"into", "else", "each", "as", "quindle", "category", "(", "\"x\""})
+    expectFaultsOfSteps({{"5\n" + other + "\n6", {"2:1" + number + "5."}}});
+  const std::string item = "Expected a setting, a parameter or a trigger, but found ";
+  expectFaults(
+      "quindle \"a\" {\n",
+      {
+          {"5 x let tags \"t\" 6", {"2:1 " + item + "the number 5.", "2:18 " + item + "the number 6."}},
+          {"on run 5 let x\nparam p : T",
+           {R"(2:8 Expected "{" but found the number 5.)", "2:10 " + item + "\"let\".",
+            "2:14 " + item + "\"x\"."}},
+          {"on click 5 x\nparam p : T",
+           {R"(2:4 Expected "run", "key", "tile.enter" or "load" after "on", but found "click".)"}},
+      },
+      "\non run { } }");
+}
+
+TEST(ParseFaults, NameEveryParameterThatIsThereTwice) {
+  std::string params;
+  std::string faults;
+  for (int line = 1; line <= 40; ++line) params += "param p" + std::to_string(line) + " : T\n";
+  for (const int twice : {1, 32, 33, 34, 40}) {
+    params += "param p" + std::to_string(twice) + " : T\n";
+    faults += "f:" + std::to_string(std::count(params.begin(), params.end(), '\n')) +
+              ": error: There is already a parameter called \"p" + std::to_string(twice) + "\".\n";
+  }
+  const Reading reading("quindle \"a\" { " + params + "on run { } }");
+  EXPECT_EQ(reading.diag.format() + '\n', faults);
+  EXPECT_EQ(reading.doc.params.size(), 40U);
+}
+
 TEST(ParseFaults, AnEarlierErrorMakesTheResultFalse) {
   QuindleDocument doc;
   Diag diag;
@@ -184,10 +219,11 @@ TEST(ParseFaults, AnEarlierErrorMakesTheResultFalse) {
 }
 
 TEST(ParseFaults, LeaveInTheDocumentWhatCouldBeRead) {
-  const Reading reading("quindle \"a\" { category \"c\" category 5\n"
-                        "param p : Number [1 2]\nparam q : Number = -x param q : Text\n"
-                        "on key { let = 1\nlet y 2\nset a 1\n  select\n  if b { connect c <- 3 }\n}\n"
-                        "on load { report \"kept\" }\non run { select x");
+  const Reading reading(
+      "quindle \"a\" { category \"c\" category 5\n"
+      "param p : Number [1 2]\nparam q : Number = -x param q : Text param r : Number [1 .. 2 \"h\" 5\n"
+      "on key { let = 1\nlet y 2\nset a 1\n  select\n  if b { connect c <- 3 }\n}\n"
+      "on load { report \"kept\" }\non run { select x");
   EXPECT_FALSE(reading.usable);
   EXPECT_EQ(Testing::dumpDocument(reading.doc), "quindle <a> from <f>\n"
                                                 "param@3:0 q : Number = Written Identifier x [None .. None]\n"
