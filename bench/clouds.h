@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/points/LasBuilder.h"
-#include "host/points/PointCloud.h"
+#include "host/clouds/PointCloud.h"
+#include "host/clouds/las/LasBuilder.h"
 
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>

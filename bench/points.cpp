@@ -2,11 +2,11 @@
 // are made once and stay in the directory for temporary files.
 
 #include "bench/clouds.h"
-#include "host/points/BoxFilter.h"
-#include "host/points/ClassFilter.h"
-#include "host/points/NeighbourFilter.h"
-#include "host/points/RangeFilter.h"
-#include "host/points/Selection.h"
+#include "host/filters/BoxFilter.h"
+#include "host/filters/ClassFilter.h"
+#include "host/filters/NeighbourFilter.h"
+#include "host/filters/RangeFilter.h"
+#include "host/filters/Selection.h"
 
 #include <algorithm>
 #include <array>

@@ -2,8 +2,8 @@
 // a plain copy of that file.
 
 #include "bench/clouds.h"
-#include "host/objects/Scene.h"
-#include "host/points/SurfaceFile.h"
+#include "host/session/Scene.h"
+#include "host/surfaces/SurfaceFile.h"
 #include "quindle/text/parseQuindle.h"
 
 #include <fcntl.h>

@@ -1,5 +1,5 @@
 #include "fuzz/require.h"
-#include "host/points/PointCloud.h"
+#include "host/clouds/PointCloud.h"
 
 #include <cstdint>
 #include <sys/mman.h>

@@ -1,6 +1,6 @@
 #include "fuzz/require.h"
-#include "host/points/Surface.h"
-#include "host/points/SurfaceFile.h"
+#include "host/surfaces/Surface.h"
+#include "host/surfaces/SurfaceFile.h"
 
 #include <cstdint>
 

@@ -1,6 +1,6 @@
 #include "fuzz/require.h"
-#include "host/points/Expression.h"
-#include "host/points/Region.h"
+#include "host/filters/Expression.h"
+#include "host/regions/Region.h"
 
 #include <array>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "host/cli/Interrupt.h"
 
-#include "host/points/AtomicFile.h"
-#include "host/points/Interruption.h"
+#include "files/AtomicFile.h"
+#include "files/Interruption.h"
 
 #include <atomic>
 #include <csignal>

@@ -1,6 +1,6 @@
 #include "host/cli/entryTable.h"
 
-#include "host/cli/Collection.h"
+#include "host/session/Collection.h"
 #include "quindle/library/entryNames.h"
 #include "quindle/library/keysOf.h"
 

@@ -1,7 +1,7 @@
 #include "host/cli/HelpFormatter.h"
 #include "host/cli/Interrupt.h"
 #include "host/cli/commands/commands.h"
-#include "host/cli/nearest.h"
+#include "host/session/nearest.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -1,11 +1,11 @@
 #include "host/cli/runClouds.h"
 
-#include "host/cli/Collection.h"
-#include "host/cli/QuindleSource.h"
+#include "files/Interruption.h"
+#include "host/clouds/StandardClasses.h"
 #include "host/objects/Grid.h"
-#include "host/objects/Scene.h"
-#include "host/points/Interruption.h"
-#include "host/points/StandardClasses.h"
+#include "host/session/Collection.h"
+#include "host/session/QuindleSource.h"
+#include "host/session/Scene.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

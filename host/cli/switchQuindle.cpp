@@ -1,8 +1,8 @@
 #include "host/cli/switchQuindle.h"
 
-#include "host/cli/Collection.h"
-#include "host/cli/QuindleSource.h"
-#include "host/points/writeWholeFile.h"
+#include "files/writeWholeFile.h"
+#include "host/session/Collection.h"
+#include "host/session/QuindleSource.h"
 #include "quindle/library/QuindleFiles.h"
 #include "quindle/library/entryNames.h"
 #include "quindle/text/parseQuindle.h"

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "host/filters/Selection.h"
 #include "host/objects/Grid.h"
-#include "host/points/Selection.h"
 
 #include "rethold/Pointer.h"
 #include "sorbine/VObject.h"

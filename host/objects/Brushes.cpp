@@ -1,9 +1,9 @@
 #include "host/objects/Brushes.h"
 
+#include "host/filters/BoxFilter.h"
+#include "host/filters/PolygonFilter.h"
 #include "host/objects/BrushObject.h"
 #include "host/objects/values.h"
-#include "host/points/BoxFilter.h"
-#include "host/points/PolygonFilter.h"
 
 #include "sorbine/VCreator.h"
 

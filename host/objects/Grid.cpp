@@ -1,6 +1,6 @@
 #include "host/objects/Grid.h"
 
-#include "host/points/StandardClasses.h"
+#include "host/clouds/StandardClasses.h"
 
 #include <set>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/points/PointCloud.h"
-#include "host/points/PointMask.h"
+#include "host/clouds/PointCloud.h"
+#include "host/clouds/PointMask.h"
 
 #include "cadmer/LabelSet.h"
 #include "rethold/Pointer.h"

@@ -1,7 +1,7 @@
 #include "host/objects/MaskedLabels.h"
 
+#include "files/Interruption.h"
 #include "host/objects/CloudObjects.h"
-#include "host/points/Interruption.h"
 
 #include "sorbine/VCreator.h"
 

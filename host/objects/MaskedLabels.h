@@ -1,7 +1,7 @@
 #pragma once
 
+#include "host/clouds/PointMask.h"
 #include "host/objects/BrushObject.h"
-#include "host/points/PointMask.h"
 
 #include "cadmer/LabelSet.h"
 #include "rethold/Pointer.h"

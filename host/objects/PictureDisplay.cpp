@@ -1,7 +1,7 @@
 #include "host/objects/PictureDisplay.h"
 
 #include "host/objects/Grid.h"
-#include "host/objects/renderCloud.h"
+#include "host/views/renderCloud.h"
 
 #include "sorbine/VCreator.h"
 #include "sorbine/VObject.h"

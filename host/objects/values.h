@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/points/Region.h"
+#include "host/regions/Region.h"
 
 #include "sorbine/VValue.h"
 

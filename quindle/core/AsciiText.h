@@ -3,10 +3,18 @@
 #include <string>
 #include <string_view>
 
-/// Case and white space of ASCII, the same in every locale. Other bytes are left as they are.
+/// Letters, digits, case and white space of ASCII, the same in every locale. Other bytes are none of these,
+/// and are left as they are.
 namespace Zamt {
 
 inline constexpr std::string_view whiteSpace = " \t\n\v\f\r";
+
+constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+constexpr bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+
+/// Whether a name may hold it: a letter, a digit or "_".
+constexpr bool isNameByte(char c) { return isLetter(c) || isDigit(c) || c == '_'; }
 
 constexpr char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 

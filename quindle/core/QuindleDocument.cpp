@@ -1,5 +1,6 @@
 #include "quindle/core/QuindleDocument.h"
 
+#include "quindle/core/AsciiText.h"
 #include "quindle/core/Numbers.h"
 #include "quindle/core/Tree.h"
 
@@ -231,10 +232,8 @@ void QuindleDocument::touch() {
 
 std::string quindleIdentifier(const std::string& text) {
   std::string out = text;
-  for (char& c : out) {
-    const bool kept = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-    if (!kept) c = '_';
-  }
+  for (char& c : out)
+    if (!isNameByte(c)) c = '_';
   return out;
 }
 

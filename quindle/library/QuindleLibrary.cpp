@@ -1,8 +1,9 @@
 #include "quindle/library/QuindleLibrary.h"
 
+#include "files/readTextFile.h"
 #include "quindle/check/checkQuindle.h"
 #include "quindle/core/AsciiText.h"
-#include "quindle/library/readTextFile.h"
+#include "quindle/library/QuindleFiles.h"
 #include "quindle/text/parseBriefly.h"
 
 #include <algorithm>
@@ -31,7 +32,7 @@ std::string whyNotUsable(const Diag& faults) {
 /// Fills an entry from the file at its path.
 void readEntry(QuindleLibraryEntry& entry, Diag& diag) {
   std::string text;
-  if (!readTextFile(entry.path, text)) {
+  if (!readTextFile(entry.path, maxQuindleBytes, text)) {
     entry.error = "cannot be read";
     diag.error("Cannot read \"" + entry.path + "\".", entry.path);
     return;

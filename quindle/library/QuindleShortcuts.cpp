@@ -63,7 +63,7 @@ Combination readCombination(std::string_view text) {
     }
     text.remove_prefix(plus + 1);
     if (piece.empty()) {
-      if (text.empty()) combination.key = "+";
+      if (text.empty()) combination.key.assign(1, '+');
     } else if (const ModifierWord* const modifier = findModifier(piece)) {
       combination.pressed[modifier->modifier] = true;
     } else {

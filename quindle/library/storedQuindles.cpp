@@ -1,9 +1,10 @@
+#include "files/readTextFile.h"
+#include "files/replaceFile.h"
 #include "quindle/check/checkQuindle.h"
+#include "quindle/core/commaList.h"
 #include "quindle/library/QuindleFiles.h"
 #include "quindle/library/QuindleLibrary.h"
 #include "quindle/library/entryNames.h"
-#include "quindle/library/readTextFile.h"
-#include "quindle/library/replaceFile.h"
 #include "quindle/text/parseQuindle.h"
 
 #include <filesystem>
@@ -22,11 +23,9 @@ QuindleLibrary scanned(const std::vector<std::string>& searchPath) {
 }
 
 std::string knownQuindleNames(const QuindleLibrary& library) {
-  std::string names;
-  for (const QuindleLibraryEntry* const entry : library.search({})) {
-    if (!names.empty()) names += ", ";
-    names += displayName(*entry);
-  }
+  const std::string names =
+      commaList(library.search({}),
+                [](const QuindleLibraryEntry* entry) -> const std::string& { return displayName(*entry); });
   return names.empty() ? " There are none at all." : " There is: " + names + ".";
 }
 
@@ -63,7 +62,7 @@ bool readQuindle(const std::vector<std::string>& searchPath, const std::string& 
   text.clear(); // only now, since the name may be the document's own
   document = {};
   if (entry == nullptr) return false;
-  if (!readTextFile(entry->path, text)) {
+  if (!readTextFile(entry->path, maxQuindleBytes, text)) {
     diag.error("Cannot read \"" + entry->path + "\".");
     return false;
   }

@@ -1,5 +1,6 @@
 #include "quindle/text/Lexer.h"
 
+#include "quindle/core/AsciiText.h"
 #include "quindle/text/SpanRecorder.h"
 
 #include <cstring>
@@ -24,12 +25,9 @@ enum class Start : std::uint8_t {
   Zero             // the end of the source, or a symbol if it stands before it
 };
 
-constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
-constexpr bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
-
 constexpr Start classify(char c) {
-  if (isLetter(c)) return Start::Letter;
   if (isDigit(c)) return Start::Digit;
+  if (isNameByte(c)) return Start::Letter;
   switch (c) {
   case '\0': return Start::Zero;
   case ' ':
@@ -60,7 +58,7 @@ constexpr auto wordBytes = [] {
   std::array<bool, byteValues> table{};
   for (std::size_t i = 0; i < byteValues; ++i) {
     const char c = static_cast<char>(i);
-    table[i] = isLetter(c) || isDigit(c) || c == '.';
+    table[i] = isNameByte(c) || c == '.';
   }
   return table;
 }();

@@ -1,5 +1,6 @@
 #include "quindle/text/writeQuindle.h"
 
+#include "quindle/core/AsciiText.h"
 #include "quindle/core/NestedSteps.h"
 #include "quindle/text/FileWords.h"
 #include "quindle/text/StepKeyword.h"
@@ -18,10 +19,6 @@ namespace {
 constexpr std::string_view indent = "    ";
 
 std::string quoted(const std::string& text) { return QuindleValue::text(text).toSource(); }
-
-bool isLetterOrDigit(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
 
 /// The word of `value` in one of the tables of words; empty if it has none.
 template <class Table, class Value>
@@ -58,12 +55,12 @@ std::string arguments(const QuindleStep& step) {
 std::string callTarget(const std::string& name) {
   std::size_t dot = name.rfind('.');
   if (dot == std::string::npos) return name;
-  const auto isWordByte = [](char c) { return isLetterOrDigit(c) || c == '.'; };
+  const auto isWordByte = [](char c) { return isNameByte(c) || c == '.'; };
   const auto wordEnd = std::find_if_not(name.begin(), name.end(), isWordByte) - name.begin();
   const std::size_t dotInWord = name.rfind('.', static_cast<std::size_t>(wordEnd));
   if (dotInWord != std::string::npos) dot = dotInWord;
   const std::string action = name.substr(dot + 1);
-  if (std::all_of(action.begin(), action.end(), isLetterOrDigit)) return name;
+  if (std::all_of(action.begin(), action.end(), isNameByte)) return name;
   return name.substr(0, dot + 1) + quoted(action);
 }
 

@@ -1,49 +1,18 @@
 #include "tests/cli/quindle.h"
+#include "tests/support/environment.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 using namespace Zamt::Testing;
-using testing::HasSubstr;
+using testing::StartsWith;
 
 namespace {
 
-using Words = std::vector<std::string>;
-
-TEST(Command, WrongUsageEndsWithTwoAndDoesNothing) {
-  const TemporaryDirectory directory;
-  const std::string good =
-      directory.write("good.quindle", "quindle \"A\" { param p : Number = 1 on run { } }");
-  const std::string here = directory.path();
-  const std::vector<std::pair<Words, std::string>> cases{
-      {{}, "No command is named."},
-      {{"chekc"}, "There is no command called \"chekc\". Did you mean \"check\"?"},
-      {{"check"}, "QUINDLE is required"},
-      {{"fmt", "--check", "--write", good}, "--check excludes --write"},
-      {{"fmt", "--drop-comments", good}, "--drop-comments requires --write"},
-      {{"fmt", "--write", "-"}, "Standard input can't be replaced."},
-      {{"registry", "--level", "young"}, "--level"},
-      {{"sample", directory.path("a.las"), "--points", "-5"}, "--points"},
-      {{"run", good, "a.las"}, "Write -o with a file or a directory, or --in-place."},
-      {{"run", good, "a.las", "-o", "b.las", "--in-place"}, "--in-place"},
-      {{"run", good, "x/a.las", "y/a.las", "-o", here}, "Two of the clouds would be written to"},
-      {{"run", good, "a.las", "./a.las", "--in-place"}, "Two of the clouds would be written to"},
-      {{"preview", good, "a.las", "--set", "p"}, "Write --set NAME=VALUE."},
-      {{"preview", good, "a.las", "--region", "nowhere"}, "region"},
-  };
-  for (const auto& [words, said] : cases) {
-    SCOPED_TRACE(testing::PrintToString(words));
-    const CommandResult result = quindle(words);
-    EXPECT_EQ(result.exitCode, 2);
-    EXPECT_EQ(result.out, "");
-    EXPECT_THAT(result.err, HasSubstr(said));
-  }
-}
-
-TEST(Command, WhatEndsItEarlyIsOneSentenceAndAFailure) {
+TEST(Command, ALostReaderAndAnInterruptEndIt) {
   const std::pair<CommandResult, std::string> cases[] = {
-      {quindle({"--help"}, {.outputFile = "/dev/full"}),
-       "error: The results could not be written to standard output: No space left on device.\n"},
       {quindle({"--help"}, {.closeOutput = true}), ""},
       {quindle({"check", "-"}, {.waitOnInput = true, .interruptAfter = std::chrono::seconds(1)}),
        "<stdin>: error: Interrupted, nothing was written.\n"}};
@@ -51,6 +20,34 @@ TEST(Command, WhatEndsItEarlyIsOneSentenceAndAFailure) {
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_EQ(result.err, said);
   }
+}
+
+/// Runs "reference comments" with its results going to a terminal, and gives what the pager then wrote.
+std::string pagedBy(const std::string& pager, const TemporaryDirectory& directory) {
+  const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+  if (terminal < 0 || ::grantpt(terminal) != 0 || ::unlockpt(terminal) != 0) return "no terminal";
+  const Environment environment{{"PAGER", pager}};
+  const CommandResult result =
+      quindle({"reference", "comments"}, {.directory = directory.path(), .outputFile = ::ptsname(terminal)});
+  std::array<char, 12> shown{};
+  std::size_t filled = 0;
+  // A terminal hands on in pieces; behind the last one, reading fails, since the other end is closed.
+  while (filled < shown.size()) {
+    const ssize_t got = ::read(terminal, shown.data() + filled, shown.size() - filled);
+    if (got <= 0) break;
+    filled += static_cast<std::size_t>(got);
+  }
+  ::close(terminal);
+  EXPECT_EQ(result.exitCode, 0);
+  return std::string(shown.data(), filled);
+}
+
+TEST(Command, TheManualIsPagedOnATerminalOnly) {
+  const TemporaryDirectory directory;
+  EXPECT_EQ(pagedBy("tee paged | head -c 4; echo .", directory), "Comm.\r\n");
+  EXPECT_THAT(readFile(directory.path("paged")), StartsWith("Comments\n\n"));
+  EXPECT_EQ(pagedBy("./no-such-pager", directory), "Comments\r\n\r\n");
+  EXPECT_EQ(pagedBy("", directory), "Comments\r\n\r\n");
 }
 
 } // namespace

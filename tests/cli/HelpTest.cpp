@@ -67,15 +67,6 @@ TEST(Help, SaysOfEachCommandWhatItsOwnHelpSays) {
   EXPECT_THAT(printed({"help"}), StartsWith(printed({"--help"})));
 }
 
-TEST(Help, OffersWhatIsNearAnUnknownWord) {
-  const CommandResult result = quindle({"help", "region"});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err,
-            "error: There is no command and no topic called \"region\". Did you mean \"regions\"? "
-            "\"quindle help\" lists them all.\n");
-}
-
 TEST(Help, EveryExampleRuns) {
   const TemporaryDirectory home;
   std::filesystem::create_directories(home.path("share"));

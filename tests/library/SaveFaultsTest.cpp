@@ -1,3 +1,4 @@
+#include "files/AtomicFile.h"
 #include "quindle/library/QuindleFiles.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/asNobody.h"
@@ -11,6 +12,7 @@
 #include <optional>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/user.h>
 #include <sys/wait.h>
@@ -58,15 +60,18 @@ int inChild(const std::function<int()>& work) {
 
 /// What happens at one of the child's system calls.
 struct Fault {
-  int atCall = 0;    ///< Counted from 1.
-  bool kill = false; ///< The process ends in front of the call; otherwise the call fails with `code`.
+  int atCall = 0;          ///< Counted from 1.
+  bool secondName = false; ///< The file has one, so that it is written in place.
+  bool kill = false;       ///< The process ends in front of the call; otherwise the call fails with `code`.
   int code = 0;
 };
 
 /// The calls that a disk can make fail.
 bool touchesFiles(unsigned long long call) {
-  constexpr std::array<unsigned long long, 8> calls{SYS_openat, SYS_write, SYS_fsync,  SYS_close,
-                                                    SYS_rename, SYS_mkdir, SYS_fchmod, SYS_newfstatat};
+  constexpr std::array<unsigned long long, 15> calls{SYS_openat,    SYS_pwrite64,   SYS_fdatasync, SYS_fsync,
+                                                     SYS_close,     SYS_flock,      SYS_rename,    SYS_mkdir,
+                                                     SYS_fchmod,    SYS_newfstatat, SYS_read,      SYS_write,
+                                                     SYS_ftruncate, SYS_fallocate,  SYS_unlink};
   return std::find(calls.begin(), calls.end(), call) != calls.end();
 }
 
@@ -77,20 +82,17 @@ struct Traced {
   int status = 0;
 };
 
-/// Tells the calls that the new text depends on from those that look around or tidy up.
+/// Tells the calls that the new text depends on from those that look around, keep the old one or tidy up.
 class SavingOrder {
 public:
   bool isDecisive(unsigned long long call) {
-    const bool decisive = call == SYS_write || call == SYS_rename || (call == SYS_fsync && !renamed) ||
-                          (call == SYS_close && flushed && !renamed);
-    flushed = flushed || call == SYS_fsync;
-    renamed = renamed || call == SYS_rename;
-    return decisive;
+    begun = begun || call == SYS_pwrite64;
+    return begun &&
+           (call == SYS_pwrite64 || call == SYS_ftruncate || call == SYS_fdatasync || call == SYS_rename);
   }
 
 private:
-  bool flushed = false;
-  bool renamed = false;
+  bool begun = false;
 };
 
 /// Saves in a child that meets the fault; nothing if the machine does not let processes be traced.
@@ -136,6 +138,13 @@ std::optional<Traced> saveWith(const Fault& fault, const std::string& directory)
   return traced;
 }
 
+/// Whether the old text stands in a copy beside the file.
+bool holdsCopy(const TemporaryDirectory& directory) {
+  for (const std::string& name : directory.names())
+    if (name.ends_with(".old") && readFile(directory.path(name)) == oldText) return true;
+  return false;
+}
+
 class SaveFaults : public testing::TestWithParam<Fault> {};
 
 TEST_P(SaveFaults, LeaveTheOldTextOrTheNewAtEveryCall) {
@@ -146,15 +155,18 @@ TEST_P(SaveFaults, LeaveTheOldTextOrTheNewAtEveryCall) {
     const std::string path = directory.write("Kept.quindle", oldText);
     Fault fault = GetParam();
     fault.atCall = call;
+    if (fault.secondName) std::filesystem::create_hard_link(path, directory.path("second name"));
     const std::optional<Traced> traced = saveWith(fault, directory.path());
     if (!traced) GTEST_SKIP() << "This machine does not let processes be traced.";
     const std::string held = readFile(path);
-    EXPECT_TRUE(held == oldText || held == newText) << held;
+    const bool copied = fault.kill && fault.secondName && holdsCopy(directory);
+    EXPECT_TRUE(held == oldText || held == newText || copied) << held;
     if (!fault.kill) {
       EXPECT_TRUE(WIFEXITED(traced->status));
       EXPECT_EQ(WEXITSTATUS(traced->status), held == newText ? saved : refused);
       EXPECT_FALSE(traced->decisive && held == newText);
     }
+    EXPECT_FALSE(fault.secondName && readFile(directory.path("second name")) != held);
     std::size_t listed = 0;
     for (const std::string& name : directory.names()) listed += name.ends_with(".quindle") ? 1 : 0;
     EXPECT_EQ(listed, 1U);
@@ -165,11 +177,14 @@ TEST_P(SaveFaults, LeaveTheOldTextOrTheNewAtEveryCall) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, SaveFaults,
-                         testing::Values(Fault{0, true, 0}, Fault{0, false, ENOSPC}, Fault{0, false, EIO}),
+                         testing::Values(Fault{0, false, true, 0}, Fault{0, false, false, ENOSPC},
+                                         Fault{0, false, false, EIO}, Fault{0, true, true, 0},
+                                         Fault{0, true, false, ENOSPC}, Fault{0, true, false, EIO}),
                          [](const testing::TestParamInfo<Fault>& one) {
-                           return one.param.kill          ? "Killed"
-                                  : one.param.code == EIO ? "DiskError"
-                                                          : "DiskFull";
+                           return std::string(one.param.kill          ? "Killed"
+                                              : one.param.code == EIO ? "DiskError"
+                                                                      : "DiskFull") +
+                                  (one.param.secondName ? "InPlace" : "");
                          });
 
 #endif
@@ -188,13 +203,58 @@ TEST(SaveLimits, AFileTooLargeToWriteIsRefusedAndTheHostLives) {
   EXPECT_EQ(directory.names().size(), 1U);
 }
 
-TEST(SaveLimits, AWriteProtectedFileIsRefusedAndStays) {
+TEST(SaveLimits, AFileIsWrittenWhereItStandsIfNoOtherMayTakeItsPlace) {
+  using Perms = std::filesystem::perms;
+  struct Row {
+    const char* name;
+    Perms directory;
+    Perms file;
+    int ends;
+  };
+  constexpr Perms everybodys = Perms::owner_all | Perms::group_all | Perms::others_all;
+  constexpr Perms readOnly = everybodys & ~(Perms::owner_write | Perms::group_write | Perms::others_write);
+  const std::array<Row, 4> rows{
+      {{"the file is protected", everybodys, readOnly, refused},
+       {"the directory takes no new file", readOnly, everybodys, saved},
+       {"both", readOnly, readOnly, refused},
+       {"the directory is sticky", everybodys | Perms::sticky_bit, everybodys, saved}}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    const TemporaryDirectory directory;
+    const std::string path = directory.write("Kept.quindle", oldText);
+    std::filesystem::permissions(path, row.file);
+    std::filesystem::permissions(directory.path(), row.directory);
+    EXPECT_TRUE(Testing::asNobody([&] { return save(directory.path()) == row.ends; }));
+    EXPECT_EQ(readFile(path), row.ends == saved ? newText : oldText);
+    EXPECT_EQ(directory.names().size(), 1U);
+  }
+}
+
+TEST(SaveLimits, ALinkToADeviceIsWrittenThroughAndAPipeIsRefused) {
   const TemporaryDirectory directory;
-  const std::string path = directory.write("Kept.quindle", oldText);
-  std::filesystem::permissions(directory.path(), std::filesystem::perms::all);
-  std::filesystem::permissions(path, std::filesystem::perms::owner_read);
-  EXPECT_TRUE(Testing::asNobody([&] { return save(directory.path()) == refused; }));
-  EXPECT_EQ(readFile(path), oldText);
+  std::filesystem::create_symlink("/dev/null", directory.path("Kept.quindle"));
+  EXPECT_EQ(save(directory.path()), saved);
+  EXPECT_TRUE(std::filesystem::is_character_file(directory.path("Kept.quindle")));
+  std::filesystem::remove(directory.path("Kept.quindle"));
+  ASSERT_EQ(::mkfifo(directory.path("Kept.quindle").c_str(), 0600), 0);
+  EXPECT_EQ(save(directory.path()), refused);
+}
+
+TEST(SaveLimits, WhatAKilledProcessLeftGoesWithTheNextSave) {
+  const TemporaryDirectory directory;
+  directory.write("Kept.quindle", oldText);
+  ASSERT_EQ(save(directory.path()), saved);
+  const int status = inChild([&] {
+    const rlimit none{0, 0};
+    ::setrlimit(RLIMIT_CORE, &none);
+    std::string error;
+    const std::unique_ptr<AtomicFile> begun = AtomicFile::create(directory.path("Kept.quindle"), error);
+    ::raise(SIGKILL);
+    return saved;
+  });
+  EXPECT_TRUE(WIFSIGNALED(status));
+  EXPECT_EQ(directory.names().size(), 2U);
+  EXPECT_EQ(save(directory.path()), saved);
   EXPECT_EQ(directory.names().size(), 1U);
 }
 

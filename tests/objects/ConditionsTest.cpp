@@ -1,6 +1,6 @@
-#include "host/points/Surface.h"
-#include "host/points/SurfaceFile.h"
-#include "tests/objects/scenes.h"
+#include "host/surfaces/Surface.h"
+#include "host/surfaces/SurfaceFile.h"
+#include "tests/session/scenes.h"
 
 #include <cmath>
 #include <functional>
@@ -187,8 +187,8 @@ TEST_F(ConditionsTest, AllNineSelectWhatTheySayOnTheSampleAloneNegatedAndCombine
 }
 
 TEST_F(ConditionsTest, TheySelectWhatTheySayOnARealCloud) {
+  REQUIRE_REAL_CLOUDS();
   const std::string file = real("autzen-thin.las");
-  REQUIRE_REAL(file);
   open(file);
   const NaiveCloud naive(*scene.grid()->cloud);
   expectAgreement({
@@ -206,8 +206,8 @@ TEST_F(ConditionsTest, TheySelectWhatTheySayOnARealCloud) {
 }
 
 TEST_F(ConditionsTest, SurfaceCountsOfTheReferenceCloudAreThoseWorkedOutByHand) {
+  REQUIRE_REAL_CLOUDS();
   const std::string file = real("ahn3_crop.las");
-  REQUIRE_REAL(file);
   open(file);
   const std::string ground = "\"" + real("ahn3_ground.obj") + "\"";
   const auto count = [&](const std::string& condition) {

@@ -1,4 +1,4 @@
-#include "tests/objects/scenes.h"
+#include "tests/session/scenes.h"
 
 namespace Zamt::Testing {
 namespace {
@@ -53,8 +53,8 @@ TEST_F(MaskedLabelsTest, WhatCannotBeSelectedIsAProblemInWordsAndNotAZero) {
 }
 
 TEST_F(MaskedLabelsTest, AClassThatTheFormatCannotHoldIsRefusedBeforeAnythingIsCounted) {
+  REQUIRE_REAL_CLOUDS();
   const std::string file = real("autzen-thin.las");
-  REQUIRE_REAL(file);
   Diag diag;
   ASSERT_TRUE(scene.openCloud(file, {}, diag));
   EXPECT_EQ(

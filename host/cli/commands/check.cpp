@@ -1,7 +1,7 @@
-#include "host/cli/QuindleSource.h"
+#include "files/Interruption.h"
 #include "host/cli/commands/commands.h"
 #include "host/cli/selects.h"
-#include "host/points/Interruption.h"
+#include "host/session/QuindleSource.h"
 #include "quindle/check/checkQuindle.h"
 #include "quindle/text/parseQuindle.h"
 

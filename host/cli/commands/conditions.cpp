@@ -1,5 +1,5 @@
 #include "host/cli/commands/commands.h"
-#include "host/cli/nearest.h"
+#include "host/session/nearest.h"
 #include "quindle/plan/QuindleOperation.h"
 
 #include <CLI/App.hpp>

@@ -1,5 +1,5 @@
-#include "host/cli/Collection.h"
 #include "host/cli/commands/commands.h"
+#include "host/session/Collection.h"
 #include "quindle/library/QuindleFiles.h"
 #include "quindle/library/entryNames.h"
 

@@ -3,7 +3,7 @@
 #include "host/cli/commands/commands.h"
 #include "host/cli/helpTopics.h"
 #include "host/cli/manPage.h"
-#include "host/cli/nearest.h"
+#include "host/session/nearest.h"
 
 #include <fmt/format.h>
 

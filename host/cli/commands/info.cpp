@@ -1,6 +1,6 @@
+#include "files/Interruption.h"
 #include "host/cli/commands/commands.h"
-#include "host/points/Interruption.h"
-#include "host/points/cloudInfo.h"
+#include "host/clouds/cloudInfo.h"
 
 #include <CLI/App.hpp>
 #include <fmt/format.h>

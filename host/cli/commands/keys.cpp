@@ -1,6 +1,6 @@
-#include "host/cli/Collection.h"
 #include "host/cli/commands/commands.h"
 #include "host/cli/entryTable.h"
+#include "host/session/Collection.h"
 #include "quindle/library/QuindleShortcuts.h"
 
 #include <CLI/App.hpp>

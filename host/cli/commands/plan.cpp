@@ -1,6 +1,6 @@
-#include "host/cli/QuindleSource.h"
 #include "host/cli/commands/commands.h"
 #include "host/cli/selects.h"
+#include "host/session/QuindleSource.h"
 #include "quindle/core/Tree.h"
 #include "quindle/plan/conditionCosts.h"
 

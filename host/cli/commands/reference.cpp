@@ -1,6 +1,6 @@
 #include "host/cli/Pager.h"
 #include "host/cli/commands/commands.h"
-#include "host/cli/nearest.h"
+#include "host/session/nearest.h"
 #include "quindle/reference/QuindleReference.h"
 
 #include <CLI/App.hpp>

@@ -1,6 +1,6 @@
 #include "host/cli/commands/commands.h"
-#include "host/cli/nearest.h"
-#include "host/objects/Scene.h"
+#include "host/session/Scene.h"
+#include "host/session/nearest.h"
 #include "quindle/reference/QuindleRegistry.h"
 #include "quindle/reference/maturity.h"
 

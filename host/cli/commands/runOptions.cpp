@@ -1,7 +1,7 @@
 #include "host/cli/commands/runOptions.h"
 
-#include "host/cli/QuindleSource.h"
-#include "host/points/Region.h"
+#include "host/regions/Region.h"
+#include "host/session/QuindleSource.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -1,6 +1,6 @@
+#include "files/Interruption.h"
 #include "host/cli/commands/commands.h"
-#include "host/points/Interruption.h"
-#include "host/points/SampleFiles.h"
+#include "host/sample/SampleFiles.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Validators.hpp>

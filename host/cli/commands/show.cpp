@@ -1,6 +1,6 @@
-#include "host/cli/Collection.h"
-#include "host/cli/QuindleSource.h"
 #include "host/cli/commands/commands.h"
+#include "host/session/Collection.h"
+#include "host/session/QuindleSource.h"
 
 #include <CLI/App.hpp>
 #include <nlohmann/json.hpp>

@@ -1,0 +1,211 @@
+#include "files/system.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <fcntl.h>
+#include <string_view>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Zamt::System {
+
+namespace {
+
+/// As many as the system follows itself.
+constexpr int maxLinks = 40;
+
+constexpr mode_t allPermissions = 07777;
+constexpr mode_t newFile = 0666;
+constexpr mode_t usualMask = 022;
+
+/// A used-up quota is a full disk to whoever is told.
+std::error_code lastError() { return {errno == EDQUOT ? ENOSPC : errno, std::generic_category()}; }
+
+/// Whether a file may not become that large. Asked beforehand, because trying ends the process by a signal.
+bool isBeyondLimit(std::uint64_t size) {
+  struct rlimit limit {};
+  return ::getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY && size > limit.rlim_cur;
+}
+
+/// The process's mask for new files. Asked of the kernel, since `umask` can only tell it by changing it,
+/// under the eyes of other threads.
+mode_t maskForNewFiles() {
+  const File status(::open("/proc/self/status", O_RDONLY | O_CLOEXEC));
+  std::array<char, 4096> text{};
+  const ssize_t got = status.isOpen() ? ::read(status.handle(), text.data(), text.size()) : -1;
+  if (got <= 0) return usualMask;
+  constexpr std::string_view label = "\nUmask:\t";
+  const std::string_view lines(text.data(), static_cast<std::size_t>(got));
+  const std::size_t at = lines.find(label);
+  unsigned mask = usualMask;
+  if (at != std::string_view::npos)
+    std::from_chars(lines.data() + at + label.size(), lines.data() + lines.size(), mask, 8);
+  return static_cast<mode_t>(mask);
+}
+
+/// Whether `file` is locked for this process alone, until it is closed or the process ends. File systems
+/// without locks leave every file to itself.
+bool hold(const File& file) { return ::flock(file.handle(), LOCK_EX | LOCK_NB) == 0; }
+bool holdUnlessImpossible(const File& file) { return hold(file) || errno != EWOULDBLOCK; }
+
+bool standsUnder(const File& file, const std::filesystem::path& path) {
+  struct stat opened {};
+  struct stat named {};
+  return ::fstat(file.handle(), &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
+/// Removes what stands at `path` if no process holds it.
+bool removeIfLeftBehind(const std::filesystem::path& path) {
+  const File left(::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+  return left.isOpen() && hold(left) && standsUnder(left, path) && ::unlink(path.c_str()) == 0;
+}
+
+} // namespace
+
+File& File::operator=(File&& other) noexcept {
+  if (this != &other) {
+    close();
+    handle_ = other.handle_;
+    other.handle_ = -1;
+  }
+  return *this;
+}
+
+std::error_code File::close() {
+  const bool good = handle_ < 0 || ::close(handle_) == 0;
+  handle_ = -1;
+  return good ? std::error_code() : lastError();
+}
+
+std::optional<std::filesystem::path> followLinks(std::filesystem::path path) {
+  for (int links = 0; links < maxLinks; ++links) {
+    std::error_code failed;
+    if (!std::filesystem::is_symlink(path, failed)) return path;
+    const std::filesystem::path target = std::filesystem::read_symlink(path, failed);
+    if (failed) return std::nullopt;
+    path = path.parent_path() / target;
+  }
+  return std::nullopt;
+}
+
+std::error_code lookForWriting(const std::filesystem::path& path, Occupant& occupant) {
+  occupant = {};
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return errno == ENOENT ? std::error_code() : lastError();
+  occupant.kind = S_ISREG(status.st_mode)   ? Occupant::Kind::File
+                  : S_ISDIR(status.st_mode) ? Occupant::Kind::Directory
+                  : S_ISCHR(status.st_mode) ? Occupant::Kind::Device
+                                            : Occupant::Kind::Other;
+  if (occupant.kind != Occupant::Kind::File) return {};
+  occupant.shared = status.st_nlink > 1;
+  occupant.permissions = status.st_mode & allPermissions;
+  occupant.owner = status.st_uid;
+  occupant.group = status.st_gid;
+  // Asked by opening, since the system alone knows all that may forbid it.
+  File file;
+  return openForWriting(path, file);
+}
+
+bool mayReplace(const std::filesystem::path& path, const Occupant& occupant) {
+  const std::filesystem::path directory = path.has_parent_path() ? path.parent_path() : ".";
+  struct stat status {};
+  if (::stat(directory.c_str(), &status) != 0) return false;
+  if (::faccessat(AT_FDCWD, directory.c_str(), W_OK | X_OK, AT_EACCESS) != 0) return false;
+  const bool sticky = (status.st_mode & S_ISVTX) != 0 && occupant.kind == Occupant::Kind::File;
+  const uid_t user = ::geteuid();
+  return !sticky || user == 0 || user == status.st_uid || user == occupant.owner;
+}
+
+std::error_code openForWriting(const std::filesystem::path& path, File& file) {
+  file = File(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW));
+  return file.isOpen() ? std::error_code() : lastError();
+}
+
+std::error_code createHeld(const std::filesystem::path& path, File& file) {
+  constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
+  constexpr mode_t narrow = S_IRUSR | S_IWUSR;
+  file = File(::open(path.c_str(), flags, narrow));
+  if (!file.isOpen() && errno == EEXIST && removeIfLeftBehind(path))
+    file = File(::open(path.c_str(), flags, narrow));
+  if (!file.isOpen()) return lastError();
+  // Between making and holding it, it looks like one that was left behind.
+  if (holdUnlessImpossible(file) && standsUnder(file, path)) return {};
+  file.close();
+  return std::make_error_code(std::errc::file_exists);
+}
+
+std::error_code givePermissions(const File& file, const Occupant& replaced) {
+  if (replaced.kind != Occupant::Kind::File)
+    return ::fchmod(file.handle(), newFile & ~maskForNewFiles()) == 0 ? std::error_code() : lastError();
+  // Only the superuser may give files away, so that failing to is usual.
+  if (::fchown(file.handle(), replaced.owner, replaced.group) != 0) errno = 0;
+  return ::fchmod(file.handle(), replaced.permissions) == 0 ? std::error_code() : lastError();
+}
+
+std::error_code reserve(const File& file, std::uint64_t size) {
+  if (isBeyondLimit(size)) return std::make_error_code(std::errc::file_too_large);
+  if (::fallocate(file.handle(), 0, 0, static_cast<off_t>(size)) == 0) return {};
+  // File systems that can't reserve say so when they are full.
+  const std::error_code code = lastError();
+  return code == std::errc::no_space_on_device || code == std::errc::file_too_large ? code
+                                                                                    : std::error_code();
+}
+
+std::error_code writeAt(const File& file, std::uint64_t offset, std::span<const std::byte> bytes,
+                        std::size_t& written) {
+  written = 0;
+  if (isBeyondLimit(offset + bytes.size())) return std::make_error_code(std::errc::file_too_large);
+  ssize_t taken = -1;
+  do {
+    taken = ::pwrite(file.handle(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+  } while (taken < 0 && errno == EINTR);
+  if (taken < 0) return lastError();
+  if (taken == 0 && !bytes.empty()) return std::make_error_code(std::errc::no_space_on_device);
+  written = static_cast<std::size_t>(taken);
+  return {};
+}
+
+std::error_code append(const File& file, std::span<const std::byte> bytes) {
+  while (!bytes.empty()) {
+    const ssize_t taken = ::write(file.handle(), bytes.data(), bytes.size());
+    if (taken < 0 && errno == EINTR) continue;
+    if (taken < 0) return lastError();
+    if (taken == 0) return std::make_error_code(std::errc::no_space_on_device);
+    bytes = bytes.subspan(static_cast<std::size_t>(taken));
+  }
+  return {};
+}
+
+std::error_code cut(const File& file, std::uint64_t size) {
+  return ::ftruncate(file.handle(), static_cast<off_t>(size)) == 0 ? std::error_code() : lastError();
+}
+
+void startFlush([[maybe_unused]] const File& file, [[maybe_unused]] std::uint64_t offset,
+                [[maybe_unused]] std::uint64_t size) {
+#if defined(SYNC_FILE_RANGE_WRITE)
+  ::sync_file_range(file.handle(), static_cast<off_t>(offset), static_cast<off_t>(size),
+                    SYNC_FILE_RANGE_WRITE);
+#endif
+}
+
+std::error_code flush(const File& file) {
+  return ::fdatasync(file.handle()) == 0 ? std::error_code() : lastError();
+}
+
+std::error_code rename(const std::filesystem::path& from, const std::filesystem::path& to) {
+  return ::rename(from.c_str(), to.c_str()) == 0 ? std::error_code() : lastError();
+}
+
+void flushDirectory(const std::filesystem::path& directory) {
+  const File folder(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (folder.isOpen()) ::fsync(folder.handle());
+}
+
+void remove(const char* path) noexcept { ::unlink(path); }
+
+} // namespace Zamt::System

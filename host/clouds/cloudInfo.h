@@ -1,0 +1,45 @@
+#pragma once
+
+#include "host/clouds/PointCloud.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Zamt::Host {
+
+/// The values of one field over all points and components.
+struct FieldRange {
+  std::string name;
+  FieldType type = FieldType::U8;
+  unsigned components = 1;
+  bool hasValues =
+      false;       ///< Whether any point has a value that is a number; else the two below mean nothing.
+  double low = 0;  ///< Scale and origin applied,
+  double high = 0; ///< likewise.
+};
+
+struct ClassCount {
+  std::uint8_t number = 0;
+  std::string name; ///< The file's own, else the standard's; may be empty.
+  std::uint64_t points = 0;
+};
+
+/// What a cloud holds.
+struct CloudInfo {
+  unsigned versionMinor = 0;
+  unsigned pointFormat = 0;
+  std::uint64_t points = 0;
+  Bounds bounds;                   ///< Of the points themselves, not what the header says; world units.
+  std::vector<FieldRange> fields;  ///< In the order of the record.
+  std::vector<ClassCount> classes; ///< Those that occur, in number order.
+};
+
+/// Works out what the cloud holds, in one pass over its points. False when the user interrupted, with a
+/// sentence in `problem`.
+bool inspectCloud(const PointCloud& cloud, CloudInfo& info, std::string& problem);
+
+/// How a type is called: "uint8", "int8", ..., "float", "double".
+const char* nameOfType(FieldType type);
+
+} // namespace Zamt::Host

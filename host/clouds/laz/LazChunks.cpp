@@ -1,0 +1,205 @@
+#include "host/clouds/laz/LazChunks.h"
+
+#include "host/clouds/laz/IntegerCoder.h"
+#include "host/clouds/laz/LazDecoder.h"
+#include "host/clouds/laz/PointLayers.h"
+#include "host/clouds/laz/RangeDecoder.h"
+#include "host/clouds/laz/RangeEncoder.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+
+namespace Zamt::Host {
+
+using namespace Laz;
+
+namespace {
+
+constexpr std::size_t tableHead = 8;
+
+/// Codes the numbers of a chunk table, each predicted by that of the chunk before.
+template <class Coder>
+class TableCoder {
+public:
+  explicit TableCoder(bool hasCounts_) : hasCounts(hasCounts_) { numbers.reset(); }
+
+  void code(Coder& coder, std::uint32_t& count, std::uint32_t& bytes) {
+    if (hasCounts) count = lastCount = numbers.code(coder, lastCount, count, 0);
+    bytes = lastBytes = numbers.code(coder, lastBytes, bytes, 1);
+  }
+
+private:
+  bool hasCounts;
+  std::uint32_t lastCount = 0;
+  std::uint32_t lastBytes = 0;
+  IntegerCoder<Coder, 32, 2> numbers;
+};
+
+/// Finds the chunks of one file.
+class ChunkFinder {
+public:
+  ChunkFinder(const LazFormat& format_, std::span<const std::byte> file_, const LazPointData& data_)
+      : format(format_), file(file_), data(data_), firstChunk(data_.offset + sizeof(std::int64_t)) {}
+
+  std::string find(LazChunks& found) {
+    if (firstChunk < data.offset || firstChunk > file.size()) return "it ends before its first chunk";
+    if (readAnyTable(found)) return {};
+    // A file without points may end behind a place that says nothing.
+    if (data.points == 0) {
+      found = {{}, false, firstChunk};
+      return {};
+    }
+    if (format.isVariable()) return problem + ", and without it chunks of different sizes can't be found";
+    return walk(found);
+  }
+
+private:
+  bool readAnyTable(LazChunks& found) {
+    const auto place = load<std::int64_t>(&file[data.offset]);
+    const auto at = static_cast<std::uint64_t>(place);
+    if (place == -1) {
+      problem = "its compressor could not say where the chunk table is";
+      return readTableSaidAt(file.size(), found) ||
+             (data.evlrStart != 0 && readTableSaidAt(data.evlrStart, found));
+    }
+    if (at == data.offset) {
+      problem = "it has no chunk table, since its compressor was interrupted";
+      return false;
+    }
+    return readTable(at, found);
+  }
+
+  /// Reads the table whose place lies in the eight bytes before `end`; these then belong to the table.
+  bool readTableSaidAt(std::uint64_t end, LazChunks& found) {
+    if (end > file.size() || end < firstChunk + tableHead + sizeof(std::int64_t)) return false;
+    if (!readTable(load<std::uint64_t>(&file[end - sizeof(std::int64_t)]), found)) return false;
+    if (found.end + sizeof(std::int64_t) == end) found.end = end;
+    return true;
+  }
+
+  bool readTable(std::uint64_t at, LazChunks& found) {
+    problem = "its chunk table is damaged";
+    if (at < firstChunk || at > file.size() - tableHead) return false;
+    const auto count = load<std::uint32_t>(&file[at + 4]);
+    if (load<std::uint32_t>(&file[at]) != 0) return false;
+    if (count > (at - firstChunk) / format.smallestChunk()) return false;
+    if (count == 0 && data.points != 0) return false;
+    found = {{}, true, at + tableHead};
+    return count == 0 || readChunks(at, count, found);
+  }
+
+  bool readChunks(std::uint64_t table, std::uint32_t count, LazChunks& found) {
+    StreamBytes stream;
+    RangeDecoder coder;
+    coder.start(stream, file.subspan(table + tableHead));
+    auto numbers = std::make_unique<TableCoder<RangeDecoder>>(format.isVariable());
+    LazChunk next{0, 0, firstChunk, 0};
+    for (std::uint32_t i = 0; i < count; ++i) {
+      std::uint32_t bytes = 0;
+      numbers->code(coder, next.points, bytes);
+      if (!format.isVariable()) next.points = pointsOfChunkAt(next.firstPoint);
+      next.size = bytes;
+      if (!coder.proceed() || coder.isBroken() || !isPossible(next, table)) return false;
+      found.chunks.push_back(next);
+      next.firstPoint += next.points;
+      next.offset += next.size;
+    }
+    found.end += coder.consumed();
+    // A gap before the table may be; but where a walk can tell, a table with one is more likely wrong.
+    return next.firstPoint == data.points && (next.offset == table || format.isVariable());
+  }
+
+  std::uint32_t pointsOfChunkAt(std::uint64_t point) const {
+    const std::uint64_t rest = data.points - std::min(point, data.points);
+    return static_cast<std::uint32_t>(std::min<std::uint64_t>(rest, format.chunkSize));
+  }
+
+  bool isPossible(const LazChunk& chunk, std::uint64_t end) const {
+    return chunk.points > 0 && chunk.points <= data.points - chunk.firstPoint &&
+           chunk.size >= format.smallestChunk() && chunk.size <= end - chunk.offset &&
+           (chunk.points - 1) / mostPointsPerByte < chunk.size;
+  }
+
+  /// Goes from chunk to chunk, all of which have as many points.
+  std::string walk(LazChunks& found) {
+    found = {{}, false, firstChunk};
+    LazDecoder decoder(format);
+    LazChunk next{0, 0, firstChunk, 0};
+    while (next.firstPoint < data.points) {
+      next.points = pointsOfChunkAt(next.firstPoint);
+      std::string damage = measure(decoder, next);
+      if (damage.empty() && !isPossible(next, file.size())) damage = "there are too few bytes for its points";
+      if (!damage.empty())
+        return problem + ", and in chunk " + std::to_string(found.chunks.size()) + ", at byte " +
+               std::to_string(next.offset) + ", " + damage;
+      found.chunks.push_back(next);
+      next.firstPoint += next.points;
+      next.offset += next.size;
+      found.end = next.offset;
+    }
+    return {};
+  }
+
+  /// Finds how many bytes a chunk has. Gives what is wrong with it; empty if nothing is.
+  std::string measure(LazDecoder& decoder, LazChunk& chunk) const {
+    const auto bytes = file.subspan(static_cast<std::size_t>(chunk.offset));
+    if (!format.isLayered()) return measureByDecoding(decoder, bytes, chunk);
+    LayeredChunk head;
+    if (!readLayeredChunk(format, bytes, head)) return "the file ends too early";
+    if (head.points != chunk.points)
+      return "there are " + std::to_string(head.points) + " points, where " + std::to_string(chunk.points) +
+             " are expected";
+    chunk.size = head.size;
+    return {};
+  }
+
+  std::string measureByDecoding(LazDecoder& decoder, std::span<const std::byte> bytes,
+                                LazChunk& chunk) const {
+    const std::vector<LazColumn> none(format.parts.size());
+    std::string damage;
+    if (!decoder.begin(bytes, chunk.points, none, false, damage)) return damage;
+    if (!decoder.next(chunk.points, none, damage)) return "the file ends too early";
+    if (decoder.consumed() > bytes.size()) return "the file ends too early";
+    chunk.size = decoder.consumed();
+    return {};
+  }
+
+  const LazFormat& format;
+  std::span<const std::byte> file;
+  LazPointData data;
+  std::uint64_t firstChunk;
+  std::string problem; ///< Why there is no table that can be used.
+};
+
+} // namespace
+
+bool findLazChunks(const LazFormat& format, std::span<const std::byte> file, const LazPointData& data,
+                   const std::string& path, LazChunks& found, std::string& error) {
+  const std::string problem = ChunkFinder(format, file, data).find(found);
+  if (problem.empty()) return true;
+  error = "The points of \"" + path + "\" can't be read: " + problem +
+          ". Fetch the file again from where it came.";
+  return false;
+}
+
+std::vector<std::byte> lazChunkTable(const LazFormat& format, std::span<const LazChunk> chunks) {
+  std::vector<std::byte> table(tableHead);
+  store(&table[4], static_cast<std::uint32_t>(chunks.size()));
+  if (chunks.empty()) return table;
+  GrowingBytes bytes;
+  RangeEncoder coder;
+  coder.start(bytes);
+  auto numbers = std::make_unique<TableCoder<RangeEncoder>>(format.isVariable());
+  for (const LazChunk& chunk : chunks) {
+    std::uint32_t count = chunk.points;
+    auto size = static_cast<std::uint32_t>(chunk.size);
+    coder.proceed();
+    numbers->code(coder, count, size);
+  }
+  const auto stream = coder.finish();
+  table.insert(table.end(), stream.begin(), stream.end());
+  return table;
+}
+
+} // namespace Zamt::Host

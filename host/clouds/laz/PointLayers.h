@@ -1,0 +1,104 @@
+#pragma once
+
+#include "host/clouds/laz/LazFormat.h"
+#include "host/clouds/laz/RangeDecoder.h"
+#include "host/clouds/laz/RangeEncoder.h"
+#include "host/clouds/laz/ReturnLayer.h"
+#include "host/clouds/laz/layers.h"
+
+#include <optional>
+#include <vector>
+
+// A chunk of points of formats 6 to 10:
+//
+//   the first point, as the record stores it
+//   u32 number of points, the first one included
+//   u32 bytes of each layer
+//   the layers, each a stream of its own
+//
+// A layer without bytes says that all points have the value of the first one. The core of a point has nine
+// layers (`PointLayers` has their order); colour, infrared, wave packet and each extra byte have one.
+
+namespace Zamt::Host::Laz {
+
+inline constexpr std::size_t returnLayer = 0;
+inline constexpr std::size_t classLayer = 2;
+inline constexpr std::size_t firstItemLayer = 9;
+inline constexpr std::size_t firstItemPart =
+    11; ///< Of LazFormat::parts, which the layers from there on follow.
+
+/// The head of a chunk.
+struct LayeredChunk {
+  std::uint32_t points = 0;
+  std::vector<std::span<const std::byte>> layers;
+  std::size_t size = 0; ///< All bytes up to the end of the last layer.
+};
+
+/// Reads the head of the chunk that these bytes start with. False when it does not lie within them.
+bool readLayeredChunk(const LazFormat& format, std::span<const std::byte> bytes, LayeredChunk& chunk);
+
+/// The coders of all layers of a point.
+template <class Coder>
+class PointLayers {
+public:
+  explicit PointLayers(const LazFormat& format) {
+    for (const LazItem& item : format.items) add(item);
+  }
+
+  /// Calls `visit(layer number, part number, coder of the layer)` for all layers but the first, in their
+  /// order.
+  template <class Visit>
+  void each(Visit visit) {
+    visit(1, 2, z);
+    visit(classLayer, 6, classes);
+    visit(3, 5, flags);
+    visit(4, 3, intensities);
+    visit(5, 8, angles);
+    visit(6, 7, users);
+    visit(7, 9, sources);
+    visit(8, 10, times);
+    std::size_t layer = firstItemLayer;
+    const auto visitItem = [&](auto& item) {
+      visit(layer, layer - firstItemLayer + firstItemPart, item);
+      ++layer;
+    };
+    if (colours) visitItem(*colours);
+    if (infrareds) visitItem(*infrareds);
+    if (packets) visitItem(*packets);
+    for (auto& bytes : extraBytes) visitItem(bytes);
+  }
+
+  ReturnLayer<Coder> returns;
+  bool hasOddChannels = false; ///< Items behind the core are of version 3 or older.
+
+private:
+  void add(const LazItem& item) {
+    if (item.type == LazItemType::Point14) {
+      hasOddChannels = item.version <= 3;
+      return;
+    }
+    if (item.type == LazItemType::Bytes14) {
+      extraBytes.resize(item.size);
+    } else if (item.type == LazItemType::WavePacket14) {
+      packets.emplace();
+    } else {
+      colours.emplace();
+      if (item.type == LazItemType::ColourInfrared14) infrareds.emplace();
+    }
+  }
+
+  ChannelLayer<Coder, ZLayer<Coder>> z;
+  ChannelLayer<Coder, ClassLayer<Coder>> classes;
+  ChannelLayer<Coder, FlagLayer<Coder>> flags;
+  ChannelLayer<Coder, IntensityLayer<Coder>> intensities;
+  ChannelLayer<Coder, AngleLayer<Coder>> angles;
+  ChannelLayer<Coder, UserLayer<Coder>> users;
+  ChannelLayer<Coder, SourceLayer<Coder>> sources;
+  ChannelLayer<Coder, TimeLayer<Coder>> times;
+  std::optional<ItemLayer<Coder, ColourCoder<Coder>, Colour>> colours;
+  std::optional<ItemLayer<Coder, InfraredCoder<Coder>, std::uint16_t>> infrareds;
+  std::optional<ItemLayer<Coder, WavePacketCoder<Coder>, WavePacket>> packets;
+  std::vector<ItemLayer<Coder, ExtraByteCoder<Coder>, std::uint8_t>> extraBytes;
+};
+
+} // namespace Zamt::Host::Laz

@@ -1,0 +1,156 @@
+#pragma once
+
+#include "host/clouds/laz/SymbolModel.h"
+#include "host/clouds/laz/bytes.h"
+
+#include <cstring>
+#include <memory>
+#include <span>
+
+namespace Zamt::Host::Laz {
+
+/// The bytes of a stream while it grows.
+class GrowingBytes {
+public:
+  std::byte* begin() { return bytes.get(); }
+  std::byte* end() { return bytes.get() + capacity; }
+  std::size_t room() const { return capacity; }
+
+  /// Makes it larger, keeping the first `used` bytes.
+  void grow(std::size_t used) {
+    const std::size_t larger = std::max<std::size_t>(4096, 2 * capacity);
+    auto grown = std::make_unique_for_overwrite<std::byte[]>(larger);
+    if (used > 0) std::memcpy(grown.get(), bytes.get(), used);
+    bytes = std::move(grown);
+    capacity = larger;
+  }
+
+private:
+  std::unique_ptr<std::byte[]> bytes;
+  std::size_t capacity = 0;
+};
+
+/// Encodes one stream. The counterpart of RangeDecoder, call by call, so that one text of an item's coding
+/// serves both: each call takes what is to be written and gives it back.
+class RangeEncoder {
+public:
+  static constexpr bool encodes = true;
+  /// What may be put out between two calls of `proceed`.
+  static constexpr std::size_t stride = 124;
+  template <unsigned Capacity>
+  using Model = SymbolModel<Capacity, false>;
+
+  /// `target` must outlive the encoder; what it held is overwritten.
+  void start(GrowingBytes& target) {
+    output = &target;
+    if (output->room() == 0) output->grow(0);
+    at = output->begin();
+    limit = output->end() - tailRoom;
+    base = 0;
+    length = 0xFFFFFFFF;
+  }
+
+  /// To be called at least every `stride` bytes: makes room. Always true.
+  bool proceed() {
+    if (at > limit) [[unlikely]]
+      makeRoom();
+    return true;
+  }
+
+  /// Ends the stream and gives its bytes, which stay until the next `start`.
+  std::span<const std::byte> finish() {
+    proceed();
+    const bool wide = length > 1U << 25;
+    add(wide ? 1U << 24 : 1U << 23);
+    length = wide ? 1U << 23 : 1U << 15;
+    renormalise();
+    const std::size_t zeros = wide ? 3 : 2;
+    for (std::size_t i = 0; i < zeros; ++i) *at++ = std::byte{0};
+    return {output->begin(), at};
+  }
+
+  template <unsigned Capacity>
+  unsigned symbol(Model<Capacity>& model, unsigned symbol) {
+    model.prepare();
+    return preparedSymbol(model, symbol);
+  }
+
+  template <unsigned Capacity>
+  unsigned preparedSymbol(Model<Capacity>& model, unsigned symbol) {
+    const std::uint32_t step = length >> 15;
+    const std::uint32_t low = model.starts[symbol] * step;
+    const std::uint32_t high = symbol == model.last ? length : model.starts[symbol + 1] * step;
+    add(low);
+    length = high - low;
+    renormalise();
+    model.learn(symbol);
+    return symbol;
+  }
+
+  bool bit(BitModel& model, bool one) {
+    const std::uint32_t zeros = model.zeroShare * (length >> 13);
+    if (one) add(zeros);
+    length = one ? length - zeros : zeros;
+    renormalise();
+    model.learn(one);
+    return one;
+  }
+
+  /// The lowest `bits` bits of `value`, the others being 0; `bits` from 1 to 32.
+  std::uint32_t raw(unsigned bits, std::uint32_t value) {
+    if (bits <= 19) {
+      fewRaw(bits, value);
+    } else {
+      fewRaw(16, value & 0xFFFF);
+      fewRaw(bits - 16, value >> 16);
+    }
+    return value;
+  }
+
+private:
+  static constexpr std::size_t tailRoom = stride + 8;
+
+  void fewRaw(unsigned bits, std::uint32_t value) {
+    length >>= bits;
+    add(value * length);
+    renormalise<3>();
+  }
+
+  void add(std::uint32_t amount) {
+    base += amount;
+    if (base < amount) [[unlikely]]
+      carry();
+  }
+
+  // The sum of all that is added stays below one, so that the carry never passes the first byte.
+  void carry() {
+    std::byte* p = at - 1;
+    for (; *p == std::byte{0xFF}; --p) *p = std::byte{0};
+    *p = static_cast<std::byte>(std::to_integer<unsigned>(*p) + 1);
+  }
+
+  template <unsigned Most = 2>
+  void renormalise() {
+    unsigned bytes = (length < 1U << 24 ? 1U : 0U) + (length < 1U << 16 ? 1U : 0U);
+    if constexpr (Most == 3) bytes += length < 1U << 8 ? 1 : 0;
+    storeBigEndian(at, base);
+    at += bytes;
+    base <<= 8 * bytes;
+    length <<= 8 * bytes;
+  }
+
+  [[gnu::noinline]] void makeRoom() {
+    const auto used = static_cast<std::size_t>(at - output->begin());
+    output->grow(used);
+    at = output->begin() + used;
+    limit = output->end() - tailRoom;
+  }
+
+  std::uint32_t base = 0;
+  std::uint32_t length = 0;
+  std::byte* at = nullptr;
+  std::byte* limit = nullptr;
+  GrowingBytes* output = nullptr;
+};
+
+} // namespace Zamt::Host::Laz

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "host/filters/PointFilter.h"
+#include "host/surfaces/Surface.h"
+
+#include <memory>
+#include <string>
+
+namespace Zamt::Host {
+
+/// Points this near to the surface, in world units, lie on it: neither above nor below. The coordinates of
+/// points and surface are rounded to at most that, so a smaller distance says nothing.
+inline constexpr double onSurfaceDistance = 1e-6;
+
+/// A filter for the points more than `margin` (world units) above the surface, or below it. With several
+/// sheets the one nearest in height counts. Points that no triangle covers in plan never match. Null, with a
+/// sentence in `problem`, when the cloud or the margin can't be used. `cloud` must outlive the filter.
+std::shared_ptr<const PointFilter> makeSurfaceFilter(const PointCloud& cloud,
+                                                     std::shared_ptr<const Surface> surface, bool above,
+                                                     double margin, std::string& problem);
+
+} // namespace Zamt::Host

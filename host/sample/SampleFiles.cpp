@@ -1,0 +1,34 @@
+#include "host/sample/SampleFiles.h"
+
+#include "host/clouds/las/LasBuilder.h"
+#include "host/surfaces/SurfaceFile.h"
+
+namespace Zamt::Host {
+
+namespace {
+
+void fillPoint(const SamplePoint& from, NewPoint& to) {
+  to.position = {from.x, from.y, from.z};
+  to.intensity = from.intensity;
+  to.returnNumber = from.returnNumber;
+  to.numberOfReturns = from.returns;
+  to.classification = from.classNumber;
+  to.gpsTime = from.gpsTime;
+  to.pointSourceId = 1;
+  to.extra = {static_cast<double>(from.amplitude), static_cast<double>(from.normal[0]),
+              static_cast<double>(from.normal[1]), static_cast<double>(from.normal[2])};
+}
+
+} // namespace
+
+bool writeSample(const SampleScene& scene, const std::string& cloudPath, const std::string& surfacePath,
+                 std::string& problem) {
+  NewCloud cloud;
+  cloud.origin = {sampleOrigin[0], sampleOrigin[1], 0};
+  cloud.extraFields = {{"Amplitude", FieldType::F32, 1}, {"NormalVector", FieldType::F32, 3}};
+  const auto fill = [&scene](std::uint64_t index, NewPoint& point) { fillPoint(scene.points[index], point); };
+  return writePly(surfacePath, scene.water, problem) &&
+         buildLas(cloud, scene.points.size(), fill, cloudPath, problem);
+}
+
+} // namespace Zamt::Host

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "host/sample/SampleScene.h"
+
+#include <string>
+
+namespace Zamt::Host {
+
+/// Writes a scene as a LAS 1.4 file with the extra fields "Amplitude" and, of three components,
+/// "NormalVector", and its water as a PLY file. False, with a sentence in `problem`, when one of them can't
+/// be written.
+bool writeSample(const SampleScene& scene, const std::string& cloudPath, const std::string& surfacePath,
+                 std::string& problem);
+
+} // namespace Zamt::Host

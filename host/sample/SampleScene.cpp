@@ -1,0 +1,355 @@
+#include "host/sample/SampleScene.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace Zamt::Host {
+
+namespace {
+
+/// The standard classes that occur.
+enum Class : std::uint8_t {
+  Unclassified = 1,
+  Ground = 2,
+  LowPlants = 3,
+  MediumPlants = 4,
+  HighPlants = 5,
+  Building = 6,
+  Water = 9
+};
+
+/// splitmix64, by Steele, Lea and Flood, "Fast splittable pseudorandom number generators", 2014.
+std::uint64_t mix(std::uint64_t value) {
+  value = (value ^ (value >> 30)) * 0xbf58476d1ce4e5b9ULL;
+  value = (value ^ (value >> 27)) * 0x94d049bb133111ebULL;
+  return value ^ (value >> 31);
+}
+
+/// 53 bits to [0, 1).
+double toUnit(std::uint64_t bits) { return static_cast<double>(bits >> 11) * 0x1p-53; }
+
+/// Compilers differ in which operand or argument they work out first, so no expression draws twice: the scene
+/// has to be the same whoever built the program.
+class Random {
+public:
+  explicit Random(std::uint64_t seed) : state(seed) {}
+
+  double unit() {
+    state += 0x9e3779b97f4a7c15ULL;
+    return toUnit(mix(state));
+  }
+  double between(double low, double high) { return low + (high - low) * unit(); }
+  bool chance(double probability) { return unit() < probability; }
+
+  /// Bell-shaped with about this deviation, never more than 3.5 times of it away.
+  double around(double mean, double deviation) {
+    double sum = 0;
+    for (int i = 0; i < 4; ++i) sum += unit();
+    return mean + (sum - 2) * 1.732 * deviation;
+  }
+
+  std::array<double, 3> direction() {
+    for (;;) {
+      const std::array<double, 3> v{between(-1, 1), between(-1, 1), between(-1, 1)};
+      const double square = v[0] * v[0] + v[1] * v[1] + v[2] * v[2];
+      if (square > 1 || square < 0.01) continue;
+      const double length = std::sqrt(square);
+      return {v[0] / length, v[1] / length, v[2] / length};
+    }
+  }
+
+private:
+  std::uint64_t state;
+};
+
+double smooth(double t) { return t * t * (3 - 2 * t); }
+
+/// Value noise from 0 to 1 over a lattice of this spacing.
+double noiseAt(double x, double y, double spacing, std::uint64_t seed) {
+  const double column = std::floor(x / spacing);
+  const double row = std::floor(y / spacing);
+  const auto corner = [&](int right, int up) {
+    const auto cx = static_cast<std::uint64_t>(static_cast<std::int64_t>(column) + right);
+    const auto cy = static_cast<std::uint64_t>(static_cast<std::int64_t>(row) + up);
+    return toUnit(mix(seed ^ mix(cx * 0x9e3779b97f4a7c15ULL + mix(cy))));
+  };
+  const double tx = smooth(x / spacing - column);
+  const double ty = smooth(y / spacing - row);
+  const double south = corner(0, 0) + (corner(1, 0) - corner(0, 0)) * tx;
+  const double north = corner(0, 1) + (corner(1, 1) - corner(0, 1)) * tx;
+  return south + (north - south) * ty;
+}
+
+/// A house on a rectangle, with a gable roof whose ridge runs along y in the middle.
+struct House {
+  double west, south, width, depth, floor, eaves, ridge;
+
+  bool covers(double x, double y) const {
+    return x >= west && x <= west + width && y >= south && y <= south + depth;
+  }
+  double roofSlope() const { return (ridge - eaves) / (width / 2); }
+  double roofAt(double x) const { return ridge - roofSlope() * std::abs(x - (west + width / 2)); }
+};
+
+struct Tree {
+  double x, y, foot, height, radius;
+};
+
+struct Ellipse {
+  double x, y, rx, ry;
+
+  /// 0 in the middle, 1 on the line; squared, as that needs no root.
+  double squareAt(double px, double py) const {
+    const double dx = (px - x) / rx;
+    const double dy = (py - y) / ry;
+    return dx * dx + dy * dy;
+  }
+};
+
+constexpr Ellipse basin{62, 98, 46, 38};
+constexpr std::size_t houseCount = 7;
+constexpr std::size_t treeCount = 70;
+
+/// How much of the survey goes to what.
+constexpr double noiseShare = 0.003;
+constexpr double wallShare = 0.08;
+constexpr double treeShare = 0.16;
+constexpr double shrubShare = 0.10;
+
+/// Positions here are relative to the scene's corner.
+class Maker {
+public:
+  explicit Maker(std::uint64_t start) : seed(mix(start)), random(seed) {
+    placeHouses();
+    placeTrees();
+  }
+
+  SamplePoint next() {
+    const double kind = random.unit();
+    if (kind < noiseShare) return noise();
+    if (kind < noiseShare + wallShare) return wall();
+    if (kind < noiseShare + wallShare + treeShare) return treeCrown();
+    if (kind < noiseShare + wallShare + treeShare + shrubShare) return shrub();
+    return open();
+  }
+
+private:
+  /// Above the water everywhere outside of the basin.
+  double groundAt(double x, double y) const {
+    const double rolling = 4.5 * noiseAt(x, y, 55, seed) + 0.7 * noiseAt(x, y, 13, seed + 1);
+    const double square = basin.squareAt(x, y);
+    const double bowl = square < 1 ? 9 * (1 - square) * (1 - square) : 0;
+    return sampleWaterLevel + 0.6 + rolling - bowl;
+  }
+
+  std::array<double, 3> groundNormal(double x, double y) const {
+    const double dx = (groundAt(x + 0.5, y) - groundAt(x - 0.5, y));
+    const double dy = (groundAt(x, y + 0.5) - groundAt(x, y - 0.5));
+    const double length = std::sqrt(dx * dx + dy * dy + 1);
+    return {-dx / length, -dy / length, 1 / length};
+  }
+
+  bool isWater(double x, double y) const {
+    return basin.squareAt(x, y) < 1 && groundAt(x, y) < sampleWaterLevel;
+  }
+
+  const House* houseAt(double x, double y) const {
+    for (const House& house : houses)
+      if (house.covers(x, y)) return &house;
+    return nullptr;
+  }
+
+  void placeHouses() {
+    for (std::size_t i = 0; i < houseCount; ++i) {
+      const double column = static_cast<double>(i % 2);
+      const double row = std::floor(static_cast<double>(i) / 2);
+      House house{};
+      house.width = random.between(9, 14);
+      house.depth = random.between(12, 20);
+      house.west = 128 + column * 34 + random.between(0, 10);
+      house.south = 8 + row * 38 + random.between(0, 8);
+      house.floor = groundAt(house.west + house.width / 2, house.south + house.depth / 2) - 0.5;
+      house.eaves = house.floor + random.between(4, 8);
+      house.ridge = house.eaves + random.between(2, 4);
+      houses[i] = house;
+    }
+  }
+
+  void placeTrees() {
+    for (Tree& tree : trees) {
+      do {
+        tree.x = random.between(4, sampleSize[0] - 4);
+        tree.y = random.between(4, sampleSize[1] - 4);
+      } while (basin.squareAt(tree.x, tree.y) < 1 || houseAt(tree.x, tree.y) != nullptr);
+      tree.foot = groundAt(tree.x, tree.y);
+      tree.height = random.between(6, 19);
+      tree.radius = tree.height * random.between(0.18, 0.3);
+    }
+  }
+
+  /// A single return at a place, with what its material does to the light.
+  SamplePoint make(double x, double y, double z, const std::array<double, 3>& normal,
+                   std::uint8_t classNumber, double amplitude, double spread) {
+    SamplePoint point;
+    point.x = sampleOrigin[0] + std::clamp(x, 0.0, sampleSize[0]);
+    point.y = sampleOrigin[1] + std::clamp(y, 0.0, sampleSize[1]);
+    point.z = z + random.around(0, 0.02);
+    for (std::size_t i = 0; i < 3; ++i) point.normal[i] = static_cast<float>(normal[i]);
+    point.classNumber = classNumber;
+    const double received = std::clamp(random.around(amplitude, spread), 0.0, 255.0);
+    point.amplitude = static_cast<float>(std::floor(received * 10) / 10);
+    point.intensity = static_cast<std::uint16_t>(received * 220 + 500 * random.unit());
+    return point;
+  }
+
+  void setReturns(SamplePoint& point, double last) {
+    point.returns = static_cast<std::uint8_t>(2 + static_cast<int>(3 * random.unit()));
+    point.returnNumber =
+        random.chance(last)
+            ? point.returns
+            : static_cast<std::uint8_t>(1 + static_cast<int>((point.returns - 1) * random.unit()));
+  }
+
+  SamplePoint noise() {
+    const double x = random.between(0, sampleSize[0]);
+    const double y = random.between(0, sampleSize[1]);
+    const double off = random.chance(0.6) ? random.between(30, 120) : -random.between(8, 40);
+    const std::uint8_t classNumber = random.chance(0.5) ? Unclassified : Ground;
+    return make(x, y, groundAt(x, y) + off, random.direction(), classNumber, 6, 3);
+  }
+
+  SamplePoint wall() {
+    const House& house = houses[static_cast<std::size_t>(random.unit() * houseCount)];
+    const double side = random.unit() * (house.width + house.depth);
+    const bool alongX = side < house.width;
+    const bool far = random.chance(0.5);
+    const double x = alongX ? house.west + side : house.west + (far ? house.width : 0);
+    const double y = alongX ? house.south + (far ? house.depth : 0) : house.south + side - house.width;
+    const double top = alongX ? house.roofAt(x) : house.eaves;
+    const double outward = far ? 1 : -1;
+    const std::array<double, 3> normal{alongX ? 0 : outward, alongX ? outward : 0,
+                                       random.between(-0.05, 0.05)};
+    const std::uint8_t classNumber = random.chance(0.85) ? Unclassified : HighPlants;
+    const double foot = groundAt(x, y);
+    return make(x, y, random.between(std::min(foot, top), top), normal, classNumber, 120, 12);
+  }
+
+  SamplePoint treeCrown() {
+    const Tree& tree = trees[static_cast<std::size_t>(random.unit() * treeCount)];
+    const std::array<double, 3> out = random.direction();
+    const double inward = 0.5 * random.unit();
+    const double depth = 1 - inward * random.unit();
+    const double halfHeight = tree.height * 0.38;
+    const double x = tree.x + out[0] * tree.radius * depth;
+    const double y = tree.y + out[1] * tree.radius * depth;
+    const double z = tree.foot + tree.height - halfHeight + out[2] * halfHeight * depth;
+    SamplePoint point = make(x, y, z, random.direction(), HighPlants, 65, 14);
+    setReturns(point, 0.1);
+    return point;
+  }
+
+  /// A low or medium plant, on open land.
+  SamplePoint shrub() {
+    double x = 0;
+    double y = 0;
+    do {
+      x = random.between(0, sampleSize[0]);
+      y = random.between(0, sampleSize[1]);
+    } while (basin.squareAt(x, y) < 1 || houseAt(x, y) != nullptr || noiseAt(x, y, 18, seed + 2) < 0.45);
+    const bool low = random.chance(0.6);
+    const double height = low ? random.between(0.15, 0.9) : random.between(0.9, 3);
+    std::uint8_t classNumber = low ? LowPlants : MediumPlants;
+    if (low && random.chance(0.1)) classNumber = Ground;
+    SamplePoint point =
+        make(x, y, groundAt(x, y) + height, random.direction(), classNumber, low ? 78 : 70, low ? 8 : 12);
+    setReturns(point, 0.4);
+    return point;
+  }
+
+  /// Whatever a beam meets from above: water and what is under it, a roof, or the ground.
+  SamplePoint open() {
+    const double x = random.between(0, sampleSize[0]);
+    const double y = random.between(0, sampleSize[1]);
+    if (const House* house = houseAt(x, y)) return roof(*house, x, y);
+    if (isWater(x, y)) return lake(x, y);
+    return make(x, y, groundAt(x, y), groundNormal(x, y), Ground, 42, 8);
+  }
+
+  SamplePoint roof(const House& house, double x, double y) {
+    const double slope = x < house.west + house.width / 2 ? house.roofSlope() : -house.roofSlope();
+    const double length = std::sqrt(slope * slope + 1);
+    const std::uint8_t classNumber = random.chance(0.85) ? Building : Unclassified;
+    return make(x, y, house.roofAt(x), {-slope / length, 0, 1 / length}, classNumber, 150, 15);
+  }
+
+  SamplePoint lake(double x, double y) {
+    const bool surface = random.chance(0.45);
+    const double bottom = groundAt(x, y);
+    const double reached = 24 - 2 * (sampleWaterLevel - bottom);
+    SamplePoint point = surface ? make(x, y, sampleWaterLevel, {0, 0, 1}, Water, 9, 3)
+                                : make(x, y, bottom, groundNormal(x, y), Ground, reached, 4);
+    point.returns = 2;
+    point.returnNumber = surface ? 1 : 2;
+    return point;
+  }
+
+  std::uint64_t seed;
+  Random random;
+  std::array<House, houseCount> houses{};
+  std::array<Tree, treeCount> trees{};
+};
+
+/// The points in the order of flight, strips of this width running east, and the times that go with it.
+void flyStrips(std::vector<SamplePoint>& points) {
+  constexpr double stripWidth = 20;
+  constexpr double speed = 50;
+  constexpr double stripSeconds = 60;
+  constexpr double start = 350'000'000;
+  const auto stripOf = [](const SamplePoint& point) {
+    return std::floor((point.y - sampleOrigin[1]) / stripWidth);
+  };
+  std::stable_sort(points.begin(), points.end(), [&](const SamplePoint& a, const SamplePoint& b) {
+    return stripOf(a) != stripOf(b) ? stripOf(a) < stripOf(b) : a.x < b.x;
+  });
+  for (SamplePoint& point : points)
+    point.gpsTime = start + stripOf(point) * stripSeconds + (point.x - sampleOrigin[0]) / speed;
+}
+
+/// A fan over the whole basin. A point of the unit circle for t from 0 to 1 is ((1 - t^2) / (1 + t^2),
+/// 2t / (1 + t^2)), a quarter of it, which needs no sines.
+Mesh makeWater() {
+  constexpr std::uint32_t perQuarter = 16;
+  const double x = sampleOrigin[0] + basin.x;
+  const double y = sampleOrigin[1] + basin.y;
+  Mesh mesh;
+  mesh.vertices.push_back({x, y, sampleWaterLevel});
+  for (std::uint32_t i = 0; i < 4 * perQuarter; ++i) {
+    const double t = static_cast<double>(i % perQuarter) / perQuarter;
+    double c = (1 - t * t) / (1 + t * t);
+    double s = 2 * t / (1 + t * t);
+    for (std::uint32_t quarter = 0; quarter < i / perQuarter; ++quarter) {
+      const double turned = -s;
+      s = c;
+      c = turned;
+    }
+    mesh.vertices.push_back({x + c * basin.rx, y + s * basin.ry, sampleWaterLevel});
+  }
+  for (std::uint32_t i = 1; i <= 4 * perQuarter; ++i)
+    mesh.triangles.push_back({0, i, i % (4 * perQuarter) + 1});
+  return mesh;
+}
+
+} // namespace
+
+SampleScene makeSampleScene(std::uint64_t points, std::uint64_t seed) {
+  SampleScene scene;
+  scene.points.reserve(points);
+  Maker maker(seed);
+  for (std::uint64_t i = 0; i < points; ++i) scene.points.push_back(maker.next());
+  flyStrips(scene.points);
+  scene.water = makeWater();
+  return scene;
+}
+
+} // namespace Zamt::Host

@@ -1,0 +1,68 @@
+#include "host/session/nearest.h"
+
+#include "quindle/core/AsciiText.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace Zamt::Host {
+
+namespace {
+
+constexpr std::size_t offered = 3;
+
+/// Shorter words are inside of nearly everything.
+constexpr std::size_t leastPart = 3;
+
+/// How many bytes have to be put in, taken out or replaced to make one text the other.
+std::size_t editDistance(const std::string& a, const std::string& b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  for (std::size_t j = 0; j < row.size(); ++j) row[j] = j;
+  for (std::size_t i = 1; i <= a.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i);
+    for (std::size_t j = 1; j <= b.size(); ++j) {
+      const std::size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
+      diagonal = row[j];
+      row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+    }
+  }
+  return row[b.size()];
+}
+
+/// The distance of a name that is near; nothing if it is far, which most are by their length alone.
+std::optional<std::size_t> nearness(const std::string& wanted, const std::string& name) {
+  const std::size_t allowed =
+      std::max<std::size_t>(1, (wanted.size() + 1) / 3); // two letters swapped are two
+  const std::size_t difference =
+      wanted.size() > name.size() ? wanted.size() - name.size() : name.size() - wanted.size();
+  if (difference <= allowed)
+    if (const std::size_t distance = editDistance(wanted, name); distance <= allowed) return distance;
+  if (wanted.size() >= leastPart && name.find(wanted) != std::string::npos) return allowed + difference;
+  return std::nullopt;
+}
+
+} // namespace
+
+std::vector<std::string> nearestNames(std::string_view wanted, const std::vector<std::string>& names) {
+  const std::string low = lowered(wanted);
+  std::vector<std::pair<std::size_t, const std::string*>> near;
+  for (const std::string& name : names)
+    if (const auto distance = nearness(low, lowered(name))) near.emplace_back(*distance, &name);
+  std::stable_sort(near.begin(), near.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<std::string> best;
+  for (std::size_t i = 0; i < std::min(near.size(), offered); ++i) best.push_back(*near[i].second);
+  return best;
+}
+
+std::string didYouMean(std::string_view wanted, const std::vector<std::string>& names) {
+  const std::vector<std::string> best = nearestNames(wanted, names);
+  std::string sentence;
+  for (std::size_t i = 0; i < best.size(); ++i) {
+    sentence += i == 0 ? " Did you mean " : i + 1 < best.size() ? ", " : " or ";
+    sentence += '"' + best[i] + '"';
+  }
+  return sentence.empty() ? sentence : sentence + '?';
+}
+
+} // namespace Zamt::Host

@@ -1,0 +1,205 @@
+#include "host/clouds/las/LasLayout.h"
+#include "tests/clouds/CloudFiles.h"
+#include "tests/filters/FilterClouds.h"
+
+#include <cmath>
+
+namespace Zamt::Host {
+namespace {
+
+using Testing::numberAt;
+using Testing::putNumber;
+using Testing::readField;
+using Testing::readFile;
+
+std::shared_ptr<PointCloud> openWell(const std::string& path) {
+  std::string error;
+  auto cloud = PointCloud::open(path, error);
+  EXPECT_TRUE(cloud) << error;
+  return cloud;
+}
+
+std::string whyNotOpened(const std::string& path) {
+  std::string error;
+  EXPECT_FALSE(PointCloud::open(path, error));
+  return error;
+}
+
+class PointCloudTest : public Testing::CloudFiles {
+protected:
+  /// A sound file of ten points: format 6 with one extra field.
+  std::string soundFile() {
+    NewCloud description;
+    description.extraFields = {{"Height", FieldType::F32}};
+    description.classNames = {{7, "Noise"}};
+    const auto fill = [](std::uint64_t i, NewPoint& point) {
+      point.position = {static_cast<double>(i), 2, -3};
+      point.classification = static_cast<std::uint8_t>(200 + i);
+      point.scanAngle = -12;
+      point.extra[0] = 0.5 * static_cast<double>(i);
+    };
+    std::string error;
+    EXPECT_TRUE(buildLas(description, 10, fill, path("sound.las"), error)) << error;
+    return path("sound.las");
+  }
+};
+
+TEST_F(PointCloudTest, ReadsWhatItsOriginSaysOfEachFile) {
+  struct Case {
+    const char* file;
+    unsigned minor, format;
+    std::uint64_t points;
+    std::vector<unsigned> classes{}; ///< those that occur; not looked at when empty
+  };
+  const Case cases[] = {
+      {"autzen-thin.las", 2, 3, 10653, {1, 2}},
+      {"sample_c.las", 2, 3, 14408, {2, 3, 4, 5, 6, 11, 14, 31}},
+      {"extrabytes.las", 4, 3, 1065},
+      {"autzen-bmx-2023_pf7.las", 4, 7, 687},
+      {"epsg_4326_pf0.las", 2, 0, 5380},
+      {"wkt_and_geotiff_pf6.las", 4, 6, 25408, {2, 3, 4, 5, 6, 7}},
+      {"evlr_pf6.las", 4, 6, 1000},
+      {"vegetation_1_3.las", 3, 1, 10683},
+      {"waveform_pf4.las", 3, 4, 999},
+      {"bad_vlr_count.las", 2, 3, 10},
+      {"lots_of_vlr.las", 1, 1, 1},
+      {"no-points.las", 2, 3, 0},
+      {"gps-time-nan.las", 2, 1, 1},
+      {"perm_1.0_0.las", 0, 0, 1},
+      {"perm_1.2_2.las", 2, 2, 1},
+  };
+  REQUIRE_REAL_CLOUDS();
+  for (const Case& expected : cases) {
+    SCOPED_TRACE(expected.file);
+    const auto cloud = openWell(data(expected.file));
+    if (!cloud) continue;
+    EXPECT_EQ(cloud->versionMinor(), expected.minor);
+    EXPECT_EQ(cloud->pointFormat(), expected.format);
+    EXPECT_EQ(cloud->size(), expected.points);
+    const auto counts = cloud->countClasses();
+    std::vector<unsigned> classes;
+    for (unsigned number = 0; number < counts.size(); ++number)
+      if (counts[number] != 0) classes.push_back(number);
+    EXPECT_TRUE(expected.classes.empty() || classes == expected.classes);
+  }
+}
+
+TEST_F(PointCloudTest, ExtraBytesAgreeWithANaiveDecoding) {
+  REQUIRE_REAL_CLOUDS();
+  const auto cloud = openWell(data("extrabytes.las"));
+  ASSERT_TRUE(cloud);
+  const std::string bytes = readFile(data("extrabytes.las"));
+  EXPECT_FALSE(cloud->findField("Reserved"));
+  const auto blue = readField(*cloud, "Colors", 2);
+  const auto flag = readField(*cloud, "Flags", 1);
+  const auto brightness = readField(*cloud, "Intensity_2"); // the name is the standard's already
+  const auto times = readField(*cloud, "Time");
+  ASSERT_EQ(blue.size() + flag.size() + brightness.size() + times.size(), 4 * 1065U);
+  // 34 bytes of format 3; three u16, seven untyped bytes, two i8, one u32 and one u64 behind them.
+  for (std::size_t i = 0; i < 1065; ++i) {
+    const std::size_t at = 1389 + i * 61 + 34;
+    EXPECT_EQ(blue[i], numberAt<std::uint16_t>(bytes, at + 4));
+    EXPECT_EQ(flag[i], numberAt<std::int8_t>(bytes, at + 14));
+    EXPECT_EQ(brightness[i], numberAt<std::uint32_t>(bytes, at + 15));
+    EXPECT_EQ(times[i], static_cast<double>(numberAt<std::uint64_t>(bytes, at + 19)));
+  }
+}
+
+TEST_F(PointCloudTest, ScaleOffsetAndMissingValuesOfExtraBytesApplyOnlyWhereFlagged) {
+  std::string bytes = readFile(soundFile());
+  const std::size_t entry = 375 + 54;
+  putNumber(bytes, entry + 40, 1.5); // no data
+  putNumber(bytes, entry + 112, 10.0);
+  putNumber(bytes, entry + 136, 100.0);
+  EXPECT_EQ(readField(*openWell(write("plain.las", bytes)), "Height")[3], 1.5);
+  bytes[entry + 3] = 1 | 8 | 16;
+  bytes[entry + 4] = '\0'; // and no name
+  const auto values = readField(*openWell(write("flagged.las", bytes)), "ExtraBytes");
+  EXPECT_EQ(values[2], 110);
+  EXPECT_TRUE(std::isnan(values[3]));
+}
+
+TEST_F(PointCloudTest, WhatTheBuilderWroteIsReadAndChangedClassesShowEverywhere) {
+  const auto cloud = openWell(soundFile());
+  ASSERT_TRUE(cloud);
+  EXPECT_DOUBLE_EQ(readField(*cloud, "ScanAngle")[0], -12);
+  EXPECT_EQ(cloud->classNames().at(0).name, "Noise");
+  EXPECT_EQ(cloud->blockBounds(0).low, (std::array<double, 3>{0, 2, -3}));
+  EXPECT_EQ(cloud->blockBounds(0).high, (std::array<double, 3>{9, 2, -3}));
+  cloud->setClass(3, 5);
+  EXPECT_EQ(cloud->classOf(3), 5);
+  EXPECT_EQ(cloud->classOf(4), 204);
+  EXPECT_EQ(readField(*cloud, "Classification")[3], 5);
+  EXPECT_EQ(cloud->countClasses()[5], 1U);
+  EXPECT_EQ(cloud->countClasses()[203], 0U);
+}
+
+TEST_F(PointCloudTest, EveryUnusableFileIsToldFromTheOthers) {
+  const std::string sound = readFile(soundFile());
+  const auto with = [&](std::size_t at, auto value) {
+    std::string bytes = sound;
+    putNumber(bytes, at, value);
+    return bytes;
+  };
+  const std::string fetch = " Fetch the file again from where it came.";
+  const std::string again = " Fetch the file again, or have the program that wrote it write it again.";
+  const std::string name = "\"" + path("bad.las") + "\"";
+  const std::string damaged = "The header of " + name + " is damaged: ";
+  const std::pair<std::string, std::string> cases[] = {
+      {"", name + " is empty." + fetch},
+      {"ply\nformat ascii 1.0\n", name + " is not a LAS file. Give a file in LAS 1.0 to 1.4."},
+      {sound.substr(0, 226), name + " ends within its header." + fetch},
+      {with(25, std::uint8_t{5}),
+       name + " is in version 1.5 of LAS, which can't be read. Convert it to LAS 1.4 first."},
+      {with(94, std::uint16_t{3}), damaged + "its size can't be 3 bytes." + again},
+      {with(104, std::uint8_t{11}),
+       name +
+           " has points of format 11, which can't be read. Convert it to one of the formats 0 to 10 first."},
+      {with(105, std::uint16_t{29}), damaged + "points of format 6 need at least 30 bytes, not 29." + again},
+      {with(96, std::uint32_t{100}), damaged + "its points can't start within it." + again},
+      {with(131, std::nan("")), damaged + "its scales or offsets are not usable numbers." + again},
+      {with(104, std::uint8_t{0x86}), name + " is compressed (LAZ). Decompress it to LAS first, for example "
+                                             "with \"laszip -i in.laz -o out.las\"."},
+      {with(247, ~std::uint64_t{0}),
+       name + " is cut off: its header says 18446744073709551615 points but it holds only 10." + fetch},
+      {sound.substr(0, sound.size() - 1),
+       name + " is cut off: its header says 10 points but it holds only 9." + fetch},
+  };
+  for (const auto& [bytes, sentence] : cases) EXPECT_EQ(whyNotOpened(write("bad.las", bytes)), sentence);
+  EXPECT_EQ(whyNotOpened(path("none.las")),
+            "The file \"" + path("none.las") + "\" does not exist. Check the spelling of its path.");
+  EXPECT_EQ(whyNotOpened(path()), "\"" + path() + "\" is a directory. Name a file in it instead.");
+}
+
+/// Whether all points, and all fields of each, lie within the file; or else there is a sentence.
+void expectSoundOrRefused(const std::string& bytes) {
+  const std::vector<std::byte> exact(std::as_bytes(std::span(bytes)).begin(),
+                                     std::as_bytes(std::span(bytes)).end());
+  LasLayout layout;
+  std::string error;
+  if (!readLayout(exact, "bad.las", layout, error)) {
+    EXPECT_FALSE(error.empty());
+    return;
+  }
+  EXPECT_LE(layout.points, exact.size() / layout.recordLength);
+  EXPECT_LE(layout.points * layout.recordLength, exact.size() - std::min(exact.size(), layout.pointOffset));
+  for (const Field& field : layout.fields)
+    EXPECT_LE(field.offset + field.components * sizeOf(field.type), layout.recordLength) << field.name;
+}
+
+TEST_F(PointCloudTest, NoByteOfTheHeaderOrRecordsLeadsOutOfTheFile) {
+  const std::string sound = readFile(soundFile());
+  const std::size_t headEnd = 375 + 54 + 192 + 54 + 64;
+  for (std::size_t at = 0; at < headEnd; ++at) {
+    for (const int value : {0x00, 0x01, 0x03, 0x08, 0x1F, 0x7F, 0x80, 0xFF}) {
+      SCOPED_TRACE(at);
+      std::string bytes = sound;
+      bytes[at] = static_cast<char>(value);
+      expectSoundOrRefused(bytes);
+    }
+  }
+  for (std::size_t length = 0; length < sound.size(); ++length) expectSoundOrRefused(sound.substr(0, length));
+}
+
+} // namespace
+} // namespace Zamt::Host

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "host/clouds/las/LasBuilder.h"
+#include "tests/support/TemporaryDirectory.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <numeric>
+
+namespace Zamt::Testing {
+
+/// One point of a cloud made for a test.
+struct TestPoint {
+  std::array<std::int32_t, 3> stored{}; ///< In hundredths of a unit.
+  std::uint16_t intensity = 0;
+  std::uint8_t number = 0; ///< Of the class.
+  std::array<float, 3> normal{};
+};
+
+/// These points as a cloud with its origin at (1000, -500, 0) and the fields NormalVectorX, NormalVectorY and
+/// NormalVectorZ. Its file is gone when this returns; the cloud's map of it lives on.
+inline std::shared_ptr<Host::PointCloud> makeTestCloud(const std::vector<TestPoint>& points) {
+  Host::NewCloud description;
+  description.scale = {0.01, 0.01, 0.01};
+  description.origin = {1000, -500, 0};
+  for (const char* axis : {"X", "Y", "Z"})
+    description.extraFields.push_back({std::string("NormalVector") + axis, Host::FieldType::F32});
+  const auto fill = [&](std::uint64_t i, Host::NewPoint& made) {
+    const TestPoint& point = points[i];
+    for (std::size_t axis = 0; axis < 3; ++axis)
+      made.position[axis] = description.origin[axis] + point.stored[axis] * 0.01;
+    made.intensity = point.intensity;
+    made.classification = point.number;
+    made.extra.assign(point.normal.begin(), point.normal.end());
+  };
+  const TemporaryDirectory directory;
+  std::string error;
+  EXPECT_TRUE(buildLas(description, points.size(), fill, directory.path("a.las"), error)) << error;
+  auto cloud = Host::PointCloud::open(directory.path("a.las"), error);
+  EXPECT_NE(cloud, nullptr) << error;
+  return cloud;
+}
+
+/// A real cloud, or null where there is none.
+inline std::shared_ptr<Host::PointCloud> openTestData(const std::string& name) {
+  std::string error;
+  return Host::PointCloud::open(std::string(QUINDLE_TEST_DATA) + "/" + name, error);
+}
+
+/// One component of all points; nothing if there is no such field.
+inline std::vector<double> readField(const Host::PointCloud& cloud, const std::string& name,
+                                     unsigned component = 0) {
+  const Host::Field* const field = cloud.findField(name);
+  std::vector<double> values(field == nullptr ? 0 : cloud.size());
+  for (std::uint64_t first = 0; first < values.size(); first += Host::blockPoints) {
+    std::vector<std::uint32_t> indices(std::min<std::uint64_t>(Host::blockPoints, values.size() - first));
+    std::iota(indices.begin(), indices.end(), 0U);
+    cloud.gather(*field, component, first, indices, std::span(values).subspan(first, indices.size()));
+  }
+  return values;
+}
+
+} // namespace Zamt::Testing

@@ -1,3 +1,0 @@
-target_sources(tests-points PRIVATE
-  CloudWriterTest.cpp
-  PointCloudTest.cpp)

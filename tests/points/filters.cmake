@@ -1,5 +1,0 @@
-target_sources(tests-points PRIVATE
-  FiltersTest.cpp
-  NeighbourFilterTest.cpp
-  RegionTest.cpp
-  SelectionTest.cpp)

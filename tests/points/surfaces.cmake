@@ -1,5 +1,0 @@
-target_sources(tests-points PRIVATE
-  ExpressionTest.cpp
-  SurfaceFileTest.cpp
-  SurfaceTest.cpp
-)
