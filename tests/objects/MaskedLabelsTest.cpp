@@ -1,5 +1,7 @@
 #include "tests/session/scenes.h"
 
+#include "sorbine/ValuePool.h"
+
 namespace Zamt::Testing {
 namespace {
 
@@ -50,6 +52,26 @@ TEST_F(MaskedLabelsTest, WhatCannotBeSelectedIsAProblemInWordsAndNotAZero) {
   };
   for (const auto& [condition, sentence] : cases)
     EXPECT_EQ(said("select " + condition + "\nclassify into \"Water\""), lead + sentence + "\n");
+}
+
+TEST_F(MaskedLabelsTest, WhereClassesAreSingledOutOneWithoutANameIsNotAmongThem) {
+  EXPECT_EQ(said("classify into \"Rail\""), "");
+  constexpr std::uint8_t nameless = 77;
+  setClasses(*scene.grid()->cloud, nameless, [](std::uint64_t point) { return point % 3 == 0; });
+  const std::uint64_t ground = countsOf(*scene.grid()->cloud)[2];
+  LabelSet labels;
+  for (const std::int32_t number : {2, 5, 10}) labels.labels[number].flags["editable"] = number == 2;
+  labels.selections["Assign"] = 10;
+  TolvenQuindleOps ops(std::make_shared<ValuePool>());
+  Diag diag;
+  const std::string editor = Host::MaskedLabels::all().at(0)->name();
+  ASSERT_TRUE(ops.setParam(editor, "labels", VValueTrait<LabelSet>::Text(labels), diag) &&
+              ops.fireAction(editor, "select", diag))
+      << diag.format();
+  ops.settle();
+  const Host::ClassChange& change = Host::MaskedLabels::all().at(0)->change();
+  EXPECT_EQ(change.modified, ground);
+  EXPECT_EQ(change.from[nameless], 0U);
 }
 
 TEST_F(MaskedLabelsTest, AClassThatTheFormatCannotHoldIsRefusedBeforeAnythingIsCounted) {
