@@ -53,7 +53,7 @@ protected:
 
   /// What a command prints, with the reader's home in place of the directory that the test made.
   std::string printed(const std::string& command) {
-    const CommandResult result = runCommand({"/bin/sh", "-c", command}, {.directory = directory.path()});
+    const CommandResult result = runCommand({"/bin/sh", "-c", command}, directory.path());
     std::string text = result.out + (ofTests ? marked(result.err) : result.err);
     if (!text.empty() && !text.ends_with('\n')) text += "(no line end)\n";
     if (ofTests && result.exitCode != 0) text += '[' + std::to_string(result.exitCode) + "]\n";
@@ -67,12 +67,14 @@ protected:
       SCOPED_TRACE(file + ':' + std::to_string(next) + ": " + heading + ": " + line);
       ASSERT_TRUE(line.starts_with(prompt));
       std::string command = line.substr(prompt.size());
-      for (; inBlock() && lines[next].starts_with(continued); line += '\n' + lines[next++])
-        command += '\n' + lines[next].substr(continued.size());
+      for (; inBlock() && lines[next].starts_with(continued); ++next) {
+        command.append("\n").append(lines[next], continued.size());
+        line.append("\n").append(lines[next]);
+      }
       const std::string expected = takeText(true);
       const std::string actual = printed(command);
       EXPECT_EQ(actual, refreshing ? actual : expected);
-      refreshed += line + '\n' + actual;
+      refreshed.append(line).append("\n").append(actual);
       ++commands;
     }
   }

@@ -73,12 +73,16 @@ TEST(Values, ALabelSetSurvivesItsTextWithAnyBytesInItsNames) {
 
 TEST(Values, TextThatIsNoLabelSetIsRefusedAndLeavesTheSet) {
   const std::string label = "label\t1\t0\t0\t0\t1\tName\t";
+  const std::string lines[] = {"\n",
+                               "label\tone\t0\t0\t0\t1\tName\t\n",
+                               "label\t99999999999\t0\t0\t0\t1\tName\t\n",
+                               label + "\tflag\tmaybe\n",
+                               label + "\n" + label + "\n",
+                               "selection\tAssign\t1,5\n",
+                               "selection\tA\\x\t1\n",
+                               "selection\tA\\\t1\n"};
   LabelSet set = oddSet();
-  for (const std::string& line :
-       {std::string("\n"), std::string("label\tone\t0\t0\t0\t1\tName\t\n"),
-        std::string("label\t99999999999\t0\t0\t0\t1\tName\t\n"), label + "\tflag\tmaybe\n",
-        label + "\n" + label + "\n", std::string("selection\tAssign\t1,5\n"),
-        std::string("selection\tA\\x\t1\n"), std::string("selection\tA\\\t1\n")}) {
+  for (const std::string& line : lines) {
     EXPECT_FALSE(Labels::setValueFromText(set, "LabelSet\n" + line)) << line;
     EXPECT_EQ(set, oddSet()) << line;
   }

@@ -1,5 +1,9 @@
 #include "tests/session/scenes.h"
 
+#include <atomic>
+#include <set>
+#include <thread>
+
 namespace Zamt::Testing {
 namespace {
 
@@ -126,6 +130,29 @@ TEST_F(HostSceneTest, EveryRealFileIsClassifiedAndASecondRunChangesNothing) {
     ++written;
   }
   EXPECT_GE(written, 20);
+}
+
+TEST_F(SceneTest, ASecondSceneWaitsUntilTheFirstIsGone) {
+  const QuindleDocument doc =
+      parsedRun("select class(\"Ground\")\nclassify into \"Water\"\nreport \"{selected}\"",
+                "param cloud : Grid = active");
+  const std::string file = sample();
+  std::atomic<int> inside{0};
+  std::set<std::string> reports;
+  const auto preview = [&] {
+    Host::Scene mine{goOn};
+    EXPECT_EQ(++inside, 1);
+    QuindleRunResult own;
+    Diag diag;
+    EXPECT_TRUE(mine.openCloud(file, doc, diag) && mine.run(doc, {}, true, own, diag)) << diag.format();
+    reports.insert(own.report.begin(), own.report.end());
+    --inside;
+  };
+  std::vector<std::thread> threads;
+  threads.reserve(4);
+  for (int i = 0; i < 4; ++i) threads.emplace_back(preview);
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(reports.size(), 1U);
 }
 
 } // namespace

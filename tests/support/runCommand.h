@@ -18,22 +18,18 @@ struct CommandResult {
   std::string err;
 };
 
-struct CommandInput {
-  std::string directory = "."; ///< Where the command runs.
-  std::string outputFile{};    ///< Standard output goes here instead of to `out`.
-};
-
-/// Runs a program without input and waits for it. Arguments are handed over as they are, without a shell.
-inline CommandResult runCommand(const std::vector<std::string>& words, const CommandInput& how = {}) {
+/// Runs a program in a directory, without input, and waits for it. Arguments are handed over as they are,
+/// without a shell.
+inline CommandResult runCommand(const std::vector<std::string>& words, const std::string& directory = ".") {
   const TemporaryDirectory said;
-  const std::string out = how.outputFile.empty() ? said.path("out") : how.outputFile;
+  const std::string out = said.path("out");
   const std::string err = said.path("err");
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
   posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT, 0600);
   posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT, 0600);
-  posix_spawn_file_actions_addchdir_np(&actions, how.directory.c_str());
+  posix_spawn_file_actions_addchdir_np(&actions, directory.c_str());
   std::vector<char*> arguments;
   for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
@@ -43,8 +39,7 @@ inline CommandResult runCommand(const std::vector<std::string>& words, const Com
   if (failed != 0) return {};
   int status = 0;
   ::waitpid(child, &status, 0);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), readFile(said.path("out")),
-          readFile(err)};
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), readFile(out), readFile(err)};
 }
 
 } // namespace Zamt::Testing
