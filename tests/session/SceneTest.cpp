@@ -96,12 +96,16 @@ TEST_F(HostSceneTest, ARunComesToTheSameOnAnyFormatAndWritesWhatItChanged) {
   const std::string file = sample(60000);
   Diag diag;
   open(file, doc);
+  ASSERT_TRUE(scene.addDisplay(diag)) << diag.format();
   const std::vector<std::string> report = run(doc);
   EXPECT_NE(report, std::vector<std::string>{"0"});
-  ASSERT_TRUE(scene.writeCloud(path("out.las"), diag)) << diag.format();
+  ASSERT_TRUE(scene.writeCloud(path("out.las"), diag) && scene.savePicture(path("las.png"), diag))
+      << diag.format();
   open(write("lake.arrays", std::string(arraysOf) + file), doc);
   EXPECT_EQ(run(doc), report);
-  ASSERT_TRUE(scene.writeCloud(path("out.classes"), diag)) << diag.format();
+  ASSERT_TRUE(scene.writeCloud(path("out.classes"), diag) && scene.savePicture(path("arrays.png"), diag))
+      << diag.format();
+  EXPECT_TRUE(readFile(path("las.png")) == readFile(path("arrays.png")));
   std::string classes;
   open(path("out.las"), doc);
   for (const double number : readField(*scene.grid()->cloud, "Classification"))
