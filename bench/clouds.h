@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/clouds/PointCloud.h"
-#include "host/clouds/las/LasBuilder.h"
+#include "host/clouds/buildCloud.h"
+#include "host/clouds/openCloud.h"
 
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
@@ -43,6 +43,9 @@ inline double mixed(std::uint64_t point, std::uint64_t column) {
   std::exit(1);
 }
 
+/// For work that nobody stops.
+inline const Stop goOn;
+
 inline std::string temporary(const std::string& name) {
   return (std::filesystem::temp_directory_path() / name).string();
 }
@@ -60,13 +63,13 @@ inline std::string cloudFile(std::uint64_t points) {
   NewCloud description;
   description.scale = {0.01, 0.01, 0.01};
   std::string error;
-  if (!buildLas(description, points, fill, path, error)) giveUp(error);
+  if (!buildCloud(description, points, fill, path, goOn, error)) giveUp(error);
   return path;
 }
 
-inline std::shared_ptr<PointCloud> openCloud(std::uint64_t points) {
+inline std::shared_ptr<PointCloud> cloudOf(std::uint64_t points) {
   std::string error;
-  auto cloud = PointCloud::open(cloudFile(points), error);
+  auto cloud = openCloud(cloudFile(points), error);
   if (!cloud) giveUp(error);
   return cloud;
 }

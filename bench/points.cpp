@@ -2,6 +2,7 @@
 // are made once and stay in the directory for temporary files.
 
 #include "bench/clouds.h"
+#include "host/clouds/forEachBlock.h"
 #include "host/filters/BoxFilter.h"
 #include "host/filters/ClassFilter.h"
 #include "host/filters/NeighbourFilter.h"
@@ -18,17 +19,17 @@ namespace {
 using namespace Bench;
 
 void selectByClassFieldAndBox(benchmark::State& state) {
-  const auto cloud = openCloud(static_cast<std::uint64_t>(state.range(0)));
+  const auto cloud = cloudOf(static_cast<std::uint64_t>(state.range(0)));
   const std::array<std::int64_t, 3> classes{2, 3, 6};
   std::uint64_t selected = 0;
   for (auto _ : state) {
     std::string problem;
     std::vector<SelectionStep> steps(3);
-    steps[0].filter = makeBoxFilter(*cloud, {{100, 100, 0}, {400, 400, 10}}, problem);
+    steps[0].filter = makeBoxFilter({{100, 100, 0}, {400, 400, 10}}, problem);
     steps[1] = {0, -1, makeClassFilter(*cloud, "Classification", classes, problem), nullptr, false};
     steps[2] = {1, -1, makeRangeFilter(*cloud, "Intensity", 0, 100, 800, problem), nullptr, false};
     PointMask kept;
-    evaluateSelection(*cloud, steps, kept, problem);
+    evaluateSelection(*cloud, steps, goOn, kept, problem);
     selected = kept.count();
   }
   report(state, selected);
@@ -39,11 +40,18 @@ class PlainGrid {
 public:
   explicit PlainGrid(const PointCloud& cloud) {
     std::vector<std::array<double, 3>> unsorted(cloud.size());
-    for (std::uint64_t i = 0; i < cloud.size(); ++i) {
-      unsorted[i] = cloud.position(i);
+    std::string problem;
+    const auto read = [&](BlockReader& block) {
+      std::vector<double> values(block.size());
+      for (std::size_t axis = 0; axis < 3; ++axis) {
+        block.axis(axis).read(0, values);
+        for (std::size_t i = 0; i < values.size(); ++i) unsorted[block.first() + i][axis] = values[i];
+      }
+    };
+    if (!walkBlocks(cloud, axisColumns, goOn, read, problem)) giveUp(problem);
+    for (const auto& p : unsorted)
       for (std::size_t axis = 0; axis < 3; ++axis)
-        cells[axis] = std::max(cells[axis], static_cast<std::size_t>(unsorted[i][axis]) + 3);
-    }
+        cells[axis] = std::max(cells[axis], static_cast<std::size_t>(p[axis]) + 3);
     starts.assign(cells[0] * cells[1] * cells[2] + 2, 0);
     for (const auto& p : unsorted) ++starts[cellOf(p) + 2];
     for (std::size_t c = 2; c < starts.size(); ++c) starts[c] += starts[c - 1];
@@ -85,7 +93,7 @@ private:
 };
 
 void countNeighbours(benchmark::State& state) {
-  const auto cloud = openCloud(static_cast<std::uint64_t>(state.range(0)));
+  const auto cloud = cloudOf(static_cast<std::uint64_t>(state.range(0)));
   const PointMask asked(cloud->size(), true);
   constexpr unsigned most = 3;
   std::uint64_t selected = 0;
@@ -94,7 +102,7 @@ void countNeighbours(benchmark::State& state) {
     watch.run([&] {
       std::string problem;
       PointMask holds(cloud->size());
-      makeNeighbourFilter(*cloud, 1, 0, most, problem)->test(asked, holds, problem);
+      makeNeighbourFilter(*cloud, 1, 0, most, problem)->test(asked, goOn, holds, problem);
       selected = holds.count();
     });
   report(state, selected);

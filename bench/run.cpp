@@ -27,7 +27,7 @@ QuindleDocument quindle(const std::string& condition) {
 
 /// Opens the cloud, runs the Quindle and, unless `output` is empty, writes the result.
 std::uint64_t runOnce(const QuindleDocument& doc, const std::string& output) {
-  Scene scene;
+  Scene scene(goOn);
   Diag diag;
   QuindleRunResult result;
   if (!scene.openCloud(cloudFile(points), doc, diag) || !scene.run(doc, {}, output.empty(), result, diag) ||

@@ -1,4 +1,5 @@
 #include "fuzz/require.h"
+#include "quindle/check/adviseQuindle.h"
 #include "quindle/text/formatQuindle.h"
 #include "quindle/text/parseQuindle.h"
 #include "tests/support/dumpDocument.h"
@@ -82,5 +83,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (usable) requireExpressionsKept(doc);
   if (usable) requireFormattedOnce(text);
   require(Zamt::Testing::spanFault(text).empty(), "the spans hold all but white space, each in its place");
+
+  Zamt::Diag advice;
+  Zamt::adviseQuindle(doc, advice);
+  requirePositionsInText(advice, text);
+  require(advice.errorCount == 0, "advice is no error");
   return 0;
 }

@@ -1,5 +1,5 @@
 #include "fuzz/require.h"
-#include "host/filters/Expression.h"
+#include "host/filters/expression/Expression.h"
 #include "host/regions/Region.h"
 
 #include <array>

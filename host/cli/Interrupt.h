@@ -1,11 +1,13 @@
 #pragma once
 
+#include "files/Stop.h"
+
 namespace Zamt::Host {
 
-/// From now on Ctrl-C, and being asked to end, only raise `interrupted`, so that the work at hand ends by
-/// itself and tidies up. Asked a second time, the process ends at once. Writing to a reader that went away
-/// becomes an error of the write. A cloud that another program cuts short while it is read ends the process
-/// with a sentence, and leaves no temporary.
-void handleSignals();
+/// From now on Ctrl-C, and being asked to end, only raise `stop`, which must outlive all signals, so that the
+/// work at hand ends by itself and tidies up. Asked a second time, the process ends at once. Writing to a
+/// reader that went away becomes an error of the write. A cloud that another program cuts short while it is
+/// read ends the process with a sentence, and leaves no temporary.
+void handleSignals(Stop& stop);
 
 } // namespace Zamt::Host

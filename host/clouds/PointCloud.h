@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/clouds/PointMask.h"
+#include "host/clouds/CloudFormat.h"
 
-#include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -14,96 +14,69 @@
 
 namespace Zamt::Host {
 
-enum class FieldType : std::uint8_t { U8, I8, U16, I16, U32, I32, U64, I64, F32, F64 };
+class BlockReader;
 
-/// One named field of the points, as it lies in a point record.
-struct Field {
-  std::string name;        ///< As the point-cloud world calls it, or as the file names its extra bytes.
-  std::string description; ///< What the file says of it; may be empty.
-  FieldType type = FieldType::U8;
-  unsigned components = 1;               ///< 1, 2 or 3 values a point, one behind the other.
-  std::size_t offset = 0;                ///< Bytes from the start of the point record to the first component.
-  unsigned shift = 0;                    ///< For values packed into bits: the lowest bit,
-  unsigned bits = 0;                     ///< and how many; 0 for a value that has its bytes to itself.
-  std::array<double, 3> scale{1, 1, 1};  ///< value = stored * scale + origin, for each component.
-  std::array<double, 3> origin{0, 0, 0}; ///< Likewise.
-  std::array<std::optional<double>, 3> noData; ///< The stored number that means "no value here".
-};
-
-/// An axis-aligned box, both ends inclusive; the empty box has its ends the wrong way round.
-struct Bounds {
-  std::array<double, 3> low{1, 1, 1};
-  std::array<double, 3> high{0, 0, 0};
-  bool empty() const { return low[0] > high[0]; }
-};
-
-/// The name of one class, as a file's lookup record gives it.
-struct ClassName {
-  std::uint8_t number = 0;
-  std::string name;
-};
-
-/// The points of one LAS file, memory-mapped and read where they lie. Only what is asked for is touched.
-/// Classes can be changed in memory; nothing is written until `writeCloud` is called. Reading is safe from
-/// several threads at once; classes of different blocks may be changed in parallel.
+/// The points of one file: columns over blocks, read by a BlockReader, with classes that can be changed in
+/// memory. Nothing is written until `write` is called. Reading is safe from several threads at once.
 class PointCloud {
 public:
-  /// Maps the file at `path`. Null when it can't be used, with a sentence in `error` that says why and what
-  /// to do.
-  static std::shared_ptr<PointCloud> open(const std::string& path, std::string& error);
-
-  ~PointCloud();
+  /// A cloud over an open file; `path` is what sentences call it. `openCloud` makes one from a path alone.
+  PointCloud(std::string path, std::unique_ptr<const CloudFormat> format);
   PointCloud(const PointCloud&) = delete;
   PointCloud& operator=(const PointCloud&) = delete;
 
-  const std::string& path() const;
-  std::uint64_t size() const;
-  unsigned pointFormat() const;  ///< 0 to 10.
-  unsigned versionMinor() const; ///< 0 to 4, of LAS 1.x.
+  const std::string& path() const { return path_; }
+  std::uint64_t size() const { return blocks().points(); }
+  const BlockTable& blocks() const { return about_.blocks; }
+  unsigned pointFormat() const { return about_.pointFormat; }   ///< 0 to 10.
+  unsigned versionMinor() const { return about_.versionMinor; } ///< 0 to 4, of LAS 1.x.
 
-  /// All fields, in the order of the record. Names are unique.
-  const std::vector<Field>& fields() const;
+  /// All fields, in the order of the file, X, Y and Z first. Names are unique.
+  const std::vector<Field>& fields() const { return about_.fields; }
   /// The field of exactly this name, or null; it lives as long as the cloud.
   const Field* findField(std::string_view name) const;
+  /// The field that holds the class; what is read from it are the classes as changed.
+  const Field& classField() const { return about_.fields[about_.classField]; }
 
-  /// Reads one component of the points `first + indices[i]` into `out[i]`, as doubles, scale and origin
-  /// applied; NaN where the file says that there is no value. `component` is below `field.components` and
-  /// `out` as long as `indices`. The field "Classification" gives the classes as changed by `setClass`.
-  void gather(const Field& field, unsigned component, std::uint64_t first,
-              std::span<const std::uint32_t> indices, std::span<double> out) const;
+  /// How formats call a component of a field of this cloud.
+  ColumnKey keyOf(const Field& field, unsigned component = 0) const {
+    return {static_cast<std::size_t>(&field - about_.fields.data()), component};
+  }
 
-  /// The coordinates of one point, in world units.
-  std::array<double, 3> position(std::uint64_t point) const;
+  /// The highest class that the points can hold: 31 or 255.
+  unsigned highestClass() const { return about_.highestClass; }
+  /// The names that the file brings, in number order; may be none.
+  const std::vector<ClassName>& classNames() const { return about_.classNames; }
 
-  /// The stored whole numbers of a point's coordinates: world = stored * scale + origin of the fields X, Y,
-  /// Z.
-  std::array<std::int32_t, 3> storedPosition(std::uint64_t point) const;
+  /// Puts the points `indices` of the block that `reader`, one of this cloud's, is at into a class, in
+  /// memory. `number` is at most `highestClass()`. Blocks of different groups may be changed in parallel;
+  /// nobody may read the block meanwhile. Nothing is changed when the block can't be read, which the reader
+  /// then tells.
+  void setClass(BlockReader& reader, std::span<const std::uint32_t> indices, std::uint8_t number);
 
-  /// The box around the points of the block that starts at `first`, worked out once and kept.
-  Bounds blockBounds(std::uint64_t first) const;
-
-  /// The highest class that the point format can hold: 31 or 255.
-  unsigned highestClass() const;
-
-  std::uint8_t classOf(std::uint64_t point) const;
-
-  /// Puts a point into a class, in memory; the format's flag bits beside it stay. `number` is at most
-  /// `highestClass()`.
-  void setClass(std::uint64_t point, std::uint8_t number);
-
-  /// How many points there are of each class, as changed.
-  std::array<std::uint64_t, 256> countClasses() const;
-
-  /// The names of the file's classification lookup record, in number order; empty if it has none.
-  const std::vector<ClassName>& classNames() const;
-
-  /// The cloud's inner parts; known to the code that reads and writes the file, see CloudAccess.h.
-  struct State;
-  const State& inner() const { return *state; }
+  /// Writes the file with its classes as changed to `path`, as `CloudFormat::write` does.
+  bool write(const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
+             std::string& error) const;
 
 private:
-  explicit PointCloud(std::unique_ptr<State> state);
-  std::unique_ptr<State> state;
+  friend class BlockReader;
+
+  /// The box of a block once it was worked out. Threads that come at the same time may all work it out; one
+  /// of them keeps it.
+  struct KeptBox {
+    enum State : std::uint8_t { Unknown, BeingKept, Kept };
+    std::atomic<std::uint8_t> state{Unknown};
+    Bounds box;
+  };
+
+  const Bounds* knownBounds(std::size_t block) const;
+  void keepBounds(std::size_t block, const Bounds& box) const;
+
+  std::string path_;
+  std::unique_ptr<const CloudFormat> format_;
+  const CloudDescription& about_;
+  ClassOverlay classes_;
+  mutable std::vector<KeptBox> boxes_; ///< Empty where the file says them itself.
 };
 
 } // namespace Zamt::Host

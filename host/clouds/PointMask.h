@@ -1,59 +1,48 @@
 #pragma once
 
-#include <algorithm>
-#include <bit>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace Zamt::Host {
 
-/// Points are worked on in blocks of this many, so that a block's columns stay in the processor's cache.
-/// A multiple of 64, so that blocks never share a word of a mask and may be written in parallel.
-inline constexpr std::uint32_t blockPoints = 32768;
-
-/// One bit a point, in file order. Different blocks may be written by different threads.
+/// One bit a point, in the order of the points.
 class PointMask {
 public:
   PointMask() = default;
 
   /// A mask of `points` bits, all clear or all set.
-  explicit PointMask(std::uint64_t points, bool set = false)
-      : bits(points), words((points + 63) / 64, set ? ~std::uint64_t{0} : 0) {
-    if (set && points % 64 != 0) words.back() = (std::uint64_t{1} << (points % 64)) - 1;
-  }
+  explicit PointMask(std::uint64_t points, bool set = false);
 
-  std::uint64_t size() const { return bits; }
-  bool test(std::uint64_t point) const { return (words[point / 64] >> (point % 64)) & 1; }
-  void set(std::uint64_t point) { words[point / 64] |= std::uint64_t{1} << (point % 64); }
-  void clear(std::uint64_t point) { words[point / 64] &= ~(std::uint64_t{1} << (point % 64)); }
+  std::uint64_t size() const { return bits_; }
+  bool test(std::uint64_t point) const { return ((words_[point / 64] >> (point % 64)) & 1) != 0; }
+  void set(std::uint64_t point) { words_[point / 64] |= std::uint64_t{1} << (point % 64); }
+  void clear(std::uint64_t point) { words_[point / 64] &= ~(std::uint64_t{1} << (point % 64)); }
 
-  /// How many bits are set.
-  std::uint64_t count() const {
-    std::uint64_t total = 0;
-    for (const std::uint64_t word : words) total += static_cast<std::uint64_t>(std::popcount(word));
-    return total;
-  }
+  /// How many bits are set, of all and of the `points` from `first` on.
+  std::uint64_t count() const { return count(0, bits_); }
+  std::uint64_t count(std::uint64_t first, std::uint64_t points) const;
 
-  /// Appends to `indices` the set points of the block that starts at `first`, relative to `first`. `first` is
-  /// a multiple of `blockPoints`.
-  void listBlock(std::uint64_t first, std::vector<std::uint32_t>& indices) const {
-    const std::uint64_t firstWord = first / 64;
-    const std::uint64_t endWord = std::min<std::uint64_t>(firstWord + blockPoints / 64, words.size());
-    for (std::uint64_t w = firstWord; w < endWord; ++w)
-      for (std::uint64_t rest = words[w]; rest != 0; rest &= rest - 1)
-        indices.push_back(static_cast<std::uint32_t>((w - firstWord) * 64) +
-                          static_cast<std::uint32_t>(std::countr_zero(rest)));
-  }
+  /// Appends to `indices` the set ones of the `points` from `first` on, as distances from `first`, ascending.
+  void list(std::uint64_t first, std::uint64_t points, std::vector<std::uint32_t>& indices) const;
+
+  /// Sets the points `first + indices[i]`, which ascend. Several threads may do that at once, wherever the
+  /// points of one end and those of the next begin.
+  void add(std::uint64_t first, std::span<const std::uint32_t> indices);
 
   /// The words, least significant bit first; the bits behind the last point are clear.
-  std::vector<std::uint64_t>& raw() { return words; }
-  const std::vector<std::uint64_t>& raw() const { return words; }
+  std::vector<std::uint64_t>& raw() { return words_; }
+  const std::vector<std::uint64_t>& raw() const { return words_; }
 
   bool operator==(const PointMask&) const = default;
 
 private:
-  std::uint64_t bits = 0;
-  std::vector<std::uint64_t> words;
+  /// Calls `visit(word, first bit of it)` for each word of a stretch, the bits outside of it cleared.
+  template <class Visit>
+  void visitWords(std::uint64_t first, std::uint64_t points, Visit visit) const;
+
+  std::uint64_t bits_ = 0;
+  std::vector<std::uint64_t> words_;
 };
 
 } // namespace Zamt::Host

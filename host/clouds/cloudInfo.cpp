@@ -1,14 +1,11 @@
 #include "host/clouds/cloudInfo.h"
 
-#include "files/Interruption.h"
 #include "host/clouds/StandardClasses.h"
+#include "host/clouds/forEachBlock.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
-#include <numeric>
-#include <oneapi/tbb/blocked_range.h>
-#include <oneapi/tbb/parallel_reduce.h>
+#include <oneapi/tbb/enumerable_thread_specific.h>
 
 namespace Zamt::Host {
 
@@ -18,81 +15,105 @@ namespace {
 struct Range {
   double low = std::numeric_limits<double>::infinity();
   double high = -std::numeric_limits<double>::infinity();
-};
-using Ranges = std::vector<Range>;
 
-Range rangeOf(const std::vector<double>& values) {
+  void take(const Range& other) {
+    low = std::min(low, other.low);
+    high = std::max(high, other.high);
+  }
+};
+
+/// What one thread has seen.
+struct Tally {
+  explicit Tally(std::size_t fields) : ranges(fields) {}
+  std::vector<Range> ranges;
+  ClassCounts classes{};
+};
+
+/// Values are looked through in pieces of this many.
+constexpr std::size_t pieceSize = 1024;
+
+Range rangeOf(const Column& column, std::size_t points) {
   Range range;
-  for (const double value : values) { // a NaN compares false and is left out
-    if (value < range.low) range.low = value;
-    if (value > range.high) range.high = value;
+  std::array<double, pieceSize> piece;
+  for (std::size_t from = 0; from < points; from += pieceSize) {
+    const auto values = std::span(piece).first(std::min(pieceSize, points - from));
+    column.read(from, values);
+    for (const double value : values) { // a NaN compares false and is left out
+      if (value < range.low) range.low = value;
+      if (value > range.high) range.high = value;
+    }
   }
   return range;
 }
 
-Range join(const Range& one, const Range& other) {
-  return {std::min(one.low, other.low), std::max(one.high, other.high)};
+void countBlock(BlockReader& block, ClassCounts& counts) {
+  const Column classes = block.classes();
+  for (std::size_t i = 0; i < block.size(); ++i) ++counts[classes.byteAt(i)];
 }
 
-void addBlock(const PointCloud& cloud, std::uint64_t first, Ranges& ranges) {
-  std::vector<std::uint32_t> indices(std::min<std::uint64_t>(blockPoints, cloud.size() - first));
-  std::iota(indices.begin(), indices.end(), 0U);
-  std::vector<double> values(indices.size());
-  for (std::size_t i = 0; i < ranges.size(); ++i) {
-    const Field& field = cloud.fields()[i];
-    for (unsigned component = 0; component < field.components; ++component) {
-      cloud.gather(field, component, first, indices, values);
-      ranges[i] = join(ranges[i], rangeOf(values));
-    }
-  }
+void tallyBlock(BlockReader& block, Tally& tally) {
+  const std::vector<Field>& fields = block.cloud().fields();
+  for (std::size_t i = 0; i < fields.size(); ++i)
+    for (unsigned component = 0; component < fields[i].components; ++component)
+      tally.ranges[i].take(rangeOf(block.column(fields[i], component), block.size()));
+  countBlock(block, tally.classes);
 }
 
-Ranges rangesOf(const PointCloud& cloud) {
-  const std::uint64_t blocks = (cloud.size() + blockPoints - 1) / blockPoints;
-  return tbb::parallel_reduce(
-      tbb::blocked_range<std::uint64_t>(0, blocks), Ranges(cloud.fields().size()),
-      [&](const tbb::blocked_range<std::uint64_t>& range, Ranges ranges) {
-        for (std::uint64_t block = range.begin(); block != range.end() && !interrupted; ++block)
-          addBlock(cloud, block * blockPoints, ranges);
-        return ranges;
-      },
-      [](Ranges one, const Ranges& other) {
-        std::ranges::transform(one, other, one.begin(), join);
-        return one;
-      });
+void add(const ClassCounts& counts, ClassCounts& sum) {
+  for (std::size_t number = 0; number < sum.size(); ++number) sum[number] += counts[number];
+}
+
+FieldRange rangeOfField(const Field& field, const Range& range) {
+  const bool hasValues = range.low <= range.high;
+  return {field.name,
+          field.type,
+          field.components,
+          hasValues,
+          hasValues ? range.low : 0,
+          hasValues ? range.high : 0};
+}
+
+std::vector<ColumnKey> allColumns(const PointCloud& cloud) {
+  std::vector<ColumnKey> all;
+  for (const Field& field : cloud.fields())
+    for (unsigned component = 0; component < field.components; ++component)
+      all.push_back(cloud.keyOf(field, component));
+  return all;
 }
 
 } // namespace
 
-bool inspectCloud(const PointCloud& cloud, CloudInfo& info, std::string& problem) {
+bool inspectCloud(const PointCloud& cloud, const Stop& stop, CloudInfo& info, std::string& problem) {
   info = {cloud.versionMinor(), cloud.pointFormat(), cloud.size(), {}, {}, {}};
-  const Ranges ranges = rangesOf(cloud);
-  if (interrupted) {
-    problem = interruptedMessage;
-    return false;
+  tbb::enumerable_thread_specific<Tally> tallies([&cloud] { return Tally(cloud.fields().size()); });
+  const auto visit = [&tallies](BlockReader& block) { tallyBlock(block, tallies.local()); };
+  if (!forEachBlock(cloud, allColumns(cloud), stop, visit, problem)) return false;
+  Tally all(cloud.fields().size());
+  for (const Tally& tally : tallies) {
+    for (std::size_t i = 0; i < all.ranges.size(); ++i) all.ranges[i].take(tally.ranges[i]);
+    add(tally.classes, all.classes);
   }
-  for (std::size_t i = 0; i < ranges.size(); ++i) {
-    const Field& field = cloud.fields()[i];
-    const bool hasValues = ranges[i].low <= ranges[i].high;
-    info.fields.push_back({field.name, field.type, field.components, hasValues, hasValues ? ranges[i].low : 0,
-                           hasValues ? ranges[i].high : 0});
-    // X, Y and Z come first in every format.
-    if (i >= 3 || !hasValues) continue;
-    info.bounds.low[i] = ranges[i].low;
-    info.bounds.high[i] = ranges[i].high;
+  for (std::size_t i = 0; i < all.ranges.size(); ++i)
+    info.fields.push_back(rangeOfField(cloud.fields()[i], all.ranges[i]));
+  for (std::size_t axis = 0; axis < 3 && info.fields[axis].hasValues; ++axis) {
+    info.bounds.low[axis] = info.fields[axis].low;
+    info.bounds.high[axis] = info.fields[axis].high;
   }
-  const auto counts = cloud.countClasses();
-  for (unsigned number = 0; number < counts.size(); ++number) {
+  for (unsigned number = 0; number < all.classes.size(); ++number) {
     const auto of = static_cast<std::uint8_t>(number);
-    if (counts[number] != 0) info.classes.push_back({of, nameOfClass(cloud, of), counts[number]});
+    if (all.classes[number] != 0) info.classes.push_back({of, nameOfClass(cloud, of), all.classes[number]});
   }
   return true;
 }
 
-const char* nameOfType(FieldType type) {
-  constexpr std::array names{"uint8", "int8",   "uint16", "int16", "uint32",
-                             "int32", "uint64", "int64",  "float", "double"};
-  return names[static_cast<std::size_t>(type)];
+bool countClasses(const PointCloud& cloud, const Stop& stop, ClassCounts& counts, std::string& problem) {
+  tbb::enumerable_thread_specific<ClassCounts> parts(ClassCounts{});
+  const auto visit = [&parts](BlockReader& block) { countBlock(block, parts.local()); };
+  const std::array<ColumnKey, 1> expected{cloud.keyOf(cloud.classField())};
+  if (!forEachBlock(cloud, expected, stop, visit, problem)) return false;
+  counts = {};
+  for (const ClassCounts& part : parts) add(part, counts);
+  return true;
 }
 
 } // namespace Zamt::Host

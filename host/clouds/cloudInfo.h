@@ -2,6 +2,7 @@
 
 #include "host/clouds/PointCloud.h"
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -31,15 +32,18 @@ struct CloudInfo {
   unsigned pointFormat = 0;
   std::uint64_t points = 0;
   Bounds bounds;                   ///< Of the points themselves, not what the header says; world units.
-  std::vector<FieldRange> fields;  ///< In the order of the record.
+  std::vector<FieldRange> fields;  ///< In the order of the file.
   std::vector<ClassCount> classes; ///< Those that occur, in number order.
 };
 
-/// Works out what the cloud holds, in one pass over its points. False when the user interrupted, with a
-/// sentence in `problem`.
-bool inspectCloud(const PointCloud& cloud, CloudInfo& info, std::string& problem);
+/// Works out what the cloud holds, in one pass over its points. False when it was stopped or a block can't be
+/// read, with a sentence in `problem`.
+bool inspectCloud(const PointCloud& cloud, const Stop& stop, CloudInfo& info, std::string& problem);
 
-/// How a type is called: "uint8", "int8", ..., "float", "double".
-const char* nameOfType(FieldType type);
+/// How many points there are of each class.
+using ClassCounts = std::array<std::uint64_t, 256>;
+
+/// Counts the classes as changed. False as `inspectCloud`.
+bool countClasses(const PointCloud& cloud, const Stop& stop, ClassCounts& counts, std::string& problem);
 
 } // namespace Zamt::Host

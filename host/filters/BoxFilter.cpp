@@ -2,45 +2,45 @@
 
 #include "host/filters/FieldLookup.h"
 
-#include <array>
 #include <cmath>
 
 namespace Zamt::Host {
 namespace {
 
-using AxisFields = std::array<const Field*, 3>;
-
 class BoxFilter : public PointFilter {
 public:
-  BoxFilter(const PointCloud& pointCloud, const AxisFields& axisFields, const Bounds& bounds)
-      : cloud(pointCloud), fields(axisFields), box(bounds) {}
+  explicit BoxFilter(const Bounds& box) : box_(box) {}
 
-  void test(std::uint64_t first, std::span<const std::uint32_t> indices,
+  void test(BlockReader& block, std::span<const std::uint32_t> indices,
             std::span<std::uint8_t> holds) const override {
     forEachPiece(indices, holds,
                  [&](std::span<const std::uint32_t> piece, std::span<std::uint8_t> pieceHolds) {
-                   testPiece(first, piece, pieceHolds);
+                   testPiece(block, piece, pieceHolds);
                  });
   }
 
-  Coverage coverage(std::uint64_t first) const override {
-    const Bounds block = cloud.blockBounds(first);
+  void listColumns(const PointCloud& /*cloud*/, std::vector<ColumnKey>& columns) const override {
+    columns.insert(columns.end(), axisColumns.begin(), axisColumns.end());
+  }
+
+  Coverage coverage(BlockReader& block) const override {
+    const Bounds bounds = block.bounds();
     bool whole = true;
     for (std::size_t axis = 0; axis < 3; ++axis) {
-      if (block.high[axis] < box.low[axis] || block.low[axis] > box.high[axis]) return Coverage::None;
-      whole = whole && block.low[axis] >= box.low[axis] && block.high[axis] <= box.high[axis];
+      if (bounds.high[axis] < box_.low[axis] || bounds.low[axis] > box_.high[axis]) return Coverage::None;
+      whole = whole && bounds.low[axis] >= box_.low[axis] && bounds.high[axis] <= box_.high[axis];
     }
     return whole ? Coverage::All : Coverage::Some;
   }
 
 private:
-  void testPiece(std::uint64_t first, std::span<const std::uint32_t> piece,
+  void testPiece(BlockReader& block, std::span<const std::uint32_t> piece,
                  std::span<std::uint8_t> holds) const {
-    std::array<double, gatherPoints> values;
+    PieceValues room;
     for (std::size_t axis = 0; axis < 3; ++axis) {
-      cloud.gather(*fields[axis], 0, first, piece, std::span(values).first(piece.size()));
-      const double low = box.low[axis];
-      const double high = box.high[axis];
+      const std::span<const double> values = gatherPiece(block.axis(axis), piece, room);
+      const double low = box_.low[axis];
+      const double high = box_.high[axis];
       unsigned any = 0;
       for (std::size_t i = 0; i < piece.size(); ++i) {
         const unsigned within =
@@ -53,26 +53,18 @@ private:
     }
   }
 
-  const PointCloud& cloud;
-  AxisFields fields;
-  Bounds box;
+  Bounds box_;
 };
 
 } // namespace
 
-std::shared_ptr<const PointFilter> makeBoxFilter(const PointCloud& cloud, const Bounds& box,
-                                                 std::string& problem) {
+std::shared_ptr<const PointFilter> makeBoxFilter(const Bounds& box, std::string& problem) {
   for (std::size_t axis = 0; axis < 3; ++axis)
     if (std::isnan(box.low[axis]) || std::isnan(box.high[axis])) {
       problem = "A box needs a number at each of its ends.";
       return nullptr;
     }
-  AxisFields fields{};
-  for (std::size_t axis = 0; axis < 3; ++axis) {
-    fields[axis] = lookUpField(cloud, std::string(1, "XYZ"[axis]), problem);
-    if (fields[axis] == nullptr) return nullptr;
-  }
-  return std::make_shared<BoxFilter>(cloud, fields, box);
+  return std::make_shared<BoxFilter>(box);
 }
 
 } // namespace Zamt::Host

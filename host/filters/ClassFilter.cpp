@@ -11,40 +11,43 @@ namespace {
 
 class ClassFilter : public PointFilter {
 public:
-  ClassFilter(const PointCloud& pointCloud, const Field& classField, std::span<const std::int64_t> classes)
-      : cloud(pointCloud), field(classField) {
+  ClassFilter(const Field& classField, std::span<const std::int64_t> classes) : field_(classField) {
     for (const std::int64_t number : classes) {
-      if (number >= 0 && number < static_cast<std::int64_t>(listed.size()))
-        listed[static_cast<std::size_t>(number)] = 1;
+      if (number >= 0 && number < static_cast<std::int64_t>(listed_.size()))
+        listed_[static_cast<std::size_t>(number)] = 1;
       else
-        others.push_back(static_cast<double>(number));
+        others_.push_back(static_cast<double>(number));
     }
-    std::sort(others.begin(), others.end());
+    std::sort(others_.begin(), others_.end());
   }
 
-  void test(std::uint64_t first, std::span<const std::uint32_t> indices,
+  void test(BlockReader& block, std::span<const std::uint32_t> indices,
             std::span<std::uint8_t> holds) const override {
+    const Column classes = block.column(field_);
     forEachPiece(indices, holds,
                  [&](std::span<const std::uint32_t> piece, std::span<std::uint8_t> pieceHolds) {
-                   std::array<double, gatherPoints> values;
-                   cloud.gather(field, 0, first, piece, std::span(values).first(piece.size()));
+                   PieceValues room;
+                   const std::span<const double> values = gatherPiece(classes, piece, room);
                    for (std::size_t i = 0; i < piece.size(); ++i) pieceHolds[i] = isListed(values[i]);
                  });
   }
 
-private:
-  std::uint8_t isListed(double value) const {
-    if (value >= 0 && value < static_cast<double>(listed.size())) {
-      const auto number = static_cast<std::uint32_t>(value);
-      return static_cast<double>(number) == value ? listed[number] : std::uint8_t{0};
-    }
-    return !others.empty() && std::binary_search(others.begin(), others.end(), value) ? 1 : 0;
+  void listColumns(const PointCloud& cloud, std::vector<ColumnKey>& columns) const override {
+    columns.push_back(cloud.keyOf(field_));
   }
 
-  const PointCloud& cloud;
-  const Field& field;
-  std::array<std::uint8_t, 256> listed{};
-  std::vector<double> others; // Listed numbers that no LAS class has, for class fields of other types.
+private:
+  std::uint8_t isListed(double value) const {
+    if (value >= 0 && value < static_cast<double>(listed_.size())) {
+      const auto number = static_cast<std::uint32_t>(value);
+      return static_cast<double>(number) == value ? listed_[number] : std::uint8_t{0};
+    }
+    return !others_.empty() && std::binary_search(others_.begin(), others_.end(), value) ? 1 : 0;
+  }
+
+  const Field& field_;
+  std::array<std::uint8_t, 256> listed_{};
+  std::vector<double> others_; ///< Listed numbers that no class has, for class fields of other types.
 };
 
 } // namespace
@@ -60,7 +63,7 @@ std::shared_ptr<const PointFilter> makeClassFilter(const PointCloud& cloud, std:
               "\"Classification\".";
     return nullptr;
   }
-  return std::make_shared<ClassFilter>(cloud, *field, classes);
+  return std::make_shared<ClassFilter>(*field, classes);
 }
 
 } // namespace Zamt::Host

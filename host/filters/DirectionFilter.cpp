@@ -15,30 +15,34 @@ struct Normal {
   std::array<unsigned, 3> components{};
 };
 
-// Where squares of sines decide without doubt. Between the two the angle itself is worked out, so that a
-// normal at exactly the tolerance is kept.
+/// Where squares of sines decide without doubt. Between the two the angle itself is worked out, so that a
+/// normal at exactly the tolerance is kept.
 constexpr double sineMargin = 1e-9;
 
 class DirectionFilter : public PointFilter {
 public:
-  DirectionFilter(const PointCloud& pointCloud, const Normal& normalFields, double toleranceDegrees)
-      : cloud(pointCloud), normal(normalFields), tolerance(toleranceDegrees) {
-    const double sine = std::sin(std::min(tolerance, 90.0) * std::numbers::pi / 180);
-    surelyIn = sine * sine * (1 - sineMargin);
-    surelyOut = sine * sine * (1 + sineMargin);
+  DirectionFilter(const Normal& normal, double toleranceDegrees)
+      : normal_(normal), tolerance_(toleranceDegrees) {
+    const double sine = std::sin(std::min(tolerance_, 90.0) * std::numbers::pi / 180);
+    surelyIn_ = sine * sine * (1 - sineMargin);
+    surelyOut_ = sine * sine * (1 + sineMargin);
   }
 
-  void test(std::uint64_t first, std::span<const std::uint32_t> indices,
+  void test(BlockReader& block, std::span<const std::uint32_t> indices,
             std::span<std::uint8_t> holds) const override {
-    forEachPiece(indices, holds,
-                 [&](std::span<const std::uint32_t> piece, std::span<std::uint8_t> pieceHolds) {
-                   std::array<std::array<double, gatherPoints>, 3> n;
-                   for (std::size_t axis = 0; axis < 3; ++axis)
-                     cloud.gather(*normal.fields[axis], normal.components[axis], first, piece,
-                                  std::span(n[axis]).first(piece.size()));
-                   for (std::size_t i = 0; i < piece.size(); ++i)
-                     pieceHolds[i] = isNearHorizontal(n[0][i], n[1][i], n[2][i]) ? 1 : 0;
-                 });
+    forEachPiece(
+        indices, holds, [&](std::span<const std::uint32_t> piece, std::span<std::uint8_t> pieceHolds) {
+          std::array<PieceValues, 3> n;
+          for (std::size_t axis = 0; axis < 3; ++axis)
+            gatherPiece(block.column(*normal_.fields[axis], normal_.components[axis]), piece, n[axis]);
+          for (std::size_t i = 0; i < piece.size(); ++i)
+            pieceHolds[i] = isNearHorizontal(n[0][i], n[1][i], n[2][i]) ? 1 : 0;
+        });
+  }
+
+  void listColumns(const PointCloud& cloud, std::vector<ColumnKey>& columns) const override {
+    for (std::size_t axis = 0; axis < 3; ++axis)
+      columns.push_back(cloud.keyOf(*normal_.fields[axis], normal_.components[axis]));
   }
 
 private:
@@ -47,19 +51,18 @@ private:
     const double length = x * x + y * y + rise;
     // Squares of very short or very long normals leave the range of doubles; those go the slow way.
     if (std::isnormal(length)) {
-      if (rise < surelyIn * length) return true;
-      if (rise > surelyOut * length) return false;
+      if (rise < surelyIn_ * length) return true;
+      if (rise > surelyOut_ * length) return false;
     }
     if (!std::isfinite(x) || !std::isfinite(y) || !std::isfinite(z)) return false;
     if (x == 0 && y == 0 && z == 0) return false;
-    return std::atan2(std::fabs(z), std::hypot(x, y)) * 180 / std::numbers::pi <= tolerance;
+    return std::atan2(std::fabs(z), std::hypot(x, y)) * 180 / std::numbers::pi <= tolerance_;
   }
 
-  const PointCloud& cloud;
-  Normal normal;
-  double tolerance;
-  double surelyIn = 0;
-  double surelyOut = 0;
+  Normal normal_;
+  double tolerance_;
+  double surelyIn_ = 0;
+  double surelyOut_ = 0;
 };
 
 std::optional<Normal> findNormal(const PointCloud& cloud, std::string_view name) {
@@ -89,7 +92,7 @@ std::shared_ptr<const PointFilter> makeDirectionFilter(const PointCloud& cloud, 
     problem = "The tolerance of a direction is an angle in degrees. Give 0 or more.";
     return nullptr;
   }
-  return std::make_shared<DirectionFilter>(cloud, *normal, tolerance);
+  return std::make_shared<DirectionFilter>(*normal, tolerance);
 }
 
 } // namespace Zamt::Host

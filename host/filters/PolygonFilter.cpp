@@ -18,11 +18,11 @@ struct Edge {
   std::size_t polygon = 0;
 };
 
-// Edges are listed by the horizontal strips that they touch, so that a point looks only at the edges at its
-// own height. At most this many strips; beyond it the strips of common outlines hold an edge or two already.
+/// Edges are listed by the horizontal strips that they touch, so that a point looks only at the edges at its
+/// own height. At most this many strips; beyond it the strips of common outlines hold an edge or two already.
 constexpr std::size_t maximumStrips = 4096;
 
-// Long edges lie in many strips. With more entries than this for each edge, fewer strips are made.
+/// Long edges lie in many strips. With more entries than this for each edge, fewer strips are made.
 constexpr std::size_t entriesPerEdge = 8;
 
 std::vector<Edge> collectEdges(std::span<const Polygon> polygons) {
@@ -49,24 +49,25 @@ Bounds boundsOf(const std::vector<Edge>& edges) {
   return box;
 }
 
-// The lines of all polygons, ready for asking about points.
+/// The lines of all polygons, ready for asking about points.
 class Outline {
 public:
-  explicit Outline(std::span<const Polygon> polygons) : edges(collectEdges(polygons)), box(boundsOf(edges)) {
-    strips = std::clamp<std::size_t>(edges.size(), 1, maximumStrips);
-    while (strips > 1 && countEntries() > edges.size() * entriesPerEdge) strips /= 2;
+  explicit Outline(std::span<const Polygon> polygons)
+      : edges_(collectEdges(polygons)), box_(boundsOf(edges_)) {
+    strips_ = std::clamp<std::size_t>(edges_.size(), 1, maximumStrips);
+    while (strips_ > 1 && countEntries() > edges_.size() * entriesPerEdge) strips_ /= 2;
     fillStrips();
   }
 
-  const Bounds& bounds() const { return box; }
+  const Bounds& bounds() const { return box_; }
 
   bool contains(double x, double y) const {
-    if (!(x >= box.low[0] && x <= box.high[0] && y >= box.low[1] && y <= box.high[1])) return false;
+    if (!(x >= box_.low[0] && x <= box_.high[0] && y >= box_.low[1] && y <= box_.high[1])) return false;
     const std::size_t strip = stripOf(y);
     bool odd = false;
     std::size_t polygon = 0;
-    for (std::size_t i = starts[strip]; i < starts[strip + 1]; ++i) {
-      const Edge& edge = edges[entries[i]];
+    for (std::size_t i = starts_[strip]; i < starts_[strip + 1]; ++i) {
+      const Edge& edge = edges_[entries_[i]];
       if (edge.polygon != polygon) {
         if (odd) return true;
         polygon = edge.polygon;
@@ -85,11 +86,11 @@ private:
            y >= std::min(edge.y1, edge.y2) && y <= std::max(edge.y1, edge.y2);
   }
 
-  // The same monotone function for points and for edges, so that rounding can't separate them.
+  /// The same monotone function for points and for edges_, so that rounding can't separate them.
   std::size_t stripOf(double y) const {
-    const double height = box.high[1] - box.low[1];
-    const double share = height > 0 ? (y - box.low[1]) / height * static_cast<double>(strips) : 0;
-    return share > 0 ? std::min(static_cast<std::size_t>(std::min(share, 1e9)), strips - 1) : 0;
+    const double height = box_.high[1] - box_.low[1];
+    const double share = height > 0 ? (y - box_.low[1]) / height * static_cast<double>(strips_) : 0;
+    return share > 0 ? std::min(static_cast<std::size_t>(std::min(share, 1e9)), strips_ - 1) : 0;
   }
 
   std::size_t lowestStrip(const Edge& edge) const { return stripOf(std::min(edge.y1, edge.y2)); }
@@ -97,82 +98,77 @@ private:
 
   std::size_t countEntries() const {
     std::size_t total = 0;
-    for (const Edge& edge : edges) total += highestStrip(edge) - lowestStrip(edge) + 1;
+    for (const Edge& edge : edges_) total += highestStrip(edge) - lowestStrip(edge) + 1;
     return total;
   }
 
   void fillStrips() {
-    starts.assign(strips + 2, 0);
-    for (const Edge& edge : edges)
-      for (std::size_t s = lowestStrip(edge); s <= highestStrip(edge); ++s) ++starts[s + 2];
-    for (std::size_t s = 2; s < starts.size(); ++s) starts[s] += starts[s - 1];
-    entries.resize(starts.back());
-    for (std::size_t e = 0; e < edges.size(); ++e)
-      for (std::size_t s = lowestStrip(edges[e]); s <= highestStrip(edges[e]); ++s)
-        entries[starts[s + 1]++] = e;
+    starts_.assign(strips_ + 2, 0);
+    for (const Edge& edge : edges_)
+      for (std::size_t s = lowestStrip(edge); s <= highestStrip(edge); ++s) ++starts_[s + 2];
+    for (std::size_t s = 2; s < starts_.size(); ++s) starts_[s] += starts_[s - 1];
+    entries_.resize(starts_.back());
+    for (std::size_t e = 0; e < edges_.size(); ++e)
+      for (std::size_t s = lowestStrip(edges_[e]); s <= highestStrip(edges_[e]); ++s)
+        entries_[starts_[s + 1]++] = e;
   }
 
-  std::vector<Edge> edges; // In the order of their polygons, and so in every strip.
-  Bounds box;
-  std::size_t strips = 1;
-  std::vector<std::size_t> starts; // Strip s holds entries[starts[s]] up to entries[starts[s + 1]].
-  std::vector<std::size_t> entries;
+  std::vector<Edge> edges_; // In the order of their polygons, and so in every strip.
+  Bounds box_;
+  std::size_t strips_ = 1;
+  std::vector<std::size_t> starts_; // Strip s holds entries_[starts_[s]] up to entries_[starts_[s + 1]].
+  std::vector<std::size_t> entries_;
 };
 
 class PolygonFilter : public PointFilter {
 public:
-  PolygonFilter(const PointCloud& pointCloud, const Field& xField, const Field& yField,
-                std::span<const Polygon> polygons)
-      : cloud(pointCloud), fieldX(xField), fieldY(yField), outline(polygons) {}
+  explicit PolygonFilter(std::span<const Polygon> polygons) : outline_(polygons) {}
 
-  void test(std::uint64_t first, std::span<const std::uint32_t> indices,
+  void test(BlockReader& block, std::span<const std::uint32_t> indices,
             std::span<std::uint8_t> holds) const override {
     forEachPiece(indices, holds,
                  [&](std::span<const std::uint32_t> piece, std::span<std::uint8_t> pieceHolds) {
-                   std::array<double, gatherPoints> x;
-                   std::array<double, gatherPoints> y;
-                   cloud.gather(fieldX, 0, first, piece, std::span(x).first(piece.size()));
-                   cloud.gather(fieldY, 0, first, piece, std::span(y).first(piece.size()));
+                   PieceValues x;
+                   PieceValues y;
+                   gatherPiece(block.axis(0), piece, x);
+                   gatherPiece(block.axis(1), piece, y);
                    for (std::size_t i = 0; i < piece.size(); ++i)
-                     pieceHolds[i] = outline.contains(x[i], y[i]) ? 1 : 0;
+                     pieceHolds[i] = outline_.contains(x[i], y[i]) ? 1 : 0;
                  });
   }
 
-  Coverage coverage(std::uint64_t first) const override {
-    const Bounds block = cloud.blockBounds(first);
-    const Bounds& box = outline.bounds();
+  void listColumns(const PointCloud& /*cloud*/, std::vector<ColumnKey>& columns) const override {
+    columns.insert(columns.end(), axisColumns.begin(), axisColumns.begin() + 2);
+  }
+
+  Coverage coverage(BlockReader& block) const override {
+    const Bounds bounds = block.bounds();
+    const Bounds& box = outline_.bounds();
     for (std::size_t axis = 0; axis < 2; ++axis)
-      if (block.high[axis] < box.low[axis] || block.low[axis] > box.high[axis]) return Coverage::None;
+      if (bounds.high[axis] < box.low[axis] || bounds.low[axis] > box.high[axis]) return Coverage::None;
     return Coverage::Some;
   }
 
 private:
-  const PointCloud& cloud;
-  const Field& fieldX;
-  const Field& fieldY;
-  Outline outline;
+  Outline outline_;
 };
 
 } // namespace
 
-std::shared_ptr<const PointFilter>
-makePolygonFilter(const PointCloud& cloud, std::span<const Polygon> polygons, std::string& problem) {
+std::shared_ptr<const PointFilter> makePolygonFilter(std::span<const Polygon> polygons,
+                                                     std::string& problem) {
   const bool anyLine = std::any_of(polygons.begin(), polygons.end(),
                                    [](const Polygon& polygon) { return !polygon.rings.empty(); });
   if (!anyLine) {
     problem = "The region holds no polygon. Give at least one with three corners or more.";
     return nullptr;
   }
-  const Field* fieldX = lookUpField(cloud, "X", problem);
-  const Field* fieldY = lookUpField(cloud, "Y", problem);
-  if (fieldX == nullptr || fieldY == nullptr) return nullptr;
-  return std::make_shared<PolygonFilter>(cloud, *fieldX, *fieldY, polygons);
+  return std::make_shared<PolygonFilter>(polygons);
 }
 
-std::shared_ptr<const PointFilter> makeRegionFilter(const PointCloud& cloud, const Region& region,
-                                                    std::string& problem) {
-  if (region.polygons.empty()) return makeBoxFilter(cloud, region.box, problem);
-  return makePolygonFilter(cloud, region.polygons, problem);
+std::shared_ptr<const PointFilter> makeRegionFilter(const Region& region, std::string& problem) {
+  if (region.polygons.empty()) return makeBoxFilter(region.box, problem);
+  return makePolygonFilter(region.polygons, problem);
 }
 
 } // namespace Zamt::Host

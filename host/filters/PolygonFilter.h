@@ -10,13 +10,11 @@
 namespace Zamt::Host {
 
 /// Keeps the points that lie, seen from above, inside any of the polygons or exactly on one of their lines.
-/// Coordinates are finite and in world units. The filter copies the polygons and refers to the cloud, which
-/// must outlive it. Null, with a sentence in `problem`, when there is no polygon.
-std::shared_ptr<const PointFilter> makePolygonFilter(const PointCloud& cloud,
-                                                     std::span<const Polygon> polygons, std::string& problem);
+/// Coordinates are finite and in world units. The filter copies the polygons. Null, with a sentence in
+/// `problem`, when there is no polygon.
+std::shared_ptr<const PointFilter> makePolygonFilter(std::span<const Polygon> polygons, std::string& problem);
 
 /// The filter for a region: that of its polygons, or of its box.
-std::shared_ptr<const PointFilter> makeRegionFilter(const PointCloud& cloud, const Region& region,
-                                                    std::string& problem);
+std::shared_ptr<const PointFilter> makeRegionFilter(const Region& region, std::string& problem);
 
 } // namespace Zamt::Host

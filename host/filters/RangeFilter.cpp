@@ -2,7 +2,6 @@
 
 #include "host/filters/FieldLookup.h"
 
-#include <array>
 #include <cmath>
 #include <limits>
 
@@ -11,28 +10,31 @@ namespace {
 
 class RangeFilter : public PointFilter {
 public:
-  RangeFilter(const PointCloud& pointCloud, const Field& valueField, unsigned valueComponent, double low,
-              double high)
-      : cloud(pointCloud), field(valueField), component(valueComponent), minimum(low), maximum(high) {}
+  RangeFilter(const Field& field, unsigned component, double minimum, double maximum)
+      : field_(field), component_(component), minimum_(minimum), maximum_(maximum) {}
 
-  void test(std::uint64_t first, std::span<const std::uint32_t> indices,
+  void test(BlockReader& block, std::span<const std::uint32_t> indices,
             std::span<std::uint8_t> holds) const override {
+    const Column column = block.column(field_, component_);
     forEachPiece(indices, holds,
                  [&](std::span<const std::uint32_t> piece, std::span<std::uint8_t> pieceHolds) {
-                   std::array<double, gatherPoints> values;
-                   cloud.gather(field, component, first, piece, std::span(values).first(piece.size()));
+                   PieceValues room;
+                   const std::span<const double> values = gatherPiece(column, piece, room);
                    for (std::size_t i = 0; i < piece.size(); ++i)
-                     pieceHolds[i] = static_cast<std::uint8_t>(static_cast<unsigned>(values[i] >= minimum) &
-                                                               static_cast<unsigned>(values[i] <= maximum));
+                     pieceHolds[i] = static_cast<std::uint8_t>(static_cast<unsigned>(values[i] >= minimum_) &
+                                                               static_cast<unsigned>(values[i] <= maximum_));
                  });
   }
 
+  void listColumns(const PointCloud& cloud, std::vector<ColumnKey>& columns) const override {
+    columns.push_back(cloud.keyOf(field_, component_));
+  }
+
 private:
-  const PointCloud& cloud;
-  const Field& field;
-  unsigned component;
-  double minimum;
-  double maximum;
+  const Field& field_;
+  unsigned component_;
+  double minimum_;
+  double maximum_;
 };
 
 std::string componentProblem(const Field& field) {
@@ -58,7 +60,7 @@ std::shared_ptr<const PointFilter> makeRangeFilter(const PointCloud& cloud, std:
     return nullptr;
   }
   constexpr double infinity = std::numeric_limits<double>::infinity();
-  return std::make_shared<RangeFilter>(cloud, *field, static_cast<unsigned>(component),
+  return std::make_shared<RangeFilter>(*field, static_cast<unsigned>(component),
                                        minimum <= -unlimitedValue ? -infinity : minimum,
                                        maximum >= unlimitedValue ? infinity : maximum);
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "files/Stop.h"
+#include "host/clouds/PointCloud.h"
+#include "host/clouds/PointMask.h"
 #include "host/filters/PointFilter.h"
 
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,9 +22,9 @@ struct SelectionStep {
 };
 
 /// Works out the points that the last step keeps; with no steps, all points. Each filter looks only at the
-/// points that its source kept, block by block and blocks in parallel. False when it could not be worked out,
-/// with a sentence in `problem`, or when the work was interrupted.
-bool evaluateSelection(const PointCloud& cloud, const std::vector<SelectionStep>& steps, PointMask& result,
-                       std::string& problem);
+/// points that its source kept, block by block and blocks in parallel. False when it could not be worked out
+/// or was stopped, with a sentence in `problem`.
+bool evaluateSelection(const PointCloud& cloud, const std::vector<SelectionStep>& steps, const Stop& stop,
+                       PointMask& result, std::string& problem);
 
 } // namespace Zamt::Host

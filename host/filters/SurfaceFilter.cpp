@@ -1,10 +1,10 @@
 #include "host/filters/SurfaceFilter.h"
 
+#include "host/filters/FieldLookup.h"
+
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <utility>
-#include <vector>
 
 namespace Zamt::Host {
 
@@ -12,31 +12,31 @@ namespace {
 
 class SurfaceFilter : public PointFilter {
 public:
-  SurfaceFilter(const PointCloud& points, std::array<const Field*, 3> fields,
-                std::shared_ptr<const Surface> over, bool isAbove, double distance)
-      : cloud(points), axes(fields), surface(std::move(over)), above(isAbove), margin(distance) {}
+  SurfaceFilter(std::shared_ptr<const Surface> surface, bool above, double margin)
+      : surface_(std::move(surface)), above_(above), margin_(margin) {}
 
-  void test(std::uint64_t first, std::span<const std::uint32_t> indices,
+  void test(BlockReader& block, std::span<const std::uint32_t> indices,
             std::span<std::uint8_t> holds) const override {
-    // Small enough for the columns to stay in the nearest cache while the index is walked.
-    constexpr std::size_t tile = 1024;
-    std::array<std::array<double, tile>, 3> columns;
-    for (std::size_t start = 0; start < indices.size(); start += tile) {
-      const auto part = indices.subspan(start, std::min(tile, indices.size() - start));
-      for (std::size_t axis = 0; axis < 3; ++axis)
-        cloud.gather(*axes[axis], 0, first, part, std::span(columns[axis]).first(part.size()));
-      std::array<double, tile> distances;
-      const std::span<double> found = std::span(distances).first(part.size());
-      surface->verticalDistances(columns[0], columns[1], columns[2], found);
-      std::transform(found.begin(), found.end(), holds.begin() + static_cast<std::ptrdiff_t>(start),
-                     [this](double distance) { return matches(distance); });
-    }
+    forEachPiece(indices, holds,
+                 [&](std::span<const std::uint32_t> piece, std::span<std::uint8_t> pieceHolds) {
+                   std::array<PieceValues, 3> p;
+                   for (std::size_t axis = 0; axis < 3; ++axis) gatherPiece(block.axis(axis), piece, p[axis]);
+                   PieceValues distances;
+                   const std::span<double> found = std::span(distances).first(piece.size());
+                   surface_->verticalDistances(p[0], p[1], p[2], found);
+                   std::ranges::transform(found, pieceHolds.begin(),
+                                          [this](double distance) { return matches(distance); });
+                 });
   }
 
-  Coverage coverage(std::uint64_t first) const override {
-    if (surface->size() == 0) return Coverage::None;
-    const Bounds box = cloud.blockBounds(first);
-    const auto& plan = surface->planBounds();
+  void listColumns(const PointCloud& /*cloud*/, std::vector<ColumnKey>& columns) const override {
+    columns.insert(columns.end(), axisColumns.begin(), axisColumns.end());
+  }
+
+  Coverage coverage(BlockReader& block) const override {
+    if (surface_->size() == 0) return Coverage::None;
+    const Bounds box = block.bounds();
+    const auto& plan = surface_->planBounds();
     const bool misses = box.empty() || box.high[0] < plan[0] - onSurfaceDistance ||
                         box.high[1] < plan[1] - onSurfaceDistance ||
                         box.low[0] > plan[2] + onSurfaceDistance || box.low[1] > plan[3] + onSurfaceDistance;
@@ -47,31 +47,23 @@ private:
   /// NaN, where there is no surface, compares false.
   std::uint8_t matches(double distance) const {
     if (std::abs(distance) <= onSurfaceDistance) distance = 0;
-    return (above ? distance : -distance) > margin ? 1 : 0;
+    return (above_ ? distance : -distance) > margin_ ? 1 : 0;
   }
 
-  const PointCloud& cloud;
-  std::array<const Field*, 3> axes;
-  std::shared_ptr<const Surface> surface;
-  bool above;
-  double margin;
+  std::shared_ptr<const Surface> surface_;
+  bool above_;
+  double margin_;
 };
 
 } // namespace
 
-std::shared_ptr<const PointFilter> makeSurfaceFilter(const PointCloud& cloud,
-                                                     std::shared_ptr<const Surface> surface, bool above,
+std::shared_ptr<const PointFilter> makeSurfaceFilter(std::shared_ptr<const Surface> surface, bool above,
                                                      double margin, std::string& problem) {
-  const std::array<const Field*, 3> axes{cloud.findField("X"), cloud.findField("Y"), cloud.findField("Z")};
-  if (!surface || !axes[0] || !axes[1] || !axes[2]) {
-    problem = "Points can only be compared with a surface when both are there; load them first.";
-    return nullptr;
-  }
   if (std::isnan(margin)) {
     problem = "The margin of a surface must be a number; give a distance such as 0.2.";
     return nullptr;
   }
-  return std::make_shared<SurfaceFilter>(cloud, axes, std::move(surface), above, margin);
+  return std::make_shared<SurfaceFilter>(std::move(surface), above, margin);
 }
 
 } // namespace Zamt::Host

@@ -13,10 +13,9 @@ namespace Zamt::Host {
 inline constexpr double onSurfaceDistance = 1e-6;
 
 /// A filter for the points more than `margin` (world units) above the surface, or below it. With several
-/// sheets the one nearest in height counts. Points that no triangle covers in plan never match. Null, with a
-/// sentence in `problem`, when the cloud or the margin can't be used. `cloud` must outlive the filter.
-std::shared_ptr<const PointFilter> makeSurfaceFilter(const PointCloud& cloud,
-                                                     std::shared_ptr<const Surface> surface, bool above,
+/// sheets the one nearest in height counts. Points that no triangle covers in plan never match. `surface` is
+/// not null. Null, with a sentence in `problem`, when the margin can't be used.
+std::shared_ptr<const PointFilter> makeSurfaceFilter(std::shared_ptr<const Surface> surface, bool above,
                                                      double margin, std::string& problem);
 
 } // namespace Zamt::Host

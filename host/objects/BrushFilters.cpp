@@ -124,7 +124,7 @@ class ByTin : public BrushFilter {
       input<double>("margin", "How far past the surface a point has to be, in units of the cloud.", 0);
   SurfaceCache surfaces_;
 
-  bool make(const Grid& grid, SelectionStep& step, std::string& problem) override {
+  bool make(const Grid& /*grid*/, SelectionStep& step, std::string& problem) override {
     const bool above = side_.get() == "above";
     if (!above && side_.get() != "below") {
       problem = "A surface has the sides \"below\" and \"above\", but not \"" + side_.get() + "\".";
@@ -136,7 +136,7 @@ class ByTin : public BrushFilter {
     }
     std::shared_ptr<const Surface> surface = surfaces_.load(surface_.get(), problem);
     if (!surface) return false;
-    step.filter = makeSurfaceFilter(*grid.cloud, std::move(surface), above, margin_.get(), problem);
+    step.filter = makeSurfaceFilter(std::move(surface), above, margin_.get(), problem);
     return step.filter != nullptr;
   }
 };
@@ -177,8 +177,8 @@ class ByBox : public BrushFilter {
       "Where to stay inside: the region of a brush, two corners as six numbers, or a polygon as WKT or "
       "GeoJSON.");
 
-  bool make(const Grid& grid, SelectionStep& step, std::string& problem) override {
-    step.filter = makeRegionFilter(*grid.cloud, box_.get(), problem);
+  bool make(const Grid& /*grid*/, SelectionStep& step, std::string& problem) override {
+    step.filter = makeRegionFilter(box_.get(), problem);
     return step.filter != nullptr;
   }
 };
@@ -189,12 +189,12 @@ class BySphere : public BrushFilter {
   VInput<double> radius_ =
       input<double>("radius", "How far from the middle to reach, in units of the cloud.");
 
-  bool make(const Grid& grid, SelectionStep& step, std::string& problem) override {
+  bool make(const Grid& /*grid*/, SelectionStep& step, std::string& problem) override {
     if (!centre_.get().given) {
       problem = "The ball has no middle. Give it as three numbers, as in \"1, 2, 3\".";
       return false;
     }
-    step.filter = makeSphereFilter(*grid.cloud, centre_.get().at, radius_.get(), problem);
+    step.filter = makeSphereFilter(centre_.get().at, radius_.get(), problem);
     return step.filter != nullptr;
   }
 };

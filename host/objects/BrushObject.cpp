@@ -20,13 +20,13 @@ struct Frame {
 
 class ChainWalk {
 public:
-  ChainWalk(const Grid& cloudGrid, std::vector<SelectionStep>& out, std::string& why)
-      : grid(cloudGrid), steps(out), problem(why) {}
+  ChainWalk(const Grid& grid, std::vector<SelectionStep>& steps, std::string& problem)
+      : grid_(grid), steps_(steps), problem_(problem) {}
 
   bool walk(const ObjectPtr& end) {
     if (!enter(end)) return false;
-    while (!stack.empty()) {
-      Frame& top = stack.back();
+    while (!stack_.empty()) {
+      Frame& top = stack_.back();
       if (top.places.size() < top.inputs.size()) {
         if (!follow(top)) return false;
       } else if (!leave(top)) {
@@ -40,12 +40,12 @@ private:
   bool enter(const ObjectPtr& object) {
     auto brush = std::dynamic_pointer_cast<BrushObject>(object);
     if (!brush) {
-      problem = "\"" + object->name() + "\" publishes a brush of a kind that cannot be followed here.";
+      problem_ = "\"" + object->name() + "\" publishes a brush of a kind that cannot be followed here.";
       return false;
     }
-    placeOf[object.get()] = underWay;
+    placeOf_[object.get()] = underWay;
     auto inputs = brush->brushInputs();
-    stack.push_back({std::move(brush), std::move(inputs), {}});
+    stack_.push_back({std::move(brush), std::move(inputs), {}});
     return true;
   }
 
@@ -56,11 +56,11 @@ private:
       top.places.push_back(everyPoint);
       return true;
     }
-    const auto known = placeOf.find(source.get());
-    if (known == placeOf.end()) return enter(source);
+    const auto known = placeOf_.find(source.get());
+    if (known == placeOf_.end()) return enter(source);
     if (known->second == underWay) {
-      problem = "The brush of \"" + source->name() +
-                "\" leads back to itself. Detach one of the connections in the circle.";
+      problem_ = "The brush of \"" + source->name() +
+                 "\" leads back to itself. Detach one of the connections in the circle.";
       return false;
     }
     top.places.push_back(known->second);
@@ -71,18 +71,18 @@ private:
     SelectionStep step;
     if (!top.places.empty()) step.source = top.places[0];
     if (top.places.size() > 1) step.other = top.places[1];
-    if (!top.object->describe(grid, step, problem)) return false;
-    placeOf[top.object.get()] = static_cast<int>(steps.size());
-    steps.push_back(std::move(step));
-    stack.pop_back();
+    if (!top.object->describe(grid_, step, problem_)) return false;
+    placeOf_[top.object.get()] = static_cast<int>(steps_.size());
+    steps_.push_back(std::move(step));
+    stack_.pop_back();
     return true;
   }
 
-  const Grid& grid;
-  std::vector<SelectionStep>& steps;
-  std::string& problem;
-  std::vector<Frame> stack;
-  std::map<const VObject*, int> placeOf;
+  const Grid& grid_;
+  std::vector<SelectionStep>& steps_;
+  std::string& problem_;
+  std::vector<Frame> stack_;
+  std::map<const VObject*, int> placeOf_;
 };
 
 } // namespace

@@ -12,9 +12,7 @@ namespace Zamt::Host {
 namespace {
 
 /// A filter that no point passes, for a brush that nobody has drawn.
-std::shared_ptr<const PointFilter> nothing(const PointCloud& cloud, std::string& problem) {
-  return makeBoxFilter(cloud, Bounds{}, problem);
-}
+std::shared_ptr<const PointFilter> nothing(std::string& problem) { return makeBoxFilter(Bounds{}, problem); }
 
 /// A brush whose region is written into one of its slots.
 class RegionBrush : public BrushObject {
@@ -23,8 +21,8 @@ public:
       : region_(input<Region>(
             slot, "Where to select: two corners as six numbers, or a polygon as WKT or GeoJSON.")) {}
 
-  bool describe(const Grid& grid, SelectionStep& step, std::string& problem) override {
-    step.filter = makeRegionFilter(*grid.cloud, region_.get(), problem);
+  bool describe(const Grid& /*grid*/, SelectionStep& step, std::string& problem) override {
+    step.filter = makeRegionFilter(region_.get(), problem);
     tell(step.filter ? "Keeps the points inside " + VValueTrait<Region>::Text(region_.get()) + "." : problem);
     return step.filter != nullptr;
   }
@@ -39,10 +37,9 @@ private:
 /// A brush drawn on the screen. Nothing draws in a scene without one, and an undrawn brush keeps nothing.
 class ScreenBrush : public BrushObject {
 public:
-  bool describe(const Grid& grid, SelectionStep& step, std::string& problem) override {
+  bool describe(const Grid& /*grid*/, SelectionStep& step, std::string& problem) override {
     const Region& drawn = published_.get();
-    step.filter = drawn.polygons.empty() ? nothing(*grid.cloud, problem)
-                                         : makeRegionFilter(*grid.cloud, drawn, problem);
+    step.filter = drawn.polygons.empty() ? nothing(problem) : makeRegionFilter(drawn, problem);
     tell(drawn.polygons.empty() ? "Nothing was drawn yet." : "Keeps the points inside what was drawn.");
     return step.filter != nullptr;
   }

@@ -52,21 +52,21 @@ void CloudSource::compute() {
   if (file_.get().empty())
     problem = "No file was named.";
   else
-    grid = openGrid(file_.get(), problem);
+    grid = openGrid(file_.get(), surroundings_, problem);
   status_.publish(grid ? std::to_string(grid->cloud->size()) + " points of " + grid->cloud->path() + "."
                        : problem);
   problem_.publish(problem);
   grid_.publish(std::move(grid));
 }
 
-void registerCloudObjects() {
-  registerCreator<CloudSource>("Lattix", "PointCloud",
-                               {.rank = 2000,
-                                .shortHelp = "Reads a point cloud from a LAS file.",
-                                .longHelp =
-                                    "Opens a LAS file of any version and point format and publishes its "
-                                    "points with all fields, extra bytes included.",
-                                .accepts = {}});
+void registerCloudObjects(const Surroundings& surroundings) {
+  registerCreator("Lattix", "PointCloud",
+                  {.rank = 2000,
+                   .shortHelp = "Reads a point cloud from a LAS file.",
+                   .longHelp = "Opens a LAS file of any version and point format and publishes its "
+                               "points with all fields, extra bytes included.",
+                   .accepts = {}},
+                  [surroundings] { return std::make_shared<CloudSource>(surroundings); });
   registerCreator<FieldObject>("Lattix", "Field",
                                {.rank = 2000,
                                 .shortHelp = "Picks one field of a cloud.",

@@ -13,6 +13,8 @@ namespace Zamt::Host {
 /// name puts another cloud in the same place, so that whatever is attached works on that one next.
 class CloudSource : public VObject {
 public:
+  explicit CloudSource(const Surroundings& surroundings) : surroundings_(surroundings) {}
+
   /// The cloud that is open; null if none is.
   Rethold::StrongPtr<Grid> grid() const { return grid_.get(); }
 
@@ -25,6 +27,7 @@ public:
 private:
   void compute() override;
 
+  Surroundings surroundings_;
   VInput<std::string> file_ = input<std::string>("file", "The LAS file to read.");
   VOutput<Rethold::StrongPtr<Grid>> grid_ =
       output<Rethold::StrongPtr<Grid>>("grid", "The points of the file.");
@@ -34,6 +37,6 @@ private:
 };
 
 /// Registers the cloud and the object that picks one of its fields.
-void registerCloudObjects();
+void registerCloudObjects(const Surroundings& surroundings);
 
 } // namespace Zamt::Host

@@ -33,13 +33,12 @@ LabelSet labelsOf(const PointCloud& cloud) {
 
 } // namespace
 
-Rethold::StrongPtr<Grid> openGrid(const std::string& path, std::string& problem) {
-  std::shared_ptr<PointCloud> cloud = PointCloud::open(path, problem);
+Rethold::StrongPtr<Grid> openGrid(const std::string& path, const Surroundings& surroundings,
+                                  std::string& problem) {
+  std::shared_ptr<PointCloud> cloud = openCloud(path, problem, surroundings.formats);
   if (!cloud) return nullptr;
-  auto grid = std::make_shared<Grid>();
-  grid->labels = labelsOf(*cloud);
-  grid->cloud = std::move(cloud);
-  return grid;
+  LabelSet labels = labelsOf(*cloud);
+  return std::make_shared<Grid>(Grid{std::move(cloud), surroundings.stop, std::move(labels), {}, {}, {}});
 }
 
 } // namespace Zamt::Host

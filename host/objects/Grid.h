@@ -1,7 +1,8 @@
 #pragma once
 
-#include "host/clouds/PointCloud.h"
+#include "files/Stop.h"
 #include "host/clouds/PointMask.h"
+#include "host/clouds/openCloud.h"
 
 #include "cadmer/LabelSet.h"
 #include "rethold/Pointer.h"
@@ -22,6 +23,9 @@ namespace Zamt::Host {
 struct Grid {
   std::shared_ptr<PointCloud> cloud;
 
+  /// Ends what is done with the cloud, when it is raised.
+  const Stop& stop;
+
   /// The classes of the file's lookup record, and the standard ones for numbers that it does not name.
   LabelSet labels;
 
@@ -35,8 +39,15 @@ struct Grid {
   std::map<std::uint8_t, std::string> addedClasses;
 };
 
+/// What objects of the graph are given by whoever makes the scene, and which outlives it.
+struct Surroundings {
+  const Stop& stop;
+  CloudFormats formats = cloudFormats(); ///< In which clouds are read.
+};
+
 /// Opens the cloud at `path` with its classes. Null when it can't be used, with a sentence in `problem`.
-Rethold::StrongPtr<Grid> openGrid(const std::string& path, std::string& problem);
+Rethold::StrongPtr<Grid> openGrid(const std::string& path, const Surroundings& surroundings,
+                                  std::string& problem);
 
 /// One field of a cloud, which may not be there.
 struct FieldHandle {

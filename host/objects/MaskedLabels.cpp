@@ -1,12 +1,12 @@
 #include "host/objects/MaskedLabels.h"
 
-#include "files/Interruption.h"
+#include "host/clouds/forEachBlock.h"
 #include "host/objects/CloudObjects.h"
 
 #include "sorbine/VCreator.h"
 
 #include <mutex>
-#include <tbb/parallel_for.h>
+#include <oneapi/tbb/enumerable_thread_specific.h>
 
 namespace Zamt::Host {
 
@@ -45,15 +45,21 @@ std::array<bool, 256> editableClasses(const LabelSet& set) {
   return editable;
 }
 
-/// Calls `visit(first, indices)` for each block with set points, blocks in parallel.
+using Indices = std::vector<std::uint32_t>;
+
+/// Calls `visit(block, indices)` for each block with points of the mask, blocks in parallel. False, with a
+/// sentence in `problem`, when it was stopped or a block can't be read.
 template <class Visit>
-void forEachBlock(const PointMask& mask, const Visit& visit) {
-  const std::uint64_t blocks = (mask.size() + blockPoints - 1) / blockPoints;
-  tbb::parallel_for(std::uint64_t{0}, blocks, [&](std::uint64_t block) {
-    std::vector<std::uint32_t> indices;
-    mask.listBlock(block * blockPoints, indices);
-    if (!indices.empty()) visit(block * blockPoints, indices);
-  });
+bool visitMasked(const Grid& grid, const PointMask& mask, const Visit& visit, std::string& problem) {
+  tbb::enumerable_thread_specific<Indices> lists;
+  const auto visitBlock = [&](BlockReader& block) {
+    Indices& indices = lists.local();
+    indices.clear();
+    mask.list(block.first(), block.size(), indices);
+    if (!indices.empty()) visit(block, indices);
+  };
+  const std::array<ColumnKey, 1> expected{grid.cloud->keyOf(grid.cloud->classField())};
+  return forEachBlock(*grid.cloud, expected, grid.stop, visitBlock, problem);
 }
 
 } // namespace
@@ -136,14 +142,14 @@ void MaskedLabels::select() {
   std::vector<SelectionStep> steps;
   PointMask kept;
   if (!target(*grid, number, problem) || !buildSelection(start, *grid, steps, problem) ||
-      !evaluateSelection(*grid->cloud, steps, kept, problem))
+      !evaluateSelection(*grid->cloud, steps, grid->stop, kept, problem))
     return fail(problem);
 
   change_.editor = name();
   change_.target = number;
   if (const Label* const label = findLabel(labels_.get(), number)) change_.targetName = label->name;
   change_.considered = grid->cloud->size();
-  countChanges(*grid->cloud, kept);
+  if (!countChanges(*grid, kept, problem)) return fail(problem);
   grid_ = grid;
   grid->masks[maskfield_.get()] = mask_;
   modified_.publish(std::to_string(change_.modified));
@@ -153,31 +159,36 @@ void MaskedLabels::select() {
 }
 
 /// Of the points kept, those whose class may be changed and is another than the target.
-void MaskedLabels::countChanges(const PointCloud& cloud, const PointMask& kept) {
+bool MaskedLabels::countChanges(const Grid& grid, const PointMask& kept, std::string& problem) {
   const std::array<bool, 256> editable = editableClasses(labels_.get());
-  mask_ = PointMask(cloud.size());
+  mask_ = PointMask(grid.cloud->size());
   std::mutex totals;
-  forEachBlock(kept, [&](std::uint64_t first, const std::vector<std::uint32_t>& indices) {
+  const auto count = [&](BlockReader& block, Indices& indices) {
     std::array<std::uint64_t, 256> from{};
-    for (const std::uint32_t index : indices) {
-      const std::uint8_t number = cloud.classOf(first + index);
-      if (number == change_.target || !editable[number]) continue;
+    const Column classes = block.classes();
+    std::erase_if(indices, [&](std::uint32_t index) {
+      const std::uint8_t number = classes.byteAt(index);
+      if (number == change_.target || !editable[number]) return true;
       ++from[number];
-      mask_.set(first + index);
-    }
+      return false;
+    });
+    mask_.add(block.first(), indices);
     const std::lock_guard lock(totals);
     for (std::size_t number = 0; number < from.size(); ++number) {
       change_.from[number] += from[number];
       change_.modified += from[number];
     }
-  });
+  };
+  return visitMasked(grid, kept, count, problem);
 }
 
 void MaskedLabels::applySelection() {
   if (!grid_) return;
-  forEachBlock(mask_, [&](std::uint64_t first, const std::vector<std::uint32_t>& indices) {
-    for (const std::uint32_t index : indices) grid_->cloud->setClass(first + index, change_.target);
-  });
+  std::string problem;
+  const auto change = [this](BlockReader& block, const Indices& indices) {
+    grid_->cloud->setClass(block, indices, change_.target);
+  };
+  if (!visitMasked(*grid_, mask_, change, problem)) return fail(problem);
   const bool unnamed = !findLabel(grid_->labels, change_.target);
   if (change_.modified > 0 && unnamed && !change_.targetName.empty()) {
     grid_->addedClasses[change_.target] = change_.targetName;

@@ -50,7 +50,7 @@ private:
   void select();
   void applySelection();
   bool target(const Grid& grid, std::uint8_t& number, std::string& problem) const;
-  void countChanges(const PointCloud& cloud, const PointMask& kept);
+  bool countChanges(const Grid& grid, const PointMask& kept, std::string& problem);
   void fail(const std::string& problem);
 
   VInput<BrushPtr> brush_ =

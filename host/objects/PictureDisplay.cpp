@@ -44,7 +44,9 @@ class PictureDisplay : public VObject {
       view.azimuth = azimuth_.get();
       view.elevation = elevation_.get();
       view.outlineMask = maskdisplay_.get() == "outline";
-      writePng(renderCloud(*grid->cloud, mask(), view), file_.get(), problem);
+      Image image;
+      if (renderCloud(*grid->cloud, mask(), view, grid->stop, image, problem))
+        writePng(image, file_.get(), problem);
     }
     problem_.publish(problem);
     status_.publish(problem.empty() ? "Drew " + file_.get() + "." : problem);

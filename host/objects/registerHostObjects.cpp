@@ -8,8 +8,8 @@
 
 namespace Zamt::Host {
 
-void registerHostObjects() {
-  registerCloudObjects();
+void registerHostObjects(const Surroundings& surroundings) {
+  registerCloudObjects(surroundings);
   registerBrushes();
   registerBrushFilters();
   registerMaskedLabels();

@@ -19,7 +19,7 @@ constexpr const char* boxHint =
     "Write two corners as six numbers (x0 y0 z0 x1 y1 z1), four numbers (x0 y0 x1 y1), a WKT POLYGON or a "
     "GeoJSON Polygon.";
 
-// A message quotes no more of a text than this many bytes.
+/// A message quotes no more of a text than this many bytes.
 constexpr std::size_t quotedBytes = 40;
 
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
@@ -33,7 +33,7 @@ std::string quote(std::string_view text) {
   return "\"" + std::string(text.substr(0, end)) + "...\"";
 }
 
-// Reads a text from the front.
+/// Reads a text from the front.
 struct Cursor {
   std::string_view rest;
 
@@ -53,7 +53,7 @@ struct Cursor {
     return true;
   }
 
-  // The next run of letters, in capitals; empty if there is none.
+  /// The next run of letters, in capitals; empty if there is none.
   std::string takeWord() {
     skipBlanks();
     std::string word;
@@ -73,8 +73,8 @@ struct Cursor {
   }
 };
 
-// Numbers separated by blanks or commas, in parentheses nested in any way. At most `most` of them; nothing if
-// the text is anything else.
+/// Numbers separated by blanks or commas, in parentheses nested in any way. At most `most` of them; nothing
+/// if the text is anything else.
 std::optional<std::vector<double>> readNumbers(std::string_view text, std::size_t most) {
   Cursor cursor{text};
   std::vector<double> numbers;
@@ -122,13 +122,13 @@ bool readBox(std::string_view text, Region& region, std::string& problem) {
   return true;
 }
 
-// Three corners, not counting one that repeats the first.
+/// Three corners, not counting one that repeats the first.
 bool enclosesSomething(const Ring& ring) {
   const std::size_t repeated = ring.size() > 1 && ring.front() == ring.back() ? 1 : 0;
   return ring.size() - repeated >= 3;
 }
 
-// "(x y, x y, ...)", each with as many further numbers as the text likes.
+/// "(x y, x y, ...)", each with as many further numbers as the text likes.
 bool readWktRing(Cursor& cursor, Ring& ring) {
   if (!cursor.take('(')) return false;
   do {
@@ -241,8 +241,8 @@ bool readFeatures(const Json& collection, std::vector<Polygon>& polygons, std::s
                      [&](const Json& feature) { return readFeature(feature, polygons, problem); });
 }
 
-// The parser and the destruction of what it makes keep their own stacks, and geometries are read to a fixed
-// depth, so that no nesting is too deep here.
+/// The parser and the destruction of what it makes keep their own stacks, and geometries are read to a fixed
+/// depth, so that no nesting is too deep here.
 bool readGeoJson(std::string_view text, Region& region, std::string& problem) {
   const Json json = Json::parse(text.begin(), text.end(), nullptr, false);
   if (json.is_discarded()) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/clouds/PointCloud.h"
+#include "host/clouds/Bounds.h"
 
 #include <array>
 #include <string>

@@ -1,6 +1,6 @@
 #include "host/sample/SampleFiles.h"
 
-#include "host/clouds/las/LasBuilder.h"
+#include "host/clouds/buildCloud.h"
 #include "host/surfaces/SurfaceFile.h"
 
 namespace Zamt::Host {
@@ -22,13 +22,13 @@ void fillPoint(const SamplePoint& from, NewPoint& to) {
 } // namespace
 
 bool writeSample(const SampleScene& scene, const std::string& cloudPath, const std::string& surfacePath,
-                 std::string& problem) {
+                 const Stop& stop, std::string& problem) {
   NewCloud cloud;
   cloud.origin = {sampleOrigin[0], sampleOrigin[1], 0};
   cloud.extraFields = {{"Amplitude", FieldType::F32, 1}, {"NormalVector", FieldType::F32, 3}};
   const auto fill = [&scene](std::uint64_t index, NewPoint& point) { fillPoint(scene.points[index], point); };
   return writePly(surfacePath, scene.water, problem) &&
-         buildLas(cloud, scene.points.size(), fill, cloudPath, problem);
+         buildCloud(cloud, scene.points.size(), fill, cloudPath, stop, problem);
 }
 
 } // namespace Zamt::Host

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/Stop.h"
 #include "host/sample/SampleScene.h"
 
 #include <string>
@@ -8,8 +9,8 @@ namespace Zamt::Host {
 
 /// Writes a scene as a LAS 1.4 file with the extra fields "Amplitude" and, of three components,
 /// "NormalVector", and its water as a PLY file. False, with a sentence in `problem`, when one of them can't
-/// be written.
+/// be written or it was stopped.
 bool writeSample(const SampleScene& scene, const std::string& cloudPath, const std::string& surfacePath,
-                 std::string& problem);
+                 const Stop& stop, std::string& problem);
 
 } // namespace Zamt::Host

@@ -1,6 +1,5 @@
 #include "host/session/Scene.h"
 
-#include "host/clouds/las/CloudWriter.h"
 #include "host/objects/registerHostObjects.h"
 #include "host/objects/values.h"
 #include "host/session/classNames.h"
@@ -50,9 +49,9 @@ bool outsideRange(const QuindleParam& param, const std::string& text) {
 
 } // namespace
 
-Scene::Scene() {
+Scene::Scene(const Stop& stop, CloudFormats formats) : stop_(stop) {
   VManagedObject::clear();
-  registerHostObjects();
+  registerHostObjects({stop, formats});
   ops_ = std::make_unique<TolvenQuindleOps>(std::make_shared<ValuePool>());
   runtime_ = std::make_unique<QuindleRuntime>(*ops_);
   Diag diag;
@@ -238,7 +237,7 @@ bool Scene::writeCloud(const std::string& path, Diag& diag) {
   std::vector<std::string> shortened;
   std::string problem = "There is no cloud to write.";
   if (!open || !storableClassNames(*open, names, shortened, problem) ||
-      !Host::writeCloud(*open->cloud, names, path, problem)) {
+      !open->cloud->write(names, path, stop_, problem)) {
     diag.error(problem, path);
     return false;
   }

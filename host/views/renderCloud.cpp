@@ -1,13 +1,14 @@
 #include "host/views/renderCloud.h"
 
-#include "files/Interruption.h"
 #include "files/writeWholeFile.h"
+#include "host/clouds/forEachBlock.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numbers>
 #include <png.h>
+#include <span>
 
 namespace Zamt::Host {
 
@@ -141,43 +142,89 @@ Colour shaded(const Colour& colour, double heightShare) {
   return out;
 }
 
-} // namespace
-
-Image renderCloud(const PointCloud& cloud, const PointMask* mask, const View& view) {
-  const Projection projection = projectionOf(view);
+/// What has to be known of all points before the first is drawn.
+struct Survey {
   Extent across;
   Extent along;
   Heights heights;
-  for (std::uint64_t point = 0; point < cloud.size(); ++point) {
-    const std::array<double, 3> position = cloud.position(point);
-    across.take(dot(projection.right, position));
-    along.take(dot(projection.down, position));
-    heights.take(position[2]);
-  }
-  const unsigned width = std::clamp(view.width, 1U, widestPicture);
-  const double scale = across.span() > 0 ? (width - 1) / across.span() : 1;
-  const auto height =
-      static_cast<unsigned>(std::clamp(along.span() * scale + 1, 1.0, static_cast<double>(widestPicture)));
-  Canvas canvas = blankCanvas(width, height);
-  if (cloud.size() == 0) return std::move(canvas.image);
-  canvas.dotSize = dotSizeFor(cloud.size(), canvas.image);
+};
 
-  constexpr float inFront = 1e30F; // nearer than any world coordinate
-  for (std::uint64_t point = 0; point < cloud.size() && !interrupted; ++point) {
-    const std::array<double, 3> position = cloud.position(point);
-    const double x = std::clamp((dot(projection.right, position) - across.low) * scale, 0.0, width - 1.0);
-    const double y = std::clamp((dot(projection.down, position) - along.low) * scale, 0.0, height - 1.0);
-    const auto nearness = static_cast<float>(dot(projection.near, position));
-    const auto column = static_cast<unsigned>(x);
-    const auto row = static_cast<unsigned>(y);
-    const bool masked = mask && point < mask->size() && mask->test(point);
-    if (!masked || view.outlineMask)
-      canvas.draw(column, row, nearness,
-                  shaded(colourOfClass(cloud.classOf(point)), heights.share(position[2])));
-    if (masked && view.outlineMask && column > 0) canvas.draw(column - 1, row, inFront, maskColour);
-    if (masked && !view.outlineMask) canvas.draw(column, row, inFront, maskColour);
+/// Calls `visit(index, position)` for each point of a block; the index counts from the block's first.
+template <class Visit>
+void forEachPoint(BlockReader& block, Visit visit) {
+  constexpr std::size_t pieceSize = 1024;
+  std::array<std::array<double, pieceSize>, 3> values;
+  for (std::size_t from = 0; from < block.size(); from += pieceSize) {
+    const std::size_t count = std::min(pieceSize, block.size() - from);
+    for (std::size_t axis = 0; axis < 3; ++axis)
+      block.axis(axis).read(from, std::span(values[axis]).first(count));
+    for (std::size_t i = 0; i < count; ++i)
+      visit(from + i, std::array<double, 3>{values[0][i], values[1][i], values[2][i]});
   }
-  return std::move(canvas.image);
+}
+
+/// Draws point by point onto a canvas whose size is settled.
+class Painter {
+public:
+  Painter(const Projection& projection, const Survey& survey, double scale, Canvas& canvas)
+      : projection_(projection), survey_(survey), scale_(scale), canvas_(canvas) {}
+
+  void draw(const std::array<double, 3>& position, std::uint8_t number, bool masked, bool outline) {
+    constexpr float inFront = 1e30F; // nearer than any world coordinate
+    const unsigned column = pixel(dot(projection_.right, position), survey_.across.low, canvas_.image.width);
+    const unsigned row = pixel(dot(projection_.down, position), survey_.along.low, canvas_.image.height);
+    if (!masked || outline)
+      canvas_.draw(column, row, static_cast<float>(dot(projection_.near, position)),
+                   shaded(colourOfClass(number), survey_.heights.share(position[2])));
+    if (masked && outline && column > 0) canvas_.draw(column - 1, row, inFront, maskColour);
+    if (masked && !outline) canvas_.draw(column, row, inFront, maskColour);
+  }
+
+private:
+  unsigned pixel(double value, double low, unsigned size) const {
+    return static_cast<unsigned>(std::clamp((value - low) * scale_, 0.0, size - 1.0));
+  }
+
+  const Projection& projection_;
+  const Survey& survey_;
+  double scale_;
+  Canvas& canvas_;
+};
+
+} // namespace
+
+bool renderCloud(const PointCloud& cloud, const PointMask* mask, const View& view, const Stop& stop,
+                 Image& image, std::string& problem) {
+  const Projection projection = projectionOf(view);
+  Survey survey;
+  const auto measure = [&](BlockReader& block) {
+    forEachPoint(block, [&](std::size_t, const std::array<double, 3>& position) {
+      survey.across.take(dot(projection.right, position));
+      survey.along.take(dot(projection.down, position));
+      survey.heights.take(position[2]);
+    });
+  };
+  if (!walkBlocks(cloud, axisColumns, stop, measure, problem)) return false;
+  const unsigned width = std::clamp(view.width, 1U, widestPicture);
+  const double scale = survey.across.span() > 0 ? (width - 1) / survey.across.span() : 1;
+  const auto height = static_cast<unsigned>(
+      std::clamp(survey.along.span() * scale + 1, 1.0, static_cast<double>(widestPicture)));
+  Canvas canvas = blankCanvas(width, height);
+  canvas.dotSize = dotSizeFor(cloud.size(), canvas.image);
+  Painter painter(projection, survey, scale, canvas);
+  const auto paint = [&](BlockReader& block) {
+    const Column classes = block.classes();
+    forEachPoint(block, [&](std::size_t index, const std::array<double, 3>& position) {
+      const std::uint64_t point = block.first() + index;
+      const bool masked = mask && point < mask->size() && mask->test(point);
+      painter.draw(position, classes.byteAt(index), masked, view.outlineMask);
+    });
+  };
+  std::vector<ColumnKey> drawn(axisColumns.begin(), axisColumns.end());
+  drawn.push_back(cloud.keyOf(cloud.classField()));
+  if (!walkBlocks(cloud, drawn, stop, paint, problem)) return false;
+  image = std::move(canvas.image);
+  return true;
 }
 
 bool writePng(const Image& image, const std::string& path, std::string& problem) {

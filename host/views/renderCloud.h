@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/Stop.h"
 #include "host/clouds/PointCloud.h"
 #include "host/clouds/PointMask.h"
 
@@ -25,8 +26,10 @@ struct View {
 };
 
 /// Draws every point in the colour of its class, the nearest one of a pixel winning, and the points of `mask`
-/// (null for none) in the mask colour in front of all others, so that a few changed points are seen.
-Image renderCloud(const PointCloud& cloud, const PointMask* mask, const View& view);
+/// (null for none) in the mask colour in front of all others, so that a few changed points are seen. False,
+/// with a sentence in `problem`, when it was stopped or a block can't be read.
+bool renderCloud(const PointCloud& cloud, const PointMask* mask, const View& view, const Stop& stop,
+                 Image& image, std::string& problem);
 
 /// Writes `image` as a PNG file, whole or not at all. False with a sentence in `problem` on failure.
 bool writePng(const Image& image, const std::string& path, std::string& problem);

@@ -1,6 +1,7 @@
 #include "quindle/check/adviseQuindle.h"
 
 #include "quindle/check/advice/Advisor.h"
+#include "quindle/check/advice/GuardAdvice.h"
 #include "quindle/check/advice/NarrowingAdvice.h"
 #include "quindle/check/advice/ReportAdvice.h"
 #include "quindle/check/advice/ValueAdvice.h"
@@ -29,9 +30,11 @@ public:
         narrowing_(advisor),
         values_(advisor),
         reports_(advisor, values_),
-        classes_(advisor) {}
+        classes_(advisor),
+        guards_(advisor) {}
 
   void walk(const QuindleTrigger& trigger) {
+    guards_.start(trigger);
     narrowing_.start();
     values_.start();
     reports_.start();
@@ -39,7 +42,7 @@ public:
     eachStep(
         trigger.steps, [this](const QuindleStep& step, const StepPlace& place) { enter(step, place); },
         [this](const QuindleStep& step) {
-          if (hasBlocks(step.kind)) closeBlocks();
+          if (hasBlocks(step.kind)) closeBlocks(step);
         });
   }
 
@@ -52,7 +55,8 @@ private:
   };
 
   void enter(const QuindleStep& step, const StepPlace& place) {
-    if (startsElse(place)) startElse();
+    if (startsElse(place)) startElse(*place.parent);
+    guards_.step(step);
     advise(step);
   }
 
@@ -71,7 +75,10 @@ private:
     case Kind::Create:
     case Kind::Set:
     case Kind::Connect: adviseOnObjects(step, bodies_.back().ifLine, advisor_); break;
-    case Kind::If: openBlocks({step.line, values_.decide(step), {}}); break;
+    case Kind::If:
+      openBlocks({step.line, values_.decide(step), {}});
+      guards_.openBlocks(step);
+      break;
     case Kind::ForEach:
       adviseOnRefused(step, advisor_);
       values_.loop(step);
@@ -101,13 +108,15 @@ private:
     reports_.openBlocks();
   }
 
-  void startElse() {
+  void startElse(const QuindleStep& owner) {
+    guards_.startElse(owner);
     bodies_.back().selected.clear();
     narrowing_.startElse();
     reports_.startElse();
   }
 
-  void closeBlocks() {
+  void closeBlocks(const QuindleStep& step) {
+    if (step.kind == QuindleStep::Kind::If) guards_.closeBlocks();
     narrowing_.closeBlocks();
     reports_.closeBlocks(bodies_.back().decided);
     bodies_.pop_back();
@@ -118,6 +127,7 @@ private:
   ValueAdvice values_;
   ReportAdvice reports_;
   ClassAdvice classes_;
+  GuardAdvice guards_;
   std::vector<Body> bodies_;
 };
 

@@ -32,8 +32,8 @@ void guarded(Diag& diag, const Work& work) {
   });
 }
 
-/// Throws std::bad_alloc if that is what one of the errors says. For whoever asks the scene and takes "no" for
-/// an answer: what it says for want of memory is none.
+/// Throws std::bad_alloc if that is what one of the errors says. For whoever asks the scene and takes "no"
+/// for an answer: what it says for want of memory is none.
 void passOnLackOfMemory(const Diag& diag);
 
 /// What functions of the interface do, under the same names, for callers in the library that are guarded

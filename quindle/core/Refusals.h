@@ -53,6 +53,11 @@ inline std::string ownClass(const std::string& name, const std::string& number) 
 
 inline constexpr const char* cannotRunYet = "This kind of step cannot be run yet.";
 inline constexpr const char* onlyWrittenOut = "Only a written-out value can be set for now.";
+inline constexpr const char* guardsTooLarge =
+    "The conditions of the \"if\" blocks around the steps of this Quindle add up to more than can be kept, "
+    "since every step carries all those around it. Nest the blocks less deeply, or move some of the steps to "
+    "a "
+    "Quindle of their own and \"run\" that.";
 inline constexpr const char* nothingToRun = "This Quindle has nothing to run.";
 
 inline std::string noSlot(const std::string& target) {

@@ -2,6 +2,7 @@
 #include "files/replaceFile.h"
 #include "quindle/check/checkQuindle.h"
 #include "quindle/core/Guarded.h"
+#include "quindle/core/commaList.h"
 #include "quindle/library/QuindleFiles.h"
 #include "quindle/library/entryNames.h"
 #include "quindle/library/scannedQuindles.h"
@@ -16,11 +17,9 @@ namespace Zamt {
 namespace {
 
 std::string knownQuindleNames(const QuindleLibrary& library) {
-  std::string names;
-  for (const QuindleLibraryEntry* const entry : library.search({})) {
-    if (!names.empty()) names += ", ";
-    names += displayName(*entry);
-  }
+  const std::string names =
+      commaList(library.search({}),
+                [](const QuindleLibraryEntry* entry) -> const std::string& { return displayName(*entry); });
   return names.empty() ? " There are none at all." : " There is: " + names + ".";
 }
 

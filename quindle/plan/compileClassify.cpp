@@ -1,7 +1,9 @@
 #include "quindle/plan/compileClassify.h"
 
+#include "quindle/core/ClassList.h"
 #include "quindle/core/Guarded.h"
 #include "quindle/core/QuindleParamTypes.h"
+#include "quindle/core/Refusals.h"
 #include "quindle/core/Tree.h"
 #include "quindle/runtime/QuindleSceneWords.h"
 
@@ -71,18 +73,6 @@ std::string readUsualField(const std::string& editor, const std::string& prefix,
   return wired ? field : std::string();
 }
 
-/// Appends the pieces between commas, without the blanks around them.
-void appendPieces(std::string_view text, std::vector<std::string>& pieces) {
-  while (!text.empty()) {
-    const std::size_t comma = std::min(text.find(','), text.size());
-    const std::string_view piece = text.substr(0, comma);
-    text.remove_prefix(std::min(comma + 1, text.size()));
-    const std::size_t first = piece.find_first_not_of(' ');
-    if (first == std::string_view::npos) continue;
-    pieces.emplace_back(piece.substr(first, piece.find_last_not_of(' ') - first + 1));
-  }
-}
-
 bool namesClasses(const QuindlePlanNode& node) {
   return node.kind == QuindlePlanNode::Kind::Condition && node.operation &&
          node.operation->name == classCondition && !node.negated && !node.arguments.empty() &&
@@ -94,16 +84,12 @@ bool makeEditor(const QuindleStep& step, const std::vector<std::string>& selecte
                 const std::string& prefix, std::string& out, std::vector<QuindleBinding>& bindings,
                 Diag& diag) {
   if (step.value.kind != QuindleExpr::Kind::Literal || step.value.value.kind != QuindleValue::Kind::Text)
-    return refuse(step, "A classify step needs the name of a class in quotes.", diag);
+    return refuse(step, refusal::noClassInQuotes, diag);
   const std::optional<std::int32_t> number = classNumberOf(step.classNumber);
   if (!number) return refuse(step, "The class number after \"as\" has to be a plain number.", diag);
   const QuindleParam* const field = firstOfType(document, fieldType);
   const QuindleParam* const grid = firstOfType(document, gridType);
-  if (!field && !grid)
-    return refuse(step,
-                  "This Quindle classifies points but never says which data to classify. Add a parameter of "
-                  "type Field for the classification itself, or of type Grid for the cloud it belongs to.",
-                  diag);
+  if (!field && !grid) return refuse(step, refusal::noDataToClassify, diag);
 
   const std::string editor = ops.create(sceneWords::editorCreator, prefix + editorBase, diag);
   // The labels are read only when the selection is attached, since it may bring them along.
@@ -138,7 +124,9 @@ void collectPlanClasses(const QuindlePlanNode& plan, std::vector<std::string>& c
     return node.kind == QuindlePlanNode::Kind::And ? node.children : none;
   };
   tree::each(plan, required, [&](const QuindlePlanNode& node) {
-    if (namesClasses(node)) appendPieces(node.arguments.front().value.textValue, classes);
+    if (!namesClasses(node)) return;
+    const std::vector<std::string_view> named = classesIn(node.arguments.front().value.textValue);
+    classes.insert(classes.end(), named.begin(), named.end());
   });
 }
 

@@ -1,6 +1,7 @@
 #include "quindle/plan/compileSelect.h"
 
 #include "quindle/core/Guarded.h"
+#include "quindle/core/Refusals.h"
 #include "quindle/plan/compileClassify.h"
 #include "quindle/plan/compileIndexedSelect.h"
 #include "quindle/runtime/QuindleSceneWords.h"
@@ -146,19 +147,14 @@ private:
     const std::string& condition = node.operation->name;
     if (argument.kind != QuindleExpr::Kind::Reference) {
       diag_.at(Diag::Severity::Error,
-               "The \"" + target.name + "\" of \"" + condition + "\" is " + argument.toSource() +
-                   ", which cannot be worked out here.",
-               condition, node.line, 0);
+               refusal::argumentNotWorkedOut(target.name, condition, argument.toSource()), condition,
+               node.line, 0);
       return false;
     }
     const QuindleParam* const param = params_.find(argument.name);
     if (!param) {
-      diag_.at(
-          Diag::Severity::Error,
-          "\"" + argument.name +
-              "\" is not a parameter of this Quindle. Declare it with \"param\", or put it in quotes if it "
-              "is the name of something in the data.",
-          condition, argument.line, argument.column);
+      diag_.at(Diag::Severity::Error, refusal::notAParameter(argument.name), condition, argument.line,
+               argument.column);
       return false;
     }
     bindings_.push_back({object, target.slot, param->name, isQuindleObjectType(param->type)});

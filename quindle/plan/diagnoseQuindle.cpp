@@ -2,6 +2,7 @@
 
 #include "quindle/check/unguarded.h"
 #include "quindle/plan/unguarded.h"
+#include "quindle/text/noteForeignSigns.h"
 #include "quindle/text/parseQuindle.h"
 
 #include <utility>
@@ -16,6 +17,8 @@ bool diagnoseQuindle(const std::string& text, const std::string& file, QuindleDo
     if (parsed) {
       Unguarded::checkQuindle(read, found);
       Unguarded::planQuindle(read, found);
+    } else {
+      noteForeignSigns(text, found);
     }
     diag.absorb(found);
     doc = std::move(read); // last, since text and file may be the document's own

@@ -1,6 +1,7 @@
 #include "quindle/plan/evaluateQuindleExpr.h"
 
 #include "quindle/core/Numbers.h"
+#include "quindle/core/Refusals.h"
 #include "quindle/plan/parameterValue.h"
 #include "quindle/plan/unguarded.h"
 
@@ -103,11 +104,7 @@ private:
     switch (expr.kind) {
     case Kind::Literal: last_ = Worked(&expr.value); return true;
     case Kind::Reference: return lookUp(expr);
-    case Kind::Call:
-      return fault(expr,
-                   "\"" + expr.name +
-                       "\" cannot be worked out here: a \"let\" or an \"if\" is decided before the data "
-                       "is touched, and this needs the data.");
+    case Kind::Call: return fault(expr, refusal::needsData(expr.name));
     case Kind::And:
     case Kind::Or: return open(expr, true);
     case Kind::Not: return open(expr, expr.operands.size() == 1);
@@ -174,11 +171,7 @@ private:
       return true;
     }
     const QuindleParam* const param = document_.findParam(name);
-    if (!param)
-      return fault(reference,
-                   "\"" + name +
-                       "\" has no value here. It is neither a parameter of this Quindle nor set by "
-                       "an earlier \"let\".");
+    if (!param) return fault(reference, refusal::noValue(name));
     if (param->defaultValue.kind == ValueKind::None) return fault(reference, noValueFor(name, param));
     last_ = Worked(&param->defaultValue);
     return true;

@@ -1,6 +1,7 @@
 #include "cadmer/LabelSet.h"
 
 #include "quindle/core/Guarded.h"
+#include "quindle/core/Refusals.h"
 #include "quindle/plan/compileClassify.h"
 #include "quindle/runtime/QuindleSceneWords.h"
 
@@ -89,9 +90,7 @@ public:
 
   /// The last touches: refuses what can't change anything, and says where the points go.
   bool finish(const std::string& name) {
-    if (selected_.contains(target_))
-      return refuse("This puts the points into \"" + name + "\", which is class " + std::to_string(target_) +
-                    " - one of the classes it selects. That cannot change anything.");
+    if (selected_.contains(target_)) return refuse(refusal::ownClass(name, std::to_string(target_)));
     if (selectsNothing_ && !hadLabels_) {
       for (std::int32_t number = 0; number <= lastByteClass; ++number) {
         Label& label = set_.labels[number];
@@ -197,7 +196,7 @@ bool planClassLabels(const std::string& existingLabels, const std::string& class
   return guarded(diag, false, [&] {
     LabelPlan plan(existingLabels, diag);
     if (className.empty()) {
-      diag.error("A classify step has to say which class to put the points into.");
+      diag.error(refusal::noClass);
       return false;
     }
     if (!plan.select(selectedClasses) || !plan.aimAt(className, number, colour) || !plan.finish(className))

@@ -1,5 +1,6 @@
 #include "quindle/runtime/ProgramCompiler.h"
 
+#include "quindle/core/Refusals.h"
 #include "quindle/plan/compileClassify.h"
 #include "quindle/plan/compileIndexedSelect.h"
 
@@ -20,10 +21,6 @@ std::optional<Target> splitTarget(const std::string& text) {
   const std::size_t dot = text.rfind('.');
   if (dot == std::string::npos) return std::nullopt;
   return Target{text.substr(0, dot), text.substr(dot + 1)};
-}
-
-std::string noSlot(const std::string& target) {
-  return "\"" + target + "\" does not name a slot. Write it as Object.slot.";
 }
 
 } // namespace
@@ -86,7 +83,7 @@ bool QuindleRuntime::ProgramCompiler::compileStep(const QuindleStep& step) {
   case QuindleStep::Kind::ForEach:
   case QuindleStep::Kind::Unparsed: break;
   }
-  return fail(step, "This kind of step cannot be run yet.");
+  return fail(step, refusal::cannotRunYet);
 }
 
 bool QuindleRuntime::ProgramCompiler::compileCreate(const QuindleStep& step) {
@@ -123,17 +120,16 @@ bool QuindleRuntime::ProgramCompiler::compileClassifyStep(const QuindleStep& ste
 }
 
 bool QuindleRuntime::ProgramCompiler::compileSet(const QuindleStep& step) {
-  if (step.value.kind != QuindleExpr::Kind::Literal)
-    return fail(step, "Only a written-out value can be set for now.");
+  if (step.value.kind != QuindleExpr::Kind::Literal) return fail(step, refusal::onlyWrittenOut);
   const std::optional<Target> target = splitTarget(step.name);
-  if (!target) return fail(step, noSlot(step.name));
+  if (!target) return fail(step, refusal::noSlot(step.name));
   return runtime_.ops_.setParam(runtime_.objectNamed(target->object), target->member,
                                 step.value.value.toPlainText(), diag_);
 }
 
 bool QuindleRuntime::ProgramCompiler::compileConnect(const QuindleStep& step) {
   const std::optional<Target> target = splitTarget(step.name);
-  if (!target) return fail(step, noSlot(step.name));
+  if (!target) return fail(step, refusal::noSlot(step.name));
   const Target source = splitTarget(step.source).value_or(Target{step.source, {}});
   return runtime_.ops_.connect(runtime_.objectNamed(target->object), target->member,
                                runtime_.objectNamed(source.object), source.member, diag_);
@@ -141,7 +137,7 @@ bool QuindleRuntime::ProgramCompiler::compileConnect(const QuindleStep& step) {
 
 bool QuindleRuntime::ProgramCompiler::compileCall(const QuindleStep& step) {
   const std::optional<Target> target = splitTarget(step.name);
-  if (!target) return fail(step, "\"" + step.name + "\" does not name an action. Write it as Object.action.");
+  if (!target) return fail(step, refusal::noAction(step.name));
   return appendFire(runtime_.objectNamed(target->object), target->member, true, false, step);
 }
 
@@ -177,10 +173,7 @@ std::string QuindleRuntime::ProgramCompiler::nextPrefix() {
 bool QuindleRuntime::ProgramCompiler::append(RunStep&& runStep, const QuindleStep& step) {
   if (!guards_.build(runStep.guard)) {
     guardsFull_ = true;
-    return fail(step,
-                "The conditions of the \"if\" blocks around the steps of this Quindle add up to more than "
-                "can be kept, since every step carries all those around it. Nest the blocks less deeply, "
-                "or move some of the steps to a Quindle of their own and \"run\" that.");
+    return fail(step, refusal::guardsTooLarge);
   }
   program_.steps.push_back(std::move(runStep));
   return true;

@@ -57,13 +57,15 @@ void StepGuards::enter(const QuindleExpr& condition, bool negated) {
 
 void StepGuards::leave() { levels_.pop_back(); }
 
+bool StepGuards::count() {
+  const std::size_t weight = levels_.empty() ? 0 : levels_.back().weight;
+  if (weight > maxGuardWeight - counted_) return false;
+  counted_ += weight;
+  return true;
+}
+
 bool StepGuards::build(QuindleExpr& guard) {
-  if (levels_.empty()) {
-    guard = {};
-    return true;
-  }
-  if (levels_.back().weight > maxGuardWeight - built_) return false;
-  built_ += levels_.back().weight;
+  if (!count()) return false;
   QuindleExpr all;
   for (const Level& level : levels_)
     all = conjunction(std::move(all), level.negated ? negation(*level.condition) : *level.condition);

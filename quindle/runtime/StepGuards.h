@@ -24,8 +24,12 @@ public:
   /// Goes out of the innermost block.
   void leave();
 
+  /// Counts the guard of a step without building it. False, with nothing counted, once the guards would weigh
+  /// more than `maxGuardWeight`.
+  bool count();
+
   /// Makes `guard` the conjunction of all conditions around, nested to the left; of kind None if there are
-  /// none. False, with `guard` untouched, once the guards would weigh more than `maxGuardWeight`.
+  /// none, and counts it. False, with `guard` untouched, if it cannot be counted.
   bool build(QuindleExpr& guard);
 
 private:
@@ -36,7 +40,7 @@ private:
   };
 
   std::vector<Level> levels_;
-  std::size_t built_ = 0; ///< What the guards built so far weigh.
+  std::size_t counted_ = 0; ///< What the guards counted so far weigh.
 };
 
 } // namespace Zamt

@@ -1,5 +1,6 @@
 #include "quindle/core/Guarded.h"
 #include "quindle/core/NestedSteps.h"
+#include "quindle/core/Refusals.h"
 #include "quindle/plan/ParamIndex.h"
 #include "quindle/runtime/ProgramCompiler.h"
 #include "quindle/runtime/QuindleRuntime.h"
@@ -43,7 +44,7 @@ bool QuindleRuntime::compile(const QuindleDocument& doc, Program& program, Diag&
 bool QuindleRuntime::build(const QuindleDocument& doc, Program& program, Diag& diag) {
   const QuindleTrigger* const trigger = doc.runTrigger();
   if (!trigger) {
-    diag.error("This Quindle has nothing to run.", doc.name);
+    diag.error(refusal::nothingToRun, doc.name);
     return false;
   }
   program.revision = doc.revision;

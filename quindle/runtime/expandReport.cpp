@@ -1,4 +1,5 @@
 #include "quindle/core/Guarded.h"
+#include "quindle/core/Refusals.h"
 #include "quindle/plan/parameterValue.h"
 #include "quindle/runtime/QuindleRuntime.h"
 
@@ -64,8 +65,7 @@ std::string QuindleRuntime::filledIn(const std::string& text, const QuindleDocum
     if (std::optional<std::string> value = parameterValue(name, doc.findParam(name), args)) return value;
     if (const Count* const count = findCount(name))
       return readCount(*count, ops_, counter, preview, doc.name, diag);
-    diag.warning("The report mentions \"{" + name + "}\", which is not a parameter of this Quindle.",
-                 doc.name);
+    diag.warning(refusal::notInReport(name), doc.name);
     return std::nullopt;
   };
 

@@ -55,6 +55,8 @@ TEST(CheckQuindle, JudgesTheDocumentInItsFixedOrder) {
       {"quindle \"a\" { description \"d\" on key \"U\" { report \"\" } on key \"U\" { report \"\" } }", ""},
       {"quindle \"a\" { description \"d\" }",
        "f: warning: This Quindle has no trigger, so nothing will ever run it."},
+      {"quindle \"a\" { description \"d\" param p : Grid \"h\" }",
+       "f:1: " + unread("p") + "\nf: warning: This Quindle has no trigger, so nothing will ever run it."},
       {"quindle \"\" { shortcut \"U\" param p : Text\non run { run \"\"() } on run { }\non key \"U\" { let p "
        "= "
        "1 }\non key \"\" { }\non key \"Ctrl+U\" { report \"{p}\" } }",

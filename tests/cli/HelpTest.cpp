@@ -1,5 +1,4 @@
 #include "tests/cli/quindle.h"
-#include "tests/support/environment.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -37,23 +36,6 @@ Words listed(const std::string& text, const std::regex& headings) {
 }
 
 Words commands() { return listed(printed({"--help"}), std::regex("(?!Options:|Example:|Usage:).*")); }
-Words topics() { return listed(printed({"help"}), std::regex("Topics, .*")); }
-
-/// The lines "  quindle ..." of a text, and the commands that feed them, each with those that go on with it.
-Words examplesIn(const std::string& text) {
-  Words examples;
-  std::istringstream lines(text);
-  bool goesOn = false;
-  for (std::string line; std::getline(lines, line);) {
-    if (goesOn)
-      examples.back() += line;
-    else if (line.starts_with("  quindle ") || line.starts_with("  echo "))
-      examples.push_back(line);
-    goesOn = line.ends_with('\\');
-    if (goesOn && !examples.empty()) examples.back().pop_back();
-  }
-  return examples;
-}
 
 TEST(Help, SaysOfEachCommandWhatItsOwnHelpSays) {
   const Words names = commands();
@@ -65,38 +47,6 @@ TEST(Help, SaysOfEachCommandWhatItsOwnHelpSays) {
     EXPECT_FALSE(std::regex_search(text, std::regex("[^\\n]{81}"))) << text;
   }
   EXPECT_THAT(printed({"help"}), StartsWith(printed({"--help"})));
-}
-
-TEST(Help, EveryExampleRuns) {
-  const TemporaryDirectory home;
-  std::filesystem::create_directories(home.path("share"));
-  std::filesystem::create_directory(home.path("out"));
-  std::filesystem::create_directory_symlink(QUINDLE_SOURCE_DIR "/examples", home.path("share/quindles"));
-  std::filesystem::create_directory_symlink(QUINDLE_SOURCE_DIR "/examples", home.path("examples"));
-  const std::string bin = std::filesystem::path(QUINDLE_COMMAND).parent_path().string();
-  const Environment fresh{{"HOME", home.path()},
-                          {"XDG_DATA_HOME", {}},
-                          {"APPDATA", {}},
-                          {"QUINDLE_DATA_DIRS", home.path("share")},
-                          {"PATH", bin + ":/usr/bin:/bin"}};
-  const auto run = [&](const std::string& example) {
-    return runCommand({"/bin/sh", "-c", example}, {.directory = home.path()});
-  };
-  std::size_t examples = 0;
-  for (const std::string& topic : topics()) {
-    for (const std::string& example : examplesIn(printed({"help", topic}))) {
-      const CommandResult result = run(example);
-      EXPECT_EQ(result.exitCode, 0) << topic << example << '\n' << result.err;
-      ++examples;
-    }
-  }
-  EXPECT_GT(examples, 20U);
-  for (const std::string& name : commands()) {
-    for (const std::string& example : examplesIn(printed({name, "--help"}))) {
-      const CommandResult result = run(name == "sample" ? example + " --force" : example);
-      EXPECT_EQ(result.exitCode, 0) << example << '\n' << result.err;
-    }
-  }
 }
 
 TEST(Help, TheManualPageHoldsEveryCommandOptionAndTopic) {

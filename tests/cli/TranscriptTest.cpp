@@ -1,10 +1,8 @@
 /// Runs documents. A block "```quindle NAME" or "```text NAME" is written to the file NAME. Of a block
 /// "```console" each line "$ ..." is a command for the shell, which lines "> ..." go on with; what stands
 /// below is what it has to print: its results, then its messages. In the tests' own documents each message
-/// bears a "! " in front, and what fails ends in its exit code: "[1]". After a change that is meant, this
-/// writes the outputs anew; look at the difference before committing it:
-///
-///   QUINDLE_REFRESH_GOLDEN=1 build/dev/bin/tests-cli --gtest_filter='*Transcript.*'
+/// bears a "! " in front, and what fails ends in its exit code: "[1]". With QUINDLE_REFRESH_GOLDEN set, the
+/// outputs are written anew.
 #include "tests/cli/quindle.h"
 #include "tests/support/environment.h"
 #include "tests/support/realClouds.h"
@@ -55,7 +53,7 @@ protected:
 
   /// What a command prints, with the reader's home in place of the directory that the test made.
   std::string printed(const std::string& command) {
-    const CommandResult result = runCommand({"/bin/sh", "-c", command}, {.directory = directory.path()});
+    const CommandResult result = runCommand({"/bin/sh", "-c", command}, directory.path());
     std::string text = result.out + (ofTests ? marked(result.err) : result.err);
     if (!text.empty() && !text.ends_with('\n')) text += "(no line end)\n";
     if (ofTests && result.exitCode != 0) text += '[' + std::to_string(result.exitCode) + "]\n";
@@ -69,12 +67,14 @@ protected:
       SCOPED_TRACE(file + ':' + std::to_string(next) + ": " + heading + ": " + line);
       ASSERT_TRUE(line.starts_with(prompt));
       std::string command = line.substr(prompt.size());
-      for (; inBlock() && lines[next].starts_with(continued); line += '\n' + lines[next++])
-        command += '\n' + lines[next].substr(continued.size());
+      for (; inBlock() && lines[next].starts_with(continued); ++next) {
+        command.append("\n").append(lines[next], continued.size());
+        line.append("\n").append(lines[next]);
+      }
       const std::string expected = takeText(true);
       const std::string actual = printed(command);
       EXPECT_EQ(actual, refreshing ? actual : expected);
-      refreshed += line + '\n' + actual;
+      refreshed.append(line).append("\n").append(actual);
       ++commands;
     }
   }

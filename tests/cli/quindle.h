@@ -9,9 +9,9 @@
 namespace Zamt::Testing {
 
 /// Runs the built command with these arguments.
-inline CommandResult quindle(std::vector<std::string> words, const CommandInput& how = {}) {
+inline CommandResult quindle(std::vector<std::string> words) {
   words.insert(words.begin(), QUINDLE_COMMAND);
-  return runCommand(words, how);
+  return runCommand(words);
 }
 
 } // namespace Zamt::Testing

@@ -11,7 +11,7 @@ namespace {
 
 /// Runs a program where its README says to.
 void expectGolden(const std::string& name, const std::vector<std::string>& command) {
-  const CommandResult result = runCommand(command, {.directory = QUINDLE_SOURCE_DIR "/examples/embedding"});
+  const CommandResult result = runCommand(command, QUINDLE_SOURCE_DIR "/examples/embedding");
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.err, "");
   const std::string golden = QUINDLE_SOURCE_DIR "/tests/embedding/golden/" + name + ".txt";

@@ -1,4 +1,4 @@
-#include "host/filters/Expression.h"
+#include "host/filters/expression/Expression.h"
 
 #include <gtest/gtest.h>
 

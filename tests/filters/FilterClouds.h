@@ -1,11 +1,10 @@
 #pragma once
 
-#include "host/clouds/las/LasBuilder.h"
+#include "host/clouds/buildCloud.h"
+#include "tests/support/ArrayCloud.h"
 #include "tests/support/TemporaryDirectory.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
-#include <numeric>
 
 namespace Zamt::Testing {
 
@@ -35,8 +34,8 @@ inline std::shared_ptr<Host::PointCloud> makeTestCloud(const std::vector<TestPoi
   };
   const TemporaryDirectory directory;
   std::string error;
-  EXPECT_TRUE(buildLas(description, points.size(), fill, directory.path("a.las"), error)) << error;
-  auto cloud = Host::PointCloud::open(directory.path("a.las"), error);
+  EXPECT_TRUE(buildCloud(description, points.size(), fill, directory.path("a.las"), goOn, error)) << error;
+  auto cloud = Host::openCloud(directory.path("a.las"), error);
   EXPECT_NE(cloud, nullptr) << error;
   return cloud;
 }
@@ -44,20 +43,7 @@ inline std::shared_ptr<Host::PointCloud> makeTestCloud(const std::vector<TestPoi
 /// A real cloud, or null where there is none.
 inline std::shared_ptr<Host::PointCloud> openTestData(const std::string& name) {
   std::string error;
-  return Host::PointCloud::open(std::string(QUINDLE_TEST_DATA) + "/" + name, error);
-}
-
-/// One component of all points; nothing if there is no such field.
-inline std::vector<double> readField(const Host::PointCloud& cloud, const std::string& name,
-                                     unsigned component = 0) {
-  const Host::Field* const field = cloud.findField(name);
-  std::vector<double> values(field == nullptr ? 0 : cloud.size());
-  for (std::uint64_t first = 0; first < values.size(); first += Host::blockPoints) {
-    std::vector<std::uint32_t> indices(std::min<std::uint64_t>(Host::blockPoints, values.size() - first));
-    std::iota(indices.begin(), indices.end(), 0U);
-    cloud.gather(*field, component, first, indices, std::span(values).subspan(first, indices.size()));
-  }
-  return values;
+  return Host::openCloud(std::string(QUINDLE_TEST_DATA) + "/" + name, error);
 }
 
 } // namespace Zamt::Testing

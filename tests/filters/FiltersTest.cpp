@@ -22,21 +22,22 @@ using FilterPtr = std::shared_ptr<const PointFilter>;
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
-// The filter must keep exactly the points that `naive` says, and inverted, exactly the others.
+/// The filter must keep exactly the points that `naive` says, and inverted, exactly the others.
 void expectKeeps(const PointCloud& cloud, const FilterPtr& filter, const std::string& what,
                  const std::function<bool(std::uint64_t)>& naive) {
   ASSERT_NE(filter, nullptr) << what;
   for (const bool invert : {false, true}) {
     PointMask kept;
     std::string problem;
-    ASSERT_TRUE(evaluateSelection(cloud, {{-1, -1, filter, nullptr, invert}}, kept, problem)) << problem;
+    ASSERT_TRUE(evaluateSelection(cloud, {{-1, -1, filter, nullptr, invert}}, Testing::goOn, kept, problem))
+        << problem;
     std::uint64_t wrong = 0;
     for (std::uint64_t i = 0; i < cloud.size(); ++i) wrong += kept.test(i) != (naive(i) != invert) ? 1 : 0;
     EXPECT_EQ(wrong, 0U) << what << (invert ? ", inverted" : "") << ", of " << cloud.size();
   }
 }
 
-// Rows of points that ascend in x, so that whole blocks lie inside or outside of a region.
+/// Rows of points that ascend in x, so that whole blocks lie inside or outside of a region.
 std::shared_ptr<PointCloud> makeCloud(std::size_t points) {
   std::mt19937 random(7);
   std::vector<TestPoint> made(points);
@@ -53,18 +54,20 @@ std::shared_ptr<PointCloud> makeCloud(std::size_t points) {
   return Testing::makeTestCloud(made);
 }
 
-// The cloud that was made, and the real ones that there are.
+/// The cloud that was made, and the real ones that there are, each as a LAS file and as arrays.
 std::vector<std::shared_ptr<PointCloud>> allClouds() {
   std::vector<std::shared_ptr<PointCloud>> clouds{makeCloud(3 * blockPoints + 77)};
   for (const char* name : {"autzen-thin.las", "ahn3_crop.las", "extrabytes.las"})
     if (auto cloud = Testing::openTestData(name)) clouds.push_back(cloud);
+  const std::size_t files = clouds.size();
+  for (std::size_t i = 0; i < files; ++i) clouds.push_back(Testing::asArrays(*clouds[i]));
   return clouds;
 }
 
 Bounds boundsOf(const PointCloud& cloud) {
   CloudInfo info;
   std::string problem;
-  EXPECT_TRUE(inspectCloud(cloud, info, problem)) << problem;
+  EXPECT_TRUE(inspectCloud(cloud, Testing::goOn, info, problem)) << problem;
   return info.bounds;
 }
 
@@ -115,14 +118,15 @@ TEST(DirectionFilter, KeepsNormalsNearTheHorizontal) {
 TEST(BoxFilter, IncludesItsFaces) {
   for (const auto& cloud : allClouds()) {
     const Bounds all = boundsOf(*cloud);
+    const auto positions = Testing::positionsOf(*cloud);
     Bounds cornered = all;
-    cornered.high = cloud->position(cloud->size() / 2);
+    cornered.high = positions[positions.size() / 2];
     Bounds slab = all;
     slab.high[0] = (all.low[0] + all.high[0]) / 2;
     for (const Bounds& box : {all, cornered, slab, Bounds{}}) {
       std::string problem;
-      expectKeeps(*cloud, makeBoxFilter(*cloud, box, problem), cloud->path(), [&](std::uint64_t i) {
-        const auto p = cloud->position(i);
+      expectKeeps(*cloud, makeBoxFilter(box, problem), cloud->path(), [&](std::uint64_t i) {
+        const auto& p = positions[i];
         for (std::size_t axis = 0; axis < 3; ++axis)
           if (!(p[axis] >= box.low[axis] && p[axis] <= box.high[axis])) return false;
         return true;
@@ -134,18 +138,18 @@ TEST(BoxFilter, IncludesItsFaces) {
 TEST(SphereFilter, IncludesItsSurface) {
   for (const auto& cloud : allClouds()) {
     const Bounds all = boundsOf(*cloud);
-    const auto centre = cloud->position(cloud->size() / 2);
+    const auto positions = Testing::positionsOf(*cloud);
+    const auto centre = positions[positions.size() / 2];
     const double width = all.high[0] - all.low[0];
     for (const double radius : {0.0, 0.05, width / 10, width / 2, width * 100}) {
       std::string problem;
-      expectKeeps(*cloud, makeSphereFilter(*cloud, centre, radius, problem), cloud->path(),
-                  [&](std::uint64_t i) {
-                    const auto p = cloud->position(i);
-                    const double dx = p[0] - centre[0];
-                    const double dy = p[1] - centre[1];
-                    const double dz = p[2] - centre[2];
-                    return dx * dx + dy * dy + dz * dz <= radius * radius;
-                  });
+      expectKeeps(*cloud, makeSphereFilter(centre, radius, problem), cloud->path(), [&](std::uint64_t i) {
+        const auto& p = positions[i];
+        const double dx = p[0] - centre[0];
+        const double dy = p[1] - centre[1];
+        const double dz = p[2] - centre[2];
+        return dx * dx + dy * dy + dz * dz <= radius * radius;
+      });
     }
   }
 }
@@ -161,17 +165,18 @@ TEST(PolygonFilter, HolesAreOutsideAndEveryLineIsInside) {
         {{1001, -499}, {1005, -499}, {1005, -495}, {1001, -495}, {1001, -499}}}}, // A hole.
       {{{{1003, -497}, {1012, -497}, {1003, -488}}}},                             // Overlaps it.
   };
+  const auto positions = Testing::positionsOf(*cloud);
   std::string problem;
-  expectKeeps(*cloud, makePolygonFilter(*cloud, polygons, problem), "grid", [&](std::uint64_t i) {
-    const double x = cloud->position(i)[0] - 1000;
-    const double y = cloud->position(i)[1] + 500;
+  expectKeeps(*cloud, makePolygonFilter(polygons, problem), "grid", [&](std::uint64_t i) {
+    const double x = positions[i][0] - 1000;
+    const double y = positions[i][1] + 500;
     const bool inHole = x > 1 && x < 5 && y > 1 && y < 5;
     const bool inTriangle = x >= 3 && y >= 3 && x + y <= 15;
     return (x >= 0 && x <= 6 && y >= 0 && y <= 6 && !inHole) || inTriangle;
   });
 }
 
-// Even-odd for one point, by counting the edges to its right.
+/// Even-odd for one point, by counting the edges to its right.
 bool naivelyInside(const Polygon& polygon, double x, double y) {
   bool inside = false;
   for (const Ring& ring : polygon.rings)
@@ -191,6 +196,7 @@ TEST(PolygonFilter, AgreesWithCountingEdgesOnManyCorneredOutlines) {
       const double share = static_cast<double>(random()) / 4294967296.0 * 1.2 - 0.1;
       return all.low[axis] + share * (all.high[axis] - all.low[axis]);
     };
+    const auto positions = Testing::positionsOf(*cloud);
     std::vector<Polygon> polygons(3);
     for (Polygon& polygon : polygons)
       for (const std::size_t corners : {3U, 40U}) {
@@ -198,8 +204,8 @@ TEST(PolygonFilter, AgreesWithCountingEdgesOnManyCorneredOutlines) {
         for (std::size_t i = 0; i < corners; ++i) ring.push_back({corner(0), corner(1)});
       }
     std::string problem;
-    expectKeeps(*cloud, makePolygonFilter(*cloud, polygons, problem), cloud->path(), [&](std::uint64_t i) {
-      const auto p = cloud->position(i);
+    expectKeeps(*cloud, makePolygonFilter(polygons, problem), cloud->path(), [&](std::uint64_t i) {
+      const auto& p = positions[i];
       return std::any_of(polygons.begin(), polygons.end(),
                          [&](const Polygon& polygon) { return naivelyInside(polygon, p[0], p[1]); });
     });
@@ -230,12 +236,12 @@ TEST(Filters, SayWhatThereIsInsteadOfWhatIsMissing) {
                     names + ". Compute the normals first, or name the field that holds them.");
   expectRefused(makeDirectionFilter(*cloud, "NormalVector", -1, p),
                 "The tolerance of a direction is an angle in degrees. Give 0 or more.");
-  expectRefused(makeSphereFilter(*cloud, {}, -1, p), "The radius of a ball is a distance. Give 0 or more.");
-  expectRefused(makeSphereFilter(*cloud, {0, notANumber, 0}, 1, p),
+  expectRefused(makeSphereFilter({}, -1, p), "The radius of a ball is a distance. Give 0 or more.");
+  expectRefused(makeSphereFilter({0, notANumber, 0}, 1, p),
                 "The centre of a ball needs three numbers, x, y and z.");
-  expectRefused(makeBoxFilter(*cloud, {{0, 0, 0}, {1, notANumber, 1}}, p),
+  expectRefused(makeBoxFilter({{0, 0, 0}, {1, notANumber, 1}}, p),
                 "A box needs a number at each of its ends.");
-  expectRefused(makePolygonFilter(*cloud, {}, p),
+  expectRefused(makePolygonFilter({}, p),
                 "The region holds no polygon. Give at least one with three corners or more.");
 }
 

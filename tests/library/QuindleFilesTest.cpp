@@ -1,5 +1,6 @@
 #include "quindle/library/QuindleFiles.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/asNobody.h"
 #include "tests/support/environment.h"
 
 #include <gmock/gmock.h>
@@ -103,6 +104,20 @@ TEST(QuindleFiles, AQuindleIsReadAndDeletedByName) {
   EXPECT_FALSE(deleteQuindle(own.path(), path, "good one", file, revealed, diag));
   EXPECT_EQ(file, installed.path("Good_one.quindle"));
   EXPECT_EQ(readFile(file), good);
+
+  // Of what fails, the system's reason is told where a file can't be deleted, and no other.
+  diag.clear();
+  const std::string large = own.write("large.quindle", "");
+  std::filesystem::resize_file(large, maxQuindleBytes + 1);
+  EXPECT_FALSE(readQuindle({own.path()}, "large", text, document, diag));
+  EXPECT_EQ(diag.format(), "error: Cannot read \"" + large + "\".");
+  std::filesystem::permissions(own.path(), std::filesystem::perms(0555));
+  EXPECT_TRUE(Testing::asNobody([&] {
+    diag.clear();
+    return !deleteQuindle(own.path(), {own.path()}, "large", file, revealed, diag) &&
+           diag.format() == "error: Cannot delete \"" + large + "\": Permission denied.";
+  }));
+  std::filesystem::permissions(own.path(), std::filesystem::perms(0700));
 }
 
 TEST(QuindleFiles, OnlyASoundQuindleIsSaved) {
@@ -135,7 +150,7 @@ TEST(QuindleFiles, SavingLeavesLinksAndPermissionsAsTheyAre) {
   const std::string kept = elsewhere.write("kept", "old");
   const std::string link = directory.path("Good_one.quindle");
   std::filesystem::create_symlink(std::filesystem::relative(kept, directory.path()), link);
-  ASSERT_EQ(::chmod(kept.c_str(), 0640), 0);
+  ASSERT_EQ(::chmod(kept.c_str(), 01640), 0);
   const auto save = [&] {
     QuindleDocument document;
     Diag diag;
@@ -147,7 +162,7 @@ TEST(QuindleFiles, SavingLeavesLinksAndPermissionsAsTheyAre) {
   EXPECT_EQ(readFile(kept), good);
   struct stat status {};
   ASSERT_EQ(::stat(kept.c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 07777U, 0640U);
+  EXPECT_EQ(status.st_mode & 07777U, 01640U);
   EXPECT_THAT(directory.names(), ElementsAre("Good_one.quindle"));
   EXPECT_THAT(elsewhere.names(), ElementsAre("kept"));
 

@@ -1,5 +1,6 @@
 #include "quindle/library/QuindleLibrary.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/asNobody.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,6 +34,7 @@ TEST(QuindleLibrary, EveryFileIsListedWithWhatIsWrongWithIt) {
   directory.write("e.quindle", "quindle \"\" { description \"d\" on run { report \"x\" } }");
   directory.write("f.QUINDLE", quindle("Upper"));
   directory.write(".quindle", quindle("Nameless"));
+  directory.write(".b.quindle", quindle("Dotted"));
   directory.write("elsewhere", quindle("Linked"));
   std::filesystem::create_symlink("elsewhere", directory.path("g.quindle"));
   std::filesystem::create_symlink("nowhere", directory.path("h.quindle"));
@@ -41,10 +43,10 @@ TEST(QuindleLibrary, EveryFileIsListedWithWhatIsWrongWithIt) {
 
   QuindleLibrary library;
   Diag diag;
-  EXPECT_EQ(library.scan(directory.path(), diag), 5U);
+  EXPECT_EQ(library.scan(directory.path(), diag), 6U);
   const std::string nameless = "This Quindle has no name, so it cannot be listed or run by name.";
   EXPECT_THAT(listed(library.search("")),
-              ElementsAre("Zed",
+              ElementsAre("Dotted", "Zed",
                           "c: line 1: A Quindle file starts with the word \"quindle\", but this one starts "
                           "with the end of the file.",
                           "Half: line 3: Expected \"=\" but found the number 3.", "e: " + nameless,
@@ -83,26 +85,45 @@ TEST(QuindleLibrary, TheFirstDirectoryWinsAName) {
   const TemporaryDirectory installed;
   own.write("a.quindle", quindle("A"));
   own.write("broken.quindle", "quindle \"C\" {");
+  own.write("d.quindle", "");
   installed.write("a1.quindle", quindle("A"));
   installed.write("a2.quindle", quindle("a"));
   installed.write("b1.quindle", quindle("B", "category \"first\""));
   installed.write("b2.quindle", quindle("B", "category \"second\""));
   installed.write("c.quindle", quindle("C"));
+  installed.write("named.quindle", quindle("d"));
   QuindleLibrary library;
   Diag diag;
-  const std::vector<std::string> missingFirst{own.path("none"), own.path(), installed.path()};
-  EXPECT_EQ(library.scan(missingFirst, diag), 7U);
-  EXPECT_THAT(listed(library.search("")),
-              ElementsAre("A", "C: line 1: Expected \"}\" but found the end of the file.", "a", "B", "B"));
+  const std::vector<std::string> missingFirst{own.path("broken.quindle"), own.path(), installed.path()};
+  EXPECT_EQ(library.scan(missingFirst, diag), 9U);
+  std::vector<std::string> names;
+  for (const QuindleLibraryEntry* const entry : library.search("")) names.push_back(entry->document.name);
+  EXPECT_THAT(names, ElementsAre("A", "C", "d", "a", "B", "B"));
   EXPECT_EQ(library.find("B")->document.category, "first");
-  // The missing directory, the broken file and the two that are hidden, the last one first.
-  ASSERT_EQ(diag.entries.size(), 4U);
-  EXPECT_EQ(diag.entries[2].file, installed.path("c.quindle"));
-  EXPECT_EQ(diag.entries[3].file, installed.path("a1.quindle"));
+  // A directory that is none, two broken files, one that is called so by its file alone, and the three that
+  // are hidden, the last one first.
+  ASSERT_EQ(diag.entries.size(), 6U) << diag.format();
+  EXPECT_EQ(diag.entries[0].format(), missingFirst[0] + ": note: No Quindles in \"" + missingFirst[0] +
+                                          "\": there is no such directory.");
+  EXPECT_EQ(diag.entries[3].file, installed.path("named.quindle"));
+  EXPECT_EQ(diag.entries[4].file, installed.path("c.quindle"));
+  EXPECT_EQ(diag.entries[5].file, installed.path("a1.quindle"));
 
   // Without a `clear`, what was hidden is hidden again and the rest stays in its place.
-  EXPECT_EQ(library.scan(missingFirst, diag), 7U);
-  EXPECT_THAT(listed(library.search("")).size(), 5U);
+  EXPECT_EQ(library.scan(missingFirst, diag), 9U);
+  EXPECT_THAT(listed(library.search("")).size(), 6U);
+}
+
+TEST(QuindleLibrary, ADirectoryThatCannotBeListedHoldsNothing) {
+  const TemporaryDirectory directory;
+  directory.write("a.quindle", quindle("A"));
+  std::filesystem::permissions(directory.path(), std::filesystem::perms::none);
+  EXPECT_TRUE(Testing::asNobody([&] {
+    QuindleLibrary library;
+    Diag diag;
+    return library.scan(directory.path(), diag) == 0 && diag.entries.empty() && library.search("").empty();
+  }));
+  std::filesystem::permissions(directory.path(), std::filesystem::perms::owner_all);
 }
 
 TEST(QuindleLibrary, SearchLooksWhereUsersLook) {
@@ -126,8 +147,9 @@ TEST(QuindleLibrary, SearchLooksWhereUsersLook) {
   std::string error;
   EXPECT_TRUE(resolve("Beta", document, error));
   EXPECT_EQ(document.name, "Beta");
+  error = "what the caller had";
   EXPECT_FALSE(resolve("beta", document, error));
-  EXPECT_EQ(error, "");
+  EXPECT_EQ(error, "what the caller had");
   EXPECT_FALSE(resolve("Delta", document, error));
   EXPECT_EQ(error, library.find("Delta")->error);
   EXPECT_NE(error, "");

@@ -43,8 +43,8 @@ TEST(QuindleShortcuts, OnlyWhatCanRunTakesKeys) {
   const auto write = [&](const std::string& file, const std::string& name, const std::string& body) {
     directory.write(file + ".quindle", "quindle \"" + name + "\" { description \"d\" " + body + " }");
   };
-  write("a", "Both", "shortcut \"ctrl+u F3\" on key \"Ctrl+U\" { report \"x\" }");
-  write("b", "Other", "shortcut \"control+U\" on run { report \"x\" }");
+  write("b", "Both", "shortcut \"ctrl+u F3\" on key \"Ctrl+U\" { report \"x\" }");
+  write("a", "Other", "shortcut \"control+U\" on run { report \"x\" }");
   write("c", "Off", "shortcut \"F3\" enabled false on run { report \"x\" }");
   write("d", "Broken", "shortcut \"F3\" on key \"F3\" { let }");
   write("e", "Twin", "on key \"F4\" { report \"x\" }");

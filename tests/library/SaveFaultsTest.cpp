@@ -1,6 +1,7 @@
 #include "files/AtomicFile.h"
 #include "quindle/library/QuindleFiles.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/asNobody.h"
 
 #include <gtest/gtest.h>
 
@@ -202,13 +203,6 @@ TEST(SaveLimits, AFileTooLargeToWriteIsRefusedAndTheHostLives) {
   EXPECT_EQ(directory.names().size(), 1U);
 }
 
-/// `save` by a user who is not the superuser, who may do everything.
-int saveAsNobody(const std::string& directory) {
-  constexpr uid_t nobody = 65534;
-  return inChild(
-      [&] { return ::getuid() == 0 && ::setuid(nobody) != 0 ? refusedWithoutWord : save(directory); });
-}
-
 TEST(SaveLimits, AFileIsWrittenWhereItStandsIfNoOtherMayTakeItsPlace) {
   using Perms = std::filesystem::perms;
   struct Row {
@@ -230,9 +224,7 @@ TEST(SaveLimits, AFileIsWrittenWhereItStandsIfNoOtherMayTakeItsPlace) {
     const std::string path = directory.write("Kept.quindle", oldText);
     std::filesystem::permissions(path, row.file);
     std::filesystem::permissions(directory.path(), row.directory);
-    const int status = saveAsNobody(directory.path());
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), row.ends);
+    EXPECT_TRUE(Testing::asNobody([&] { return save(directory.path()) == row.ends; }));
     EXPECT_EQ(readFile(path), row.ends == saved ? newText : oldText);
     EXPECT_EQ(directory.names().size(), 1U);
   }

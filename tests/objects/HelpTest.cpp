@@ -17,7 +17,8 @@ struct HelpOfOutputs : VOutputIterator {
 };
 
 TEST(Help, EveryObjectAndEverySlotSaysWhatItIsForInASentence) {
-  Host::registerHostObjects();
+  const Stop goOn;
+  Host::registerHostObjects({goOn});
   std::size_t objects = 0;
   for (const QuindleRegistryItem& item : collectQuindleRegistry(LowestRank)) {
     if (item.kind != 1) continue;

@@ -119,16 +119,19 @@ TEST(planClassLabels, OpensAllClassesOfAByteWhereNothingIsKnown) {
 }
 
 TEST(planClassLabels, TakesColoursOfThreeOrFourNumbers) {
+  constexpr std::array<float, 4> grey{0.5F, 0.5F, 0.5F, 1};
   const std::pair<std::vector<double>, std::array<float, 4>> cases[] = {
       {{1, 0, 0}, {1, 0, 0, 1}},
       {{1, 0, 0, 0.5}, {1, 0, 0, 0.5F}},
-      {{1, 0}, {0.5F, 0.5F, 0.5F, 1}},
+      {{1, 0}, grey},
       {{1e300, 0, 0}, {std::numeric_limits<float>::max(), 0, 0, 1}}};
   for (const auto& [written, colour] : cases) {
     QuindleValue tuple;
     tuple.kind = QuindleValue::Kind::Tuple;
     for (const double item : written) tuple.items.push_back(QuindleValue::number(item));
-    EXPECT_EQ(plannedWithout("New", 9, {"1"}, tuple).labels[9].color, colour);
+    LabelSet set = plannedWithout("New", 9, {"1"}, tuple);
+    EXPECT_EQ(set.labels[9].color, colour);
+    EXPECT_EQ(set.labels[1].color, grey) << "a class that is only a number";
   }
 }
 

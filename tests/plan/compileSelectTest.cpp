@@ -120,16 +120,5 @@ TEST(compileSelect, UsesTheNamesThatTheSceneGivesAndRefusesNodesWithNothingInThe
   EXPECT_EQ(diag.format(), ":4: error: An \"or\" with nothing in it.");
 }
 
-TEST(compileSelect, TakesAMillionLevels) {
-  QuindlePlanNode plan;
-  Diag diag;
-  ASSERT_TRUE(planPredicate(Testing::deepChain(), plan, diag, "t"));
-  RecordingScene scene;
-  std::vector<QuindleBinding> bindings;
-  std::string out;
-  EXPECT_TRUE(compileSelect(plan, {}, scene, "S", "P_", out, bindings, diag));
-  EXPECT_EQ(out, "P_vertical1");
-}
-
 } // namespace
 } // namespace Zamt

@@ -25,29 +25,4 @@ inline QuindlePlanNode planOf(const std::string& text) {
   return plan;
 }
 
-inline QuindleExpr junction(QuindleExpr::Kind kind, std::vector<QuindleExpr> operands) {
-  QuindleExpr made;
-  made.kind = kind;
-  made.operands = std::move(operands);
-  return made;
-}
-
-constexpr int deep = 1000000;
-
-/// A million levels of not, and, or around the condition vertical(), each level with one operand, so that
-/// neither kind of junction is ever flattened away by the text's shape but by the planner alone.
-inline QuindleExpr deepChain() {
-  QuindleExpr expr;
-  expr.kind = QuindleExpr::Kind::Call;
-  expr.name = "vertical";
-  constexpr QuindleExpr::Kind kinds[] = {QuindleExpr::Kind::And, QuindleExpr::Kind::Or,
-                                         QuindleExpr::Kind::Not};
-  for (int level = 0; level < deep; ++level) {
-    std::vector<QuindleExpr> operands;
-    operands.push_back(std::move(expr));
-    expr = junction(kinds[level % 3], std::move(operands));
-  }
-  return expr;
-}
-
 } // namespace Zamt::Testing

@@ -1,8 +1,7 @@
 #include "quindle/reference/QuindleReference.h"
 
-#include "quindle/check/checkQuindle.h"
-#include "quindle/plan/QuindlePlanNode.h"
-#include "tests/support/parsed.h"
+#include "quindle/core/QuindleParamTypes.h"
+#include "quindle/plan/diagnoseQuindle.h"
 
 #include <gmock/gmock.h>
 
@@ -82,16 +81,9 @@ std::vector<std::vector<std::string>> sampleBlocks(const std::string& text) {
 
 void expectUsable(const std::string& text) {
   SCOPED_TRACE(text);
-  const QuindleDocument doc = parsed(text);
+  QuindleDocument doc;
   Diag findings;
-  EXPECT_TRUE(checkQuindle(doc, findings)) << findings.format();
-  for (const QuindleTrigger& trigger : doc.triggers)
-    for (const QuindleStep& step : trigger.steps) {
-      QuindlePlanNode plan;
-      Diag diag;
-      if (step.kind != QuindleStep::Kind::Select) continue;
-      EXPECT_TRUE(planPredicate(step.condition, plan, diag, "test.quindle")) << diag.format();
-    }
+  EXPECT_TRUE(diagnoseQuindle(text, "test.quindle", doc, findings)) << findings.format();
 }
 
 constexpr std::size_t whole = std::string::npos;
@@ -134,6 +126,13 @@ TEST(QuindleReference, EverySampleLineIsGoodToWrite) {
       expectUsable("quindle \"T\" { " + (samples.before + form) + samples.after + " }");
     }
   }
+}
+
+TEST(QuindleReference, TypesAreTheOnesThatMeanSomething) {
+  const auto lines = sampleBlocks(findQuindleReferenceSection("params")->body)[1];
+  ASSERT_EQ(lines.size(), quindleParamTypes.size());
+  for (std::size_t i = 0; i < lines.size(); ++i)
+    EXPECT_THAT(lines[i], StartsWith(std::string(quindleParamTypes[i].word) + ' '));
 }
 
 TEST(QuindleReference, FilesAsShownAreGoodToWrite) {

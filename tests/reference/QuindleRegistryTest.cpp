@@ -5,6 +5,7 @@
 #include "cadmer/VAction.h"
 #include "sorbine/VCreator.h"
 #include "sorbine/VObject.h"
+#include "tests/support/Panel.h"
 
 #include <gmock/gmock.h>
 
@@ -15,6 +16,7 @@ using Rethold::StrongPtr;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Pair;
+using ::testing::StartsWith;
 
 class Lamp : public VObject {
   VInput<double> brightness_ = input<double>("brightness", "How bright it is.");
@@ -22,10 +24,14 @@ class Lamp : public VObject {
   StrongPtr<VSlot> dim_ = action("Dim Slowly", "", [] {});
 };
 
-/// Slots that hold nothing, and a nameless button.
+/// Slots that hold nothing, a nameless button, and one that is a member of a panel.
 class Drawer : public VObject {
 public:
   Drawer() {
+    const auto panel = std::make_shared<VValue<Panel>>();
+    panel->held.button = std::make_shared<VValue<StrongPtr<VAction>>>();
+    for (const char* const member : {"button", "number"})
+      addInput(std::make_shared<VSlot>(member, "", std::make_shared<VParameter>(panel), member));
     addInput(std::make_shared<VSlot>("bare", "", nullptr));
     addInput(std::make_shared<VSlot>("hollow", "", std::make_shared<VParameter>(nullptr)));
   }
@@ -39,6 +45,7 @@ public:
   QuindleRegistryTest() {
     VManagedObject::clear();
     for (const int rank : {1999, 0, -1, -1000, -1001}) creator("Rank", std::to_string(rank), rank, {});
+    creator("", "Stray", 3000, {}, "Belongs nowhere.");
     lamps = creator("Light", "Lamp", 2000, "Makes light.\nA lot.");
     make("lamp");
     VManagedObject::add(std::make_shared<Drawer>(), "drawer");
@@ -49,9 +56,9 @@ public:
   }
 
   StrongPtr<VCreatorBase> creator(const std::string& category, const std::string& identifier, int rank,
-                                  const std::string& help) {
+                                  const std::string& help, const std::string& shortHelp = {}) {
     creators.push_back(registerCreator<Lamp>(
-        category, identifier, {.rank = rank, .shortHelp = {}, .longHelp = help, .accepts = {}}));
+        category, identifier, {.rank = rank, .shortHelp = shortHelp, .longHelp = help, .accepts = {}}));
     return creators.back();
   }
 
@@ -68,15 +75,15 @@ TEST_F(QuindleRegistryTest, HoldsConditionsThenActionsThenCreatorsFromTheLevelUp
       if (item.kind != 0) found += item.name + ' ' + item.maturity + '\n';
     return found;
   };
-  const std::string actions = "lamp.light \nlamp.Dim Slowly \ndrawer.2nd \n";
-  EXPECT_EQ(names(2000), actions + "Light/Lamp mature\n");
+  const std::string actions = "lamp.light \nlamp.Dim Slowly \ndrawer.2nd \ndrawer.button \n";
+  EXPECT_EQ(names(2000), actions + "Light/Lamp mature\n/Stray mature\n");
   EXPECT_EQ(names(-2000), actions + "Rank/-1001 unfinished\nRank/-1000 experimental\nRank/-1 experimental\n"
-                                    "Rank/0 beta\nRank/1999 beta\nLight/Lamp mature\n");
+                                    "Rank/0 beta\nRank/1999 beta\nLight/Lamp mature\n/Stray mature\n");
   EXPECT_EQ(collectQuindleRegistry(0).front().name, "class");
 }
 
 TEST_F(QuindleRegistryTest, CategoriesAreCountedInOrderOfTheirBytes) {
-  EXPECT_THAT(quindleRegistryCategories(0), ElementsAre(Pair("Actions in this scene", 3), Pair("Light", 1),
+  EXPECT_THAT(quindleRegistryCategories(0), ElementsAre(Pair("Actions in this scene", 4), Pair("Light", 1),
                                                         Pair("Quindle conditions", 9), Pair("Rank", 2)));
 }
 
@@ -97,6 +104,8 @@ TEST_F(QuindleRegistryTest, PagesTellHowAWordIsWritten) {
             "Write it as:\n    create <name> = \"Light/Lamp\"\n"
             "and then set, connect or call whatever it turns out to have. What that is is a property of the "
             "object, not of the creator, so it can only be read once one exists.\n");
+  EXPECT_THAT(describeQuindleRegistry("/Stray", 2000),
+              StartsWith("/Stray  [mature]\n\nBelongs nowhere.\n\nWrite it as:\n"));
   EXPECT_EQ(describeQuindleRegistry("below", 5000), describeQuindleOperation("below"));
   EXPECT_EQ(describeQuindleRegistry("Rank/1999", 2000), "");
   EXPECT_EQ(describeQuindleRegistry("lamp", 0), "");
@@ -106,12 +115,12 @@ TEST_F(QuindleRegistryTest, ListsAreCutAtTheLimitAndSayWhatIsMissing) {
   EXPECT_EQ(listQuindleRegistry("Rank", 1, 0),
             "Rank/0  [beta]\n... and 1 more in this category, not shown.\n");
   EXPECT_EQ(listQuindleRegistry("Rank", 2, 0), "Rank/0  [beta]\nRank/1999  [beta]\n");
-  EXPECT_EQ(listQuindleRegistry("", 0, 0), "... and 15 more in this category, not shown.\n");
+  EXPECT_EQ(listQuindleRegistry("", 0, 0), "... and 17 more in this category, not shown.\n");
 }
 
 TEST_F(QuindleRegistryTest, ActionsOutOfReachAreCountedAndThreeOfThemNamed) {
   const std::string reachable =
-      "lamp.light  -  Lights the lamp.\nlamp.\"Dim Slowly\"\ndrawer.2nd  -  Pulls.\n";
+      "lamp.light  -  Lights the lamp.\nlamp.\"Dim Slowly\"\ndrawer.2nd  -  Pulls.\ndrawer.button\n";
   const std::string why =
       " a Quindle cannot name at all. A call step begins with one identifier, so an object whose name holds "
       "a "
@@ -121,7 +130,7 @@ TEST_F(QuindleRegistryTest, ActionsOutOfReachAreCountedAndThreeOfThemNamed) {
   EXPECT_EQ(listQuindleRegistry(QuindleActionCategory, 9, 0), reachable + "... and 3" + why + ".\n");
   make("2nd");
   EXPECT_EQ(listQuindleRegistry(QuindleActionCategory, 0, 0),
-            "... and 3 more in this category, not shown.\n... and 5" + why + ", ...\n");
+            "... and 4 more in this category, not shown.\n... and 5" + why + ", ...\n");
 }
 
 TEST_F(QuindleRegistryTest, SummariesAreShortenedToOneLineOfWords) {
@@ -132,6 +141,8 @@ TEST_F(QuindleRegistryTest, SummariesAreShortenedToOneLineOfWords) {
       {hundred + "y", hundred + " ..."},
       {std::string(60, 'a') + ' ' + std::string(60, 'b') + '\n', std::string(60, 'a') + " ..."},
       {' ' + hundred + hundred, " ..."},
+      {std::string(50, 'a') + ' ' + std::string(49, 'b') + " c",
+       std::string(50, 'a') + ' ' + std::string(49, 'b') + " ..."},
   };
   for (const auto& [summary, shown] : cases) {
     const auto made = creator("Case", "C", 0, summary);

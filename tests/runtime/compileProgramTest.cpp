@@ -122,20 +122,5 @@ TEST_F(CompileProgramTest, BoundsWhatAllGuardsTogetherWeigh) {
             "deeply, or move some of the steps to a Quindle of their own and \"run\" that.");
 }
 
-TEST_F(CompileProgramTest, CompilesAndRunsAMillionNestedBlocks) {
-  QuindleDocument doc = parsedRun("if on { report \"deep\" }", "param on : Number = 1");
-  std::vector<QuindleStep>& steps = doc.triggers[0].steps;
-  for (int depth = 1; depth < 1'000'000; ++depth) {
-    QuindleStep outer;
-    outer.kind = QuindleStep::Kind::If;
-    outer.condition = steps[0].condition;
-    outer.body = std::move(steps);
-    steps.clear();
-    steps.push_back(std::move(outer));
-  }
-  EXPECT_TRUE(run(doc)) << diag.format();
-  EXPECT_THAT(result.report, ElementsAre("deep"));
-}
-
 } // namespace
 } // namespace Zamt::Testing

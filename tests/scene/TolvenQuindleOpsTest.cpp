@@ -22,6 +22,12 @@ int& fired() {
   return count;
 }
 
+/// An input and an output of one name.
+class Twin : public VObject {
+  VInput<double> in_ = input<double>("twin", "A number.", 1);
+  VOutput<double> out_ = output<double>("twin", "Another number.", 2);
+};
+
 class Source : public VObject {
   VInput<double> size_ = input<double>("size", "A number.", 1.5);
   VOutput<double> length_ = output<double>("length", "The number again.");
@@ -73,9 +79,11 @@ class Oddity : public VObject {
 public:
   Oddity() {
     const auto panel = std::make_shared<VValue<Panel>>();
-    const auto count = [](const auto& /*pool*/, const auto& /*parameter*/) { ++fired(); };
-    panel->held.button = std::make_shared<VValue<StrongPtr<VAction>>>(std::make_shared<VAction>(count));
     const auto parameter = std::make_shared<VParameter>(panel);
+    const auto count = [own = parameter.get()](const auto& /*pool*/, const StrongPtr<VParameter>& pressed) {
+      if (pressed.get() == own) ++fired();
+    };
+    panel->held.button = std::make_shared<VValue<StrongPtr<VAction>>>(std::make_shared<VAction>(count));
     addInput(std::make_shared<VSlot>("button", "", parameter, "button"));
     addInput(std::make_shared<VSlot>("number", "", parameter, "number"));
     addInput(std::make_shared<VSlot>("nothing", "", parameter, "nothing"));
@@ -105,6 +113,7 @@ protected:
     add(registerCreator<Oddity>("Test", "Oddity", {}));
     add(registerCreator<Heir>("Test", "Heir", {}));
     add(registerCreator<Busy>("Test", "Busy", {}));
+    add(registerCreator<Twin>("Test", "Twin", {}));
     add(registerCreator("Test", "Never", {0, "", "", {number}}, [] { return nullptr; }));
     fired() = 0;
   }
@@ -206,6 +215,11 @@ TEST_F(TolvenQuindleOpsTest, ParametersAreWrittenOnInputsAndReadOnBothKinds) {
   make("Oddity", "o");
   expectError(ops.setParam("o", "bare", "1", diag), "o: error: \"1\" is not a value o.bare can take.");
   EXPECT_EQ(read("o", "bare"), "");
+  make("Twin", "t");
+  EXPECT_EQ(read("t", "twin"), "1") << "the input wins the name";
+  // A slot that is about a member is written and read as a whole.
+  expectError(ops.setParam("o", "number", "1", diag), "o: error: \"1\" is not a value o.number can take.");
+  EXPECT_EQ(read("o", "number"), "a panel");
 }
 
 TEST_F(TolvenQuindleOpsTest, FiringAnActionCarriesItOutAndTouchesItsSlot) {
@@ -232,6 +246,7 @@ TEST_F(TolvenQuindleOpsTest, ObjectsPublishingLooksForTheWordInTheTypesOfTheOutp
   EXPECT_EQ(ops.creatorOf("orphan"), "");
   EXPECT_THAT(ops.objectsPublishing("Brush"), ElementsAre("b", "a"));
   EXPECT_THAT(ops.objectsPublishing("Grid"), IsEmpty());
+  EXPECT_THAT(ops.objectsPublishing(""), ElementsAre("b", "a")) << "all that have an output";
 }
 
 TEST_F(TolvenQuindleOpsTest, ConsumersAreNamedOnceAndNeverTheObjectItself) {

@@ -1,5 +1,9 @@
 #include "tests/session/scenes.h"
 
+#include <atomic>
+#include <set>
+#include <thread>
+
 namespace Zamt::Testing {
 namespace {
 
@@ -19,7 +23,7 @@ public:
     return result.report;
   }
 
-  Host::Scene scene;
+  Host::Scene scene{goOn, formatsWithArrays()};
   QuindleRunResult result;
   std::string said;
 };
@@ -34,11 +38,11 @@ TEST_F(HostSceneTest, ASecondCloudIsBoundAndNothingIsCompiledForIt) {
   std::string problem;
   for (const auto& [name, points] : {std::pair{"one.las", 3000}, {"two.las", 5000}})
     ASSERT_TRUE(Host::writeSample(Host::makeSampleScene(static_cast<std::uint64_t>(points), 3), path(name),
-                                  path("water.ply"), problem))
+                                  path("water.ply"), goOn, problem))
         << problem;
   for (const char* name : {"one.las", "two.las"}) {
     open(path(name), doc);
-    const std::uint64_t ground = scene.grid()->cloud->countClasses()[2];
+    const std::uint64_t ground = countsOf(*scene.grid()->cloud)[2];
     EXPECT_EQ(run(doc), std::vector{std::to_string(ground)}) << name;
     EXPECT_EQ(result.compiled, std::string(name) == "one.las");
   }
@@ -78,11 +82,35 @@ TEST_F(HostSceneTest, RegionsAndFieldsCanBeGivenAsTheyAreWritten) {
       parsedRun("select class(\"Water\") and inside(region)\nclassify into \"Ground\"\nreport \"{selected}\"",
                 "param cloud : Grid param region : Region = (511000, 5402000, 0, 513000, 5404000, 1000)");
   scene.runtime().forget(withDefault.name);
-  const std::uint64_t water = scene.grid()->cloud->countClasses()[9];
+  const std::uint64_t water = countsOf(*scene.grid()->cloud)[9];
   EXPECT_EQ(run(withDefault), std::vector{std::to_string(water)});
   Diag diag;
   EXPECT_FALSE(scene.run(doc, {{"region", "nowhere"}}, false, result, diag));
   EXPECT_TRUE(diag.firstError().starts_with("The value of \"region\" can't be used: ")) << diag.format();
+}
+
+TEST_F(HostSceneTest, ARunComesToTheSameOnAnyFormatAndWritesWhatItChanged) {
+  const QuindleDocument doc = parsedRun(
+      "select Intensity > 20000 or neighbours(3, 0, 2)\nclassify into \"Rail\"\nreport \"{selected}\"",
+      "param cloud : Grid = active");
+  const std::string file = sample(60000);
+  Diag diag;
+  open(file, doc);
+  ASSERT_TRUE(scene.addDisplay(diag)) << diag.format();
+  const std::vector<std::string> report = run(doc);
+  EXPECT_NE(report, std::vector<std::string>{"0"});
+  ASSERT_TRUE(scene.writeCloud(path("out.las"), diag) && scene.savePicture(path("las.png"), diag))
+      << diag.format();
+  open(write("lake.arrays", std::string(arraysOf) + file), doc);
+  EXPECT_EQ(run(doc), report);
+  ASSERT_TRUE(scene.writeCloud(path("out.classes"), diag) && scene.savePicture(path("arrays.png"), diag))
+      << diag.format();
+  EXPECT_TRUE(readFile(path("las.png")) == readFile(path("arrays.png")));
+  std::string classes;
+  open(path("out.las"), doc);
+  for (const double number : readField(*scene.grid()->cloud, "Classification"))
+    classes += static_cast<char>(number);
+  EXPECT_TRUE(readFile(path("out.classes")) == classes);
 }
 
 TEST_F(HostSceneTest, EveryRealFileIsClassifiedAndASecondRunChangesNothing) {
@@ -97,11 +125,34 @@ TEST_F(HostSceneTest, EveryRealFileIsClassifiedAndASecondRunChangesNothing) {
     run(doc);
     ASSERT_TRUE(scene.writeCloud(path("out.las"), diag)) << diag.format();
     open(path("out.las"), doc);
-    EXPECT_EQ(scene.grid()->cloud->countClasses()[9], scene.grid()->cloud->size());
+    EXPECT_EQ(countsOf(*scene.grid()->cloud)[9], scene.grid()->cloud->size());
     EXPECT_EQ(run(doc), std::vector<std::string>{"0"});
     ++written;
   }
   EXPECT_GE(written, 20);
+}
+
+TEST_F(SceneTest, ASecondSceneWaitsUntilTheFirstIsGone) {
+  const QuindleDocument doc =
+      parsedRun("select class(\"Ground\")\nclassify into \"Water\"\nreport \"{selected}\"",
+                "param cloud : Grid = active");
+  const std::string file = sample();
+  std::atomic<int> inside{0};
+  std::set<std::string> reports;
+  const auto preview = [&] {
+    Host::Scene mine{goOn};
+    EXPECT_EQ(++inside, 1);
+    QuindleRunResult own;
+    Diag diag;
+    EXPECT_TRUE(mine.openCloud(file, doc, diag) && mine.run(doc, {}, true, own, diag)) << diag.format();
+    reports.insert(own.report.begin(), own.report.end());
+    --inside;
+  };
+  std::vector<std::thread> threads;
+  threads.reserve(4);
+  for (int i = 0; i < 4; ++i) threads.emplace_back(preview);
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(reports.size(), 1U);
 }
 
 } // namespace

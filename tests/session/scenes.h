@@ -2,6 +2,7 @@
 
 #include "host/sample/SampleFiles.h"
 #include "host/session/Scene.h"
+#include "tests/support/ArrayCloud.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/parsed.h"
 #include "tests/support/realClouds.h"
@@ -18,7 +19,7 @@ public:
   std::string sample(std::uint64_t points = 6000) const {
     std::string problem;
     EXPECT_TRUE(Host::writeSample(Host::makeSampleScene(points, 7), path("lake.las"), path("lake-water.ply"),
-                                  problem))
+                                  goOn, problem))
         << problem;
     return path("lake.las");
   }

@@ -1,6 +1,7 @@
 #include "host/clouds/las/LasBuilder.h"
 
 #include "files/AtomicFile.h"
+#include "host/clouds/BlockTable.h"
 #include "host/clouds/las/LasLayout.h"
 
 #include <algorithm>
@@ -89,23 +90,23 @@ void writeNewPart(std::byte* at, const NewPoint& point) {
 class Builder {
 public:
   explicit Builder(const NewCloud& cloud)
-      : description(cloud), length(standardRecordLength(cloud.pointFormat)) {
+      : description_(cloud), length_(standardRecordLength(cloud.pointFormat)) {
     const unsigned format = cloud.pointFormat;
-    if (format >= 6) gpsAt = 22;
-    if (format == 1 || format == 3) gpsAt = 20;
-    if (format == 2) colourAt = 20;
-    if (format == 3) colourAt = 28;
-    if (format >= 7) colourAt = 30;
+    if (format >= 6) gpsAt_ = 22;
+    if (format == 1 || format == 3) gpsAt_ = 20;
+    if (format == 2) colourAt_ = 20;
+    if (format == 3) colourAt_ = 28;
+    if (format >= 7) colourAt_ = 30;
     for (const NewField& field : cloud.extraFields) {
       for (unsigned component = 0; component < field.components; ++component) {
-        extra.push_back({length, field.type});
-        length += sizeOf(field.type);
+        extra_.push_back({length_, field.type});
+        length_ += sizeOf(field.type);
       }
     }
   }
 
-  std::size_t recordLength() const { return length; }
-  std::size_t extraCount() const { return extra.size(); }
+  std::size_t recordLength() const { return length_; }
+  std::size_t extraCount() const { return extra_.size(); }
   std::size_t pointOffset() const { return headerOf14 + records().size(); }
 
   void writePoint(const NewPoint& point, std::byte* at, Summary& summary) const;
@@ -115,34 +116,35 @@ private:
   std::vector<std::byte> records() const;
   void writeRanges(std::byte* header, const Summary& summary) const;
 
-  const NewCloud& description;
-  std::size_t length;
-  std::size_t gpsAt = 0;    ///< 0 for a format without it,
-  std::size_t colourAt = 0; ///< likewise.
+  const NewCloud& description_;
+  std::size_t length_;
+  std::size_t gpsAt_ = 0;    ///< 0 for a format without it,
+  std::size_t colourAt_ = 0; ///< likewise.
   struct Component {
     std::size_t at;
     FieldType type;
   };
-  std::vector<Component> extra;
+  std::vector<Component> extra_;
 };
 
 void Builder::writePoint(const NewPoint& point, std::byte* at, Summary& summary) const {
   for (std::size_t axis = 0; axis < 3; ++axis) {
     const auto stored =
-        nearest<std::int32_t>((point.position[axis] - description.origin[axis]) / description.scale[axis]);
+        nearest<std::int32_t>((point.position[axis] - description_.origin[axis]) / description_.scale[axis]);
     summary.low[axis] = std::min(summary.low[axis], stored);
     summary.high[axis] = std::max(summary.high[axis], stored);
     writeAt(at + 4 * axis, stored);
   }
   writeAt(at + 12, point.intensity);
-  if (description.pointFormat >= 6)
+  if (description_.pointFormat >= 6)
     writeNewPart(at, point);
   else
     writeOldPart(at, point);
-  if (gpsAt != 0) writeAt(at + gpsAt, point.gpsTime);
-  if (colourAt != 0) writeAt(at + colourAt, point.colour);
-  if (description.pointFormat == 8) writeAt(at + 36, point.infrared);
-  for (std::size_t i = 0; i < extra.size(); ++i) writeNumber(at + extra[i].at, extra[i].type, point.extra[i]);
+  if (gpsAt_ != 0) writeAt(at + gpsAt_, point.gpsTime);
+  if (colourAt_ != 0) writeAt(at + colourAt_, point.colour);
+  if (description_.pointFormat == 8) writeAt(at + 36, point.infrared);
+  for (std::size_t i = 0; i < extra_.size(); ++i)
+    writeNumber(at + extra_[i].at, extra_[i].type, point.extra[i]);
   if (point.returnNumber >= 1 && point.returnNumber <= 15) ++summary.byReturn[point.returnNumber - 1U];
 }
 
@@ -157,20 +159,20 @@ void addRecord(std::uint16_t id, const std::vector<std::byte>& data, std::vector
 
 std::vector<std::byte> Builder::records() const {
   std::vector<std::byte> result;
-  if (!description.extraFields.empty()) {
-    std::vector<std::byte> data(description.extraFields.size() * extraEntrySize);
-    for (std::size_t i = 0; i < description.extraFields.size(); ++i) {
+  if (!description_.extraFields.empty()) {
+    std::vector<std::byte> data(description_.extraFields.size() * extraEntrySize);
+    for (std::size_t i = 0; i < description_.extraFields.size(); ++i) {
       std::byte* const entry = data.data() + i * extraEntrySize;
-      const NewField& field = description.extraFields[i];
+      const NewField& field = description_.extraFields[i];
       entry[2] = static_cast<std::byte>(static_cast<unsigned>(field.type) + 1 + 10 * (field.components - 1));
       std::memcpy(entry + 4, field.name.data(), field.name.size());
     }
     addRecord(extraBytesId, data, result);
   }
-  if (!description.classNames.empty()) {
+  if (!description_.classNames.empty()) {
     std::vector<std::byte> data(classEntries * classEntrySize);
-    for (std::size_t i = 0; i < description.classNames.size(); ++i) {
-      const ClassName& entry = description.classNames[i];
+    for (std::size_t i = 0; i < description_.classNames.size(); ++i) {
+      const ClassName& entry = description_.classNames[i];
       data[i * classEntrySize] = static_cast<std::byte>(entry.number);
       std::memcpy(&data[i * classEntrySize + 1], entry.name.data(), entry.name.size());
     }
@@ -181,8 +183,8 @@ std::vector<std::byte> Builder::records() const {
 
 void Builder::writeRanges(std::byte* header, const Summary& summary) const {
   for (std::size_t axis = 0; axis < 3; ++axis) {
-    const double scale = description.scale[axis];
-    const double origin = description.origin[axis];
+    const double scale = description_.scale[axis];
+    const double origin = description_.origin[axis];
     writeAt(header + HeaderAt::scale + 8 * axis, scale);
     writeAt(header + HeaderAt::origin + 8 * axis, origin);
     if (summary.low[axis] > summary.high[axis]) continue; // no points
@@ -195,19 +197,19 @@ std::vector<std::byte> Builder::head(std::uint64_t points, const Summary& summar
   std::vector<std::byte> result(headerOf14);
   std::byte* const header = result.data();
   std::memcpy(header, "LASF", 4);
-  if (description.pointFormat >= 6) writeAt(header + HeaderAt::globalEncoding, usesWkt);
+  if (description_.pointFormat >= 6) writeAt(header + HeaderAt::globalEncoding, usesWkt);
   header[HeaderAt::versionMajor] = std::byte{1};
   header[HeaderAt::versionMinor] = std::byte{4};
   constexpr std::string_view software = "Quindle";
   std::memcpy(header + 58, software.data(), software.size());
   writeAt(header + HeaderAt::headerSize, static_cast<std::uint16_t>(headerOf14));
   writeAt(header + HeaderAt::pointOffset, static_cast<std::uint32_t>(pointOffset()));
-  const auto recordCount = static_cast<std::uint32_t>((description.extraFields.empty() ? 0 : 1) +
-                                                      (description.classNames.empty() ? 0 : 1));
+  const auto recordCount = static_cast<std::uint32_t>((description_.extraFields.empty() ? 0 : 1) +
+                                                      (description_.classNames.empty() ? 0 : 1));
   writeAt(header + HeaderAt::vlrCount, recordCount);
-  header[HeaderAt::pointFormat] = static_cast<std::byte>(description.pointFormat);
-  writeAt(header + HeaderAt::recordLength, static_cast<std::uint16_t>(length));
-  if (description.pointFormat < 6 && points <= std::numeric_limits<std::uint32_t>::max()) {
+  header[HeaderAt::pointFormat] = static_cast<std::byte>(description_.pointFormat);
+  writeAt(header + HeaderAt::recordLength, static_cast<std::uint16_t>(length_));
+  if (description_.pointFormat < 6 && points <= std::numeric_limits<std::uint32_t>::max()) {
     writeAt(header + HeaderAt::legacyCount, static_cast<std::uint32_t>(points));
     for (std::size_t i = 0; i < 5; ++i)
       writeAt(header + HeaderAt::legacyByReturn + 4 * i, static_cast<std::uint32_t>(summary.byReturn[i]));
@@ -244,8 +246,7 @@ std::string descriptionProblem(const NewCloud& cloud) {
 }
 
 /// Fills and writes the points, block by block and blocks in parallel.
-bool writePoints(const Builder& builder, std::uint64_t points,
-                 const std::function<void(std::uint64_t, NewPoint&)>& fill, AtomicFile& file,
+bool writePoints(const Builder& builder, std::uint64_t points, const FillPoint& fill, AtomicFile& file,
                  Summary& summary, std::string& error) {
   std::mutex gathering;
   std::atomic<bool> failed{false};
@@ -278,13 +279,12 @@ bool writePoints(const Builder& builder, std::uint64_t points,
 
 } // namespace
 
-bool buildLas(const NewCloud& description, std::uint64_t points,
-              const std::function<void(std::uint64_t, NewPoint&)>& fill, const std::string& path,
-              std::string& error) {
+bool buildLas(const NewCloud& description, std::uint64_t points, const FillPoint& fill,
+              const std::string& path, const Stop& stop, std::string& error) {
   error = descriptionProblem(description);
   if (!error.empty()) return false;
   const Builder builder(description);
-  const auto file = AtomicFile::create(path, error);
+  const auto file = AtomicFile::create(path, error, &stop);
   if (!file || !file->reserve(builder.pointOffset() + points * builder.recordLength(), error)) return false;
   Summary summary;
   if (!writePoints(builder, points, fill, *file, summary, error)) return false;

@@ -1,5 +1,7 @@
 #include "host/clouds/las/LasLayout.h"
 
+#include "host/clouds/las/LasCompatibility.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -12,6 +14,8 @@ namespace {
 
 constexpr unsigned highestFormat = 10;
 constexpr std::uint8_t compressedFormat = 0xC0; ///< Either of these bits of the format marks a LAZ file.
+constexpr const char* compressionUserId = "laszip encoded";
+constexpr std::uint16_t compressionId = 22204;
 constexpr std::size_t waveformSize = 29;
 
 /// Bytes from the start of an entry of the extra bytes record to its parts.
@@ -44,25 +48,25 @@ bool hasColour(unsigned format) {
 bool hasInfrared(unsigned format) { return format == 8 || format == 10; }
 bool hasWaveform(unsigned format) { return format == 4 || format == 5 || format == 9 || format == 10; }
 
-Field plainField(const char* name, FieldType type, std::size_t offset) {
-  Field field;
+LasField plainField(const char* name, FieldType type, std::size_t offset) {
+  LasField field;
   field.name = name;
   field.type = type;
   field.offset = offset;
   return field;
 }
 
-Field bitField(const char* name, std::size_t offset, unsigned shift, unsigned bits) {
-  Field field = plainField(name, FieldType::U8, offset);
+LasField bitField(const char* name, std::size_t offset, unsigned shift, unsigned bits) {
+  LasField field = plainField(name, FieldType::U8, offset);
   field.shift = shift;
   field.bits = bits;
   return field;
 }
 
-void addCommonFields(const std::byte* header, std::vector<Field>& fields) {
+void addCommonFields(const std::byte* header, std::vector<LasField>& fields) {
   constexpr std::array<const char*, 3> names{"X", "Y", "Z"};
   for (std::size_t axis = 0; axis < 3; ++axis) {
-    Field field = plainField(names[axis], FieldType::I32, 4 * axis);
+    LasField field = plainField(names[axis], FieldType::I32, 4 * axis);
     field.scale[0] = readAt<double>(header + HeaderAt::scale + 8 * axis);
     field.origin[0] = readAt<double>(header + HeaderAt::origin + 8 * axis);
     fields.push_back(std::move(field));
@@ -70,7 +74,7 @@ void addCommonFields(const std::byte* header, std::vector<Field>& fields) {
   fields.push_back(plainField("Intensity", FieldType::U16, 12));
 }
 
-void addFieldsOfOldFormats(std::vector<Field>& fields) {
+void addFieldsOfOldFormats(std::vector<LasField>& fields) {
   fields.push_back(bitField("ReturnNumber", 14, 0, 3));
   fields.push_back(bitField("NumberOfReturns", 14, 3, 3));
   fields.push_back(bitField("ScanDirectionFlag", 14, 6, 1));
@@ -84,7 +88,7 @@ void addFieldsOfOldFormats(std::vector<Field>& fields) {
   fields.push_back(plainField("PointSourceId", FieldType::U16, 18));
 }
 
-void addFieldsOfNewFormats(std::vector<Field>& fields) {
+void addFieldsOfNewFormats(std::vector<LasField>& fields) {
   fields.push_back(bitField("ReturnNumber", 14, 0, 4));
   fields.push_back(bitField("NumberOfReturns", 14, 4, 4));
   fields.push_back(bitField("Synthetic", 15, 0, 1));
@@ -102,7 +106,7 @@ void addFieldsOfNewFormats(std::vector<Field>& fields) {
   fields.push_back(plainField("GpsTime", FieldType::F64, 22));
 }
 
-void addWaveformFields(std::size_t offset, std::vector<Field>& fields) {
+void addWaveformFields(std::size_t offset, std::vector<LasField>& fields) {
   fields.push_back(plainField("WavePacketDescriptorIndex", FieldType::U8, offset));
   fields.push_back(plainField("WaveformDataOffset", FieldType::U64, offset + 1));
   fields.push_back(plainField("WaveformPacketSize", FieldType::U32, offset + 9));
@@ -114,7 +118,7 @@ void addWaveformFields(std::size_t offset, std::vector<Field>& fields) {
 
 void addStandardFields(const std::byte* header, LasLayout& layout) {
   const unsigned format = layout.pointFormat;
-  std::vector<Field>& fields = layout.fields;
+  std::vector<LasField>& fields = layout.fields;
   addCommonFields(header, fields);
   if (format >= 6)
     addFieldsOfNewFormats(fields);
@@ -136,6 +140,8 @@ void addStandardFields(const std::byte* header, LasLayout& layout) {
     offset += 2;
   }
   if (hasWaveform(format)) addWaveformFields(offset, fields);
+  layout.classField = static_cast<std::size_t>(
+      std::ranges::find(fields, std::string_view("Classification"), &LasField::name) - fields.begin());
   layout.classAt = format >= 6 ? 16 : 15;
   layout.classMask = format >= 6 ? 0xFF : 0x1F;
 }
@@ -157,25 +163,25 @@ double readAnyNumber(const std::byte* at, FieldType type) {
 /// The next number of each name is kept, so that many thousands of equal names stay cheap.
 class Names {
 public:
-  explicit Names(const std::vector<Field>& fields) {
-    for (const Field& field : fields) nextNumber.emplace(field.name, 2);
+  explicit Names(const std::vector<LasField>& fields) {
+    for (const LasField& field : fields) nextNumber_.emplace(field.name, 2);
   }
   std::string unique(std::string wanted) {
     if (wanted.empty()) wanted = "ExtraBytes";
-    if (nextNumber.emplace(wanted, 2).second) return wanted;
-    unsigned number = nextNumber[wanted];
+    if (nextNumber_.emplace(wanted, 2).second) return wanted;
+    unsigned number = nextNumber_[wanted];
     std::string name = wanted + "_" + std::to_string(number++);
-    while (!nextNumber.emplace(name, 2).second) name = wanted + "_" + std::to_string(number++);
-    nextNumber[wanted] = number;
+    while (!nextNumber_.emplace(name, 2).second) name = wanted + "_" + std::to_string(number++);
+    nextNumber_[wanted] = number;
     return name;
   }
 
 private:
-  std::unordered_map<std::string, unsigned> nextNumber;
+  std::unordered_map<std::string, unsigned> nextNumber_;
 };
 
-Field readExtraField(const std::byte* entry, unsigned dataType, std::size_t offset) {
-  Field field;
+LasField readExtraField(const std::byte* entry, unsigned dataType, std::size_t offset) {
+  LasField field;
   const auto options = std::to_integer<unsigned>(entry[ExtraAt::options]);
   field.type = static_cast<FieldType>((dataType - 1) % 10);
   field.components = 1 + (dataType - 1) / 10;
@@ -204,7 +210,7 @@ void addExtraFields(std::span<const std::byte> bytes, LasLayout& layout) {
       continue;
     }
     if (dataType > 30) return;
-    Field field = readExtraField(entry, dataType, offset);
+    LasField field = readExtraField(entry, dataType, offset);
     offset += sizeOf(field.type) * field.components;
     if (offset > layout.recordLength) return;
     field.name = names.unique(fixedText(entry + ExtraAt::name, ExtraAt::nameLength));
@@ -255,12 +261,6 @@ void readAllRecords(std::span<const std::byte> bytes, LasLayout& layout) {
               readAt<std::uint32_t>(header + HeaderAt::evlrCount), true, layout.records);
 }
 
-bool isCompressed(const LasLayout& layout, std::uint8_t format) {
-  if (format & compressedFormat) return true;
-  return std::ranges::any_of(layout.records,
-                             [](const LasRecord& record) { return record.userId == "laszip encoded"; });
-}
-
 /// A scale and origin with which every stored coordinate gives a finite number.
 bool coordinatesAreFinite(const std::byte* header) {
   for (std::size_t axis = 0; axis < 3; ++axis) {
@@ -297,22 +297,20 @@ std::string headerProblem(std::span<const std::byte> bytes, const std::string& p
 /// What is wrong with the numbers of the header; empty if the points can be read.
 std::string numbersProblem(std::span<const std::byte> bytes, const LasLayout& layout,
                            const std::string& path) {
-  const std::string again = " Fetch the file again, or have the program that wrote it write it again.";
   if (layout.headerSize < smallestHeader || layout.headerSize > bytes.size())
-    return "The header of \"" + path + "\" is damaged: its size can't be " +
-           std::to_string(layout.headerSize) + " bytes." + again;
+    return headerDamaged(path, "its size can't be " + std::to_string(layout.headerSize) + " bytes");
   if (layout.pointFormat > highestFormat)
     return "\"" + path + "\" has points of format " + std::to_string(layout.pointFormat) +
            ", which can't be read. Convert it to one of the formats 0 to 10 first.";
   const std::size_t least = standardRecordLength(layout.pointFormat);
   if (layout.recordLength < least)
-    return "The header of \"" + path + "\" is damaged: points of format " +
-           std::to_string(layout.pointFormat) + " need at least " + std::to_string(least) + " bytes, not " +
-           std::to_string(layout.recordLength) + "." + again;
+    return headerDamaged(path, "points of format " + std::to_string(layout.pointFormat) + " need at least " +
+                                   std::to_string(least) + " bytes, not " +
+                                   std::to_string(layout.recordLength));
   if (layout.points != 0 && layout.pointOffset < layout.headerSize)
-    return "The header of \"" + path + "\" is damaged: its points can't start within it." + again;
+    return headerDamaged(path, "its points can't start within it");
   if (!coordinatesAreFinite(bytes.data()))
-    return "The header of \"" + path + "\" is damaged: its scales or offsets are not usable numbers." + again;
+    return headerDamaged(path, "its scales or offsets are not usable numbers");
   return {};
 }
 
@@ -325,11 +323,20 @@ std::string truncationProblem(std::size_t size, const LasLayout& layout, const s
          " points but it holds only " + std::to_string(room) + ". Fetch the file again from where it came.";
 }
 
+/// Finds the second class of points of a compatible file.
+void findSecondClass(std::span<const std::byte> bytes, LasLayout& layout) {
+  const LasRecord* const extra = layout.findSpecRecord(extraBytesId);
+  if (layout.versionMinor >= 4 || !extra || !layout.findRecord(compatibleUserId, compatibleRecordId)) return;
+  const auto found =
+      findCompatibility(bytes.subspan(extra->data, extra->length), layout.pointFormat, layout.recordLength);
+  if (found) layout.secondClassAt = found->classAt;
+}
+
 } // namespace
 
-const LasRecord* LasLayout::findSpecRecord(std::uint16_t id) const {
+const LasRecord* LasLayout::findRecord(std::string_view userId, std::uint16_t id) const {
   const auto found = std::ranges::find_if(
-      records, [id](const LasRecord& record) { return record.id == id && record.userId == specUserId; });
+      records, [&](const LasRecord& record) { return record.id == id && record.userId == userId; });
   return found == records.end() ? nullptr : &*found;
 }
 
@@ -339,13 +346,23 @@ std::size_t standardRecordLength(unsigned pointFormat) {
          (hasWaveform(pointFormat) ? waveformSize : 0U);
 }
 
-std::size_t sizeOf(FieldType type) {
-  constexpr std::array<std::size_t, 10> sizes{1, 1, 2, 2, 4, 4, 8, 8, 4, 8};
-  return sizes[static_cast<std::size_t>(type)];
+std::string headerDamaged(const std::string& path, const std::string& what) {
+  return "The header of \"" + path + "\" is damaged: " + what +
+         ". Fetch the file again, or have the program that wrote it write it again.";
 }
 
-bool readLayout(std::span<const std::byte> bytes, const std::string& path, LasLayout& layout,
-                std::string& error) {
+bool hasCompressedPoints(std::span<const std::byte> bytes) {
+  if (!headerProblem(bytes, {}).empty()) return false;
+  if (readAt<std::uint8_t>(&bytes[HeaderAt::pointFormat]) & compressedFormat) return true;
+  LasLayout layout;
+  std::string error;
+  if (!readFrame(bytes, {}, layout, error)) return false;
+  const LasRecord* const record = layout.findRecord(compressionUserId, compressionId);
+  return record && (record->length < 2 || readAt<std::uint16_t>(&bytes[record->data]) != 0);
+}
+
+bool readFrame(std::span<const std::byte> bytes, const std::string& path, LasLayout& layout,
+               std::string& error) {
   error = headerProblem(bytes, path);
   if (!error.empty()) return false;
   const std::byte* const header = bytes.data();
@@ -353,24 +370,30 @@ bool readLayout(std::span<const std::byte> bytes, const std::string& path, LasLa
   layout.headerSize = readAt<std::uint16_t>(header + HeaderAt::headerSize);
   layout.pointOffset = readAt<std::uint32_t>(header + HeaderAt::pointOffset);
   layout.recordLength = readAt<std::uint16_t>(header + HeaderAt::recordLength);
-  const auto format = readAt<std::uint8_t>(header + HeaderAt::pointFormat);
-  layout.pointFormat = format;
+  layout.pointFormat = readAt<std::uint8_t>(header + HeaderAt::pointFormat) & ~unsigned{compressedFormat};
   if (layout.headerSize >= smallestHeader && layout.headerSize <= bytes.size()) {
     layout.points = pointCount(header, layout);
     readAllRecords(bytes, layout);
   }
-  if (isCompressed(layout, format)) {
-    error = "\"" + path +
-            "\" is compressed (LAZ). Decompress it to LAS first, for example with \"laszip -i in.laz -o "
-            "out.las\".";
-    return false;
-  }
   error = numbersProblem(bytes, layout, path);
-  if (error.empty()) error = truncationProblem(bytes.size(), layout, path);
-  if (!error.empty()) return false;
-  addStandardFields(header, layout);
+  return error.empty();
+}
+
+void readFields(std::span<const std::byte> bytes, std::uint64_t pointsEnd, LasLayout& layout) {
+  std::erase_if(layout.records,
+                [&](const LasRecord& record) { return record.extended && record.head < pointsEnd; });
+  addStandardFields(bytes.data(), layout);
   addExtraFields(bytes, layout);
   readClassNames(bytes, layout);
+  findSecondClass(bytes, layout);
+}
+
+bool readLayout(std::span<const std::byte> bytes, const std::string& path, LasLayout& layout,
+                std::string& error) {
+  if (!readFrame(bytes, path, layout, error)) return false;
+  error = truncationProblem(bytes.size(), layout, path);
+  if (!error.empty()) return false;
+  readFields(bytes, layout.pointOffset + layout.points * layout.recordLength, layout);
   return true;
 }
 

@@ -11,15 +11,9 @@ std::string sayingAt(std::int32_t line, std::int32_t column, const std::string& 
 } // namespace
 
 Advisor::Advisor(const QuindleDocument& doc, Diag& diag)
-    : doc_(doc), diag_(diag), label_(doc.sourceFile.empty() ? doc.name : doc.sourceFile) {
-  for (const QuindleParam& param : doc.params) params_.emplace(param.name, &param);
+    : doc_(doc), diag_(diag), label_(doc.sourceFile.empty() ? doc.name : doc.sourceFile), params_(doc) {
   for (const Diag::Entry& entry : diag.entries)
     said_.insert(sayingAt(entry.line, entry.column, entry.message));
-}
-
-const QuindleParam* Advisor::findParam(std::string_view name) const {
-  const auto found = params_.find(name);
-  return found == params_.end() ? nullptr : found->second;
 }
 
 std::optional<std::string_view> Advisor::knownText(const QuindleExpr& argument) const {

@@ -2,12 +2,12 @@
 
 #include "quindle/core/Diag.h"
 #include "quindle/core/QuindleDocument.h"
+#include "quindle/plan/ParamIndex.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 
 namespace Zamt {
@@ -21,7 +21,7 @@ public:
   const QuindleDocument& document() const { return doc_; }
 
   /// The first parameter of exactly this name, or null, without looking at all of them.
-  const QuindleParam* findParam(std::string_view name) const;
+  const QuindleParam* findParam(std::string_view name) const { return params_.find(name); }
 
   /// The text that an argument has unless a run is given another: written out, or a parameter's default.
   std::optional<std::string_view> knownText(const QuindleExpr& argument) const;
@@ -49,7 +49,7 @@ private:
   const QuindleDocument& doc_;
   Diag& diag_;
   const std::string label_; // a copy: the file's name may be that of an entry of the Diag
-  std::unordered_map<std::string_view, const QuindleParam*> params_;
+  const ParamIndex params_;
   std::unordered_set<std::string> said_;
 };
 

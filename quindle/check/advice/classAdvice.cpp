@@ -3,6 +3,7 @@
 #include "quindle/core/AsciiText.h"
 #include "quindle/core/Numbers.h"
 #include "quindle/core/PointVocabulary.h"
+#include "quindle/core/QuindleParamTypes.h"
 #include "quindle/core/Refusals.h"
 
 #include <algorithm>
@@ -84,7 +85,8 @@ std::string nearClassName(std::string_view name) {
 ClassAdvice::ClassAdvice(Advisor& advisor) : advisor_(advisor) {
   const std::vector<QuindleParam>& params = advisor.document().params;
   hasData_ = std::any_of(params.begin(), params.end(), [](const QuindleParam& param) {
-    return param.type == "Grid" || param.type == "Field";
+    const QuindleParamType* const type = findQuindleParamType(param.type);
+    return type && type->isData;
   });
 }
 
@@ -134,8 +136,10 @@ void ClassAdvice::adviseOnNumberAsName(const QuindleStep& step, const std::strin
 void ClassAdvice::compareWithEarlier(const QuindleStep& step, const std::string& name,
                                      const std::string& number) {
   const auto [named, isNewName] = numbers_.emplace(name, Use{number, step.line});
-  if (!isNewName && named->second.other != number && !isStandard(name)) {
-    const std::string& earlier = named->second.other;
+  const std::string& earlier = named->second.other;
+  // The data will have the number of a class of the standard.
+  const bool isKnown = (earlier.empty() || number.empty()) && isStandard(name);
+  if (!isNewName && earlier != number && !isKnown) {
     const std::string wanted = earlier.empty() ? number : earlier;
     advisor_.warn(step,
                   "The class " + inQuotes(name) +

@@ -105,8 +105,15 @@ private:
     const std::optional<std::string_view> text = advisor_.knownText(first);
     if (!text) return;
     if (plan.operation->name == "expr") adviseOnExpressionText(*text, first, advisor_);
-    if (plan.operation->name == "class")
+    if (plan.operation->name == "class" && !isClassParam(first))
       for (const std::string_view name : classesIn(*text)) adviseOnClassName(name, first, advisor_);
+  }
+
+  /// Its default is looked at where it stands.
+  bool isClassParam(const QuindleExpr& argument) const {
+    const QuindleParam* const param =
+        argument.kind == Kind::Reference ? advisor_.findParam(argument.name) : nullptr;
+    return param && param->type == "Class";
   }
 
   void keep(const QuindleExpr& expr, const QuindlePlanNode& plan, const Standing& standing) {

@@ -3,6 +3,7 @@
 #include "quindle/check/advice/classAdvice.h"
 #include "quindle/check/parameterChecks.h"
 #include "quindle/core/NestedSteps.h"
+#include "quindle/core/QuindleParamTypes.h"
 
 #include <algorithm>
 #include <string>
@@ -27,16 +28,16 @@ FirstSteps firstStepsOf(const QuindleDocument& doc) {
   return first;
 }
 
-const QuindleParam* firstOfType(const QuindleDocument& doc, const char* type) {
+const QuindleParam* firstOfType(const QuindleDocument& doc, const QuindleParamType& type) {
   const auto found = std::find_if(doc.params.begin(), doc.params.end(),
-                                  [type](const QuindleParam& param) { return param.type == type; });
+                                  [&type](const QuindleParam& param) { return param.type == type.word; });
   return found == doc.params.end() ? nullptr : &*found;
 }
 
 /// What a "classify into" works on.
 const QuindleParam* classifiedParam(const QuindleDocument& doc) {
-  const QuindleParam* const field = firstOfType(doc, "Field");
-  return field ? field : firstOfType(doc, "Grid");
+  const QuindleParam* const field = firstOfType(doc, fieldType);
+  return field ? field : firstOfType(doc, gridType);
 }
 
 } // namespace

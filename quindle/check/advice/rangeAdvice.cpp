@@ -132,9 +132,9 @@ private:
 void adviseOnCount(const QuindleExpr& compare, const QuindlePlanNode& plan, Advisor& advisor) {
   const QuindleExpr& maximum = plan.arguments[maximumAt];
   if (maximum.kind != Kind::Literal || maximum.value.numberValue >= 0) return;
-  advisor.warn(compare,
-               inQuotes(compare.toSource()) + " holds for no point, since no count is below 0. Write " +
-                   openRange(plan, false, plan.arguments[minimumAt]) + " for points that stand alone.");
+  advisor.warn(compare, compare.toSource() + " holds for no point, since no count is below 0. Write " +
+                            openRange(plan, false, plan.arguments[minimumAt]) +
+                            " for points that stand alone.");
 }
 
 } // namespace

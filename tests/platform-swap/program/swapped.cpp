@@ -1,5 +1,6 @@
 #include "checks.h"
 
+#include "rethold/Typename.h"
 #include "sorbine/VValue.h"
 
 #include <iostream>
@@ -7,21 +8,25 @@
 
 namespace {
 
-bool adapterSpeaksToThisPlatform() {
+bool adapterSpeaksToTheOtherPlatform() {
   Zamt::TolvenQuindleOps scene(std::make_shared<Zamt::ValuePool>());
   Zamt::Diag diag;
-  if (!scene.create("Test/Doubler", "doubler", diag).empty() || diag.errorCount != 1) {
-    std::cerr << "A platform without creators made an object.\n";
-    return false;
-  }
-  if (Zamt::VValueCreator::registered() != 2) {
-    std::cerr << "Loading the library registered " << Zamt::VValueCreator::registered()
-              << " value types, not two.\n";
-    return false;
-  }
-  return true;
+  const bool connected = scene.connect("Nobody", "input", "Nothing", "", diag);
+  const std::string expected =
+      "Nobody: error: Could not attach Nobody.input to Nothing: The other platform has "
+      "no object called \"Nobody\".";
+  if (!connected && diag.format() == expected) return true;
+  std::cerr << "The library does not work on the platform that it was built with: " << diag.format() << "\n";
+  return false;
+}
+
+bool valueTypeIsRegistered() {
+  const std::string name = Rethold::Typename(Rethold::typeOf<Zamt::VValue<double>>());
+  if (Zamt::VManagedObject::find<Zamt::VValueCreator>(name)) return true;
+  std::cerr << "Loading the library did not register the value type " << name << ".\n";
+  return false;
 }
 
 } // namespace
 
-int main() { return languageWorks() && adapterSpeaksToThisPlatform() ? 0 : 1; }
+int main() { return languageWorks() && adapterSpeaksToTheOtherPlatform() && valueTypeIsRegistered() ? 0 : 1; }

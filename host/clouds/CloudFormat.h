@@ -1,0 +1,75 @@
+#pragma once
+
+#include "files/Stop.h"
+#include "host/clouds/BlockTable.h"
+#include "host/clouds/Bounds.h"
+#include "host/clouds/ClassName.h"
+#include "host/clouds/ClassOverlay.h"
+#include "host/clouds/Column.h"
+#include "host/clouds/Field.h"
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace Zamt::Host {
+
+/// What a file says of its points. Never changes once the file is open.
+struct CloudDescription {
+  unsigned versionMinor = 0;         ///< 0 to 4, of LAS 1.x.
+  unsigned pointFormat = 0;          ///< 0 to 10, which of the ASPRS's formats the points follow.
+  std::vector<Field> fields;         ///< X, Y and Z come first. Names are unique.
+  std::size_t classField = 0;        ///< The place in `fields` of the one that holds the class, in a byte.
+  unsigned highestClass = 0;         ///< That a point can hold: 31 or 255.
+  std::vector<ClassName> classNames; ///< Those the file brings, in number order.
+  BlockTable blocks;
+  std::vector<Bounds> boxes; ///< Of each block, where the file says so and can be trusted; else empty.
+};
+
+/// One component of a field, by its place among the fields.
+struct ColumnKey {
+  std::size_t field = 0;
+  unsigned component = 0;
+};
+
+/// The columns of X, Y and Z.
+inline constexpr std::array<ColumnKey, 3> axisColumns{{{0, 0}, {1, 0}, {2, 0}}};
+
+/// Says for one thread where the columns of blocks lie, decoding them if need be.
+class ColumnReader {
+public:
+  virtual ~ColumnReader() = default;
+
+  /// Tells which columns are likely to be asked for of every block, for readers that had better decode them
+  /// together. Not all of them may be asked for, and others may be as well.
+  virtual void expect(std::span<const ColumnKey> /*columns*/) {}
+
+  /// Sets `column` to where a component of a field, as the file has it, lies for all points of a block. The
+  /// memory stays as it is until another block is asked for, or the reader ends. Within one stay at a block a
+  /// column is asked for once, and the columns in any order. False, with a sentence in `problem` that names
+  /// the file, when the block is damaged.
+  virtual bool read(std::size_t block, ColumnKey key, StoredColumn& column, std::string& problem) = 0;
+};
+
+/// A cloud in a file of one format: all that is known of a format outside of its own folder. Safe to use from
+/// several threads at once.
+class CloudFormat {
+public:
+  virtual ~CloudFormat() = default;
+
+  virtual const CloudDescription& description() const = 0;
+
+  /// A reader for one thread. Its memory is in proportion to the longest block; the format outlives it.
+  virtual std::unique_ptr<ColumnReader> makeReader() const = 0;
+
+  /// Writes the file to `path`, which may be its own, as it is but for the classes of the blocks in `changed`
+  /// and for `addedNames`; a name for a number that has one replaces it. The file at `path` is replaced as a
+  /// whole or, when false comes with a sentence in `error`, not at all.
+  virtual bool write(const ClassOverlay& changed, const std::vector<ClassName>& addedNames,
+                     const std::string& path, const Stop& stop, std::string& error) const = 0;
+};
+
+} // namespace Zamt::Host

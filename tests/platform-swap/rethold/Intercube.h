@@ -1,7 +1,0 @@
-#pragma once
-
-namespace Rethold {
-
-struct Intercube {};
-
-} // namespace Rethold

@@ -1,7 +1,0 @@
-#pragma once
-
-namespace Zamt {
-
-class ValuePool {};
-
-} // namespace Zamt
