@@ -13,7 +13,7 @@ void registerHostObjects(const Surroundings& surroundings) {
   registerBrushes();
   registerBrushFilters();
   registerMaskedLabels();
-  registerPictureDisplay();
+  registerPictureDisplay(surroundings);
 }
 
 } // namespace Zamt::Host

@@ -1,6 +1,7 @@
 #include "host/clouds/las/LasFormat.h"
 
 #include "host/clouds/las/LasWriter.h"
+#include "host/clouds/las/extractLas.h"
 
 #include <algorithm>
 #include <utility>
@@ -48,6 +49,11 @@ public:
   bool write(const ClassOverlay& changed, const std::vector<ClassName>& addedNames, const std::string& path,
              const Stop& stop, std::string& error) const override {
     return writeLas(file_, about_.blocks, changed, addedNames, path, stop, error);
+  }
+
+  bool extract(const PointMask& kept, const std::string& path, const Stop& stop,
+               std::string& error) const override {
+    return extractLas(file_, about_.blocks, kept, path, stop, error);
   }
 
 private:
