@@ -49,8 +49,8 @@ public:
     if (returnsLeft == 0) nextPulse();
     const unsigned number = returns - returnsLeft + 1;
     --returnsLeft;
-    const double x = across + noise.normal(60);
-    const double y = along + noise.normal(60);
+    const double x = across + noise.normal(110);
+    const double y = along + noise.normal(110);
     const double z = ground(x, y) + height(number) + noise.normal(20);
     Laz::store(record, static_cast<std::int32_t>(x));
     Laz::store(record + 4, static_cast<std::int32_t>(y));

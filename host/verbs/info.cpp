@@ -75,12 +75,17 @@ std::string infoText(const Inspected& cloud) {
   return text + fieldsText(info) + classesText(info);
 }
 
+Data endOf(const FieldRange& field, double end) {
+  if (!field.hasValues) return {};
+  return end;
+}
+
 Data fieldData(const FieldRange& field) {
   return Fields{{"name", field.name},
                 {"type", nameOfType(field.type)},
                 {"components", field.components},
-                {"low", field.hasValues ? Data(field.low) : Data()},
-                {"high", field.hasValues ? Data(field.high) : Data()}};
+                {"low", endOf(field, field.low)},
+                {"high", endOf(field, field.high)}};
 }
 
 Data classData(const ClassCount& entry) {

@@ -41,7 +41,9 @@ QuindlePlanNode& QuindlePlanNode::operator=(QuindlePlanNode&& other) noexcept {
   return *this;
 }
 
-QuindlePlanNode::~QuindlePlanNode() { tree::destroyChildren(*this); }
+QuindlePlanNode::~QuindlePlanNode() {
+  if (tree::hasChildren(*this)) tree::destroyChildren(*this);
+}
 
 std::uint32_t QuindlePlanNode::cost() const {
   return tree::fold(*this, members, conditionCost,

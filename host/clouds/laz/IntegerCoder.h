@@ -20,7 +20,8 @@ public:
   }
 
   /// The number, which is `real` when encoding. Only its lowest `Width` bits count; of 32 bits all do.
-  std::uint32_t code(Coder& coder, std::uint32_t predicted, std::uint32_t real, unsigned context) {
+  [[gnu::always_inline]] std::uint32_t code(Coder& coder, std::uint32_t predicted, std::uint32_t real,
+                                            unsigned context) {
     if constexpr (Coder::encodes) {
       encode(coder, difference(real - predicted), context);
       return real;
@@ -42,7 +43,7 @@ private:
     return static_cast<std::int32_t>(d << unused) >> unused;
   }
 
-  std::uint32_t decode(Coder& coder, unsigned context) {
+  [[gnu::always_inline]] std::uint32_t decode(Coder& coder, unsigned context) {
     const unsigned k = coder.symbol(classes[context]);
     lastClass = k;
     if (k == 0) return coder.bit(lowest) ? 1 : 0;
@@ -51,11 +52,12 @@ private:
     model.prepare(k < 8 ? 1U << k : 256);
     std::uint32_t place = coder.preparedSymbol(model);
     if (k > 8) place = place << (k - 8) | coder.raw(k - 8);
-    // the upper half of the class holds the positive differences
-    return place >> (k - 1) ? place + 1 : place + 1 - (1U << k);
+    // The upper half of the class holds the positive differences; no branch, since half of them are.
+    const std::uint32_t isPositive = place >> (k - 1);
+    return place + 1 - ((1U << k) & (isPositive - 1));
   }
 
-  void encode(Coder& coder, std::int32_t d, unsigned context) {
+  [[gnu::always_inline]] void encode(Coder& coder, std::int32_t d, unsigned context) {
     const auto bits = static_cast<std::uint32_t>(d);
     const auto k = static_cast<unsigned>(std::bit_width(d <= 0 ? 0 - bits : bits - 1));
     lastClass = k;

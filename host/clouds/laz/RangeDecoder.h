@@ -16,22 +16,25 @@ public:
   /// What may be consumed between two questions.
   static constexpr std::size_t stride = 124;
 
-  /// Gives the place of the first byte, and in `limit` how far to go before asking `moveOn`.
-  const std::byte* start(std::span<const std::byte> bytes, const std::byte*& limit) {
+  /// A place in the bytes, and how far to go from it before asking for the next.
+  struct Place {
+    const std::byte* at = nullptr;
+    const std::byte* limit = nullptr;
+  };
+
+  Place start(std::span<const std::byte> bytes) {
     whole = bytes;
     inTail = false;
     consumedBeforeTail = 0;
-    if (bytes.size() > tailSize) {
-      limit = bytes.data() + (bytes.size() - tailSize);
-      return bytes.data();
-    }
-    return enterTail(0, limit);
+    if (bytes.size() > tailSize) return {bytes.data(), bytes.data() + (bytes.size() - tailSize)};
+    return enterTail(0);
   }
 
-  /// The place to go on from when `at` is beyond `limit`; null when the bytes have ended.
-  const std::byte* moveOn(const std::byte* at, const std::byte*& limit) {
-    if (inTail) return nullptr;
-    return enterTail(static_cast<std::size_t>(at - whole.data()), limit);
+  /// Where to go on from `at`, which is beyond the limit. Still beyond it when the bytes have ended. By
+  /// value, so that what a decoder keeps in registers need not have an address.
+  [[gnu::noinline]] Place moveOn(Place beyond) {
+    if (inTail) return beyond;
+    return enterTail(static_cast<std::size_t>(beyond.at - whole.data()));
   }
 
   /// How many bytes lie before `at`.
@@ -45,14 +48,13 @@ public:
 private:
   static constexpr std::size_t tailSize = stride + sizeof(std::uint32_t);
 
-  const std::byte* enterTail(std::size_t from, const std::byte*& limit) {
+  Place enterTail(std::size_t from) {
     const std::size_t rest = whole.size() - from; // at most `tailSize`
     tail.fill(std::byte{0});
     if (rest > 0) std::memcpy(tail.data(), whole.data() + from, rest);
     inTail = true;
     consumedBeforeTail = from;
-    limit = tail.data() + rest;
-    return tail.data();
+    return {tail.data(), tail.data() + rest};
   }
 
   std::span<const std::byte> whole;
@@ -75,36 +77,37 @@ public:
   /// `source` must outlive the decoder, and so must the bytes.
   void start(StreamBytes& source, std::span<const std::byte> bytes) {
     stream = &source;
-    at = source.start(bytes, limit);
+    place = source.start(bytes);
     length = 0xFFFFFFFF;
-    value = loadBigEndian(at);
-    at += sizeof(std::uint32_t);
+    value = loadBigEndian(place.at);
+    place.at += sizeof(std::uint32_t);
     broken = value == length;
     if (broken) --value;
   }
 
   /// To be asked at least every `StreamBytes::stride` consumed bytes: false when the stream has ended before
   /// what was decoded from it.
-  bool proceed() {
-    if (at <= limit) [[likely]]
+  [[gnu::always_inline]] bool proceed() {
+    if (place.at <= place.limit) [[likely]]
       return true;
-    return enterTail();
+    place = stream->moveOn(place);
+    return place.at <= place.limit;
   }
 
   /// No encoder makes the stream.
   bool isBroken() const { return broken; }
   void markBroken() { broken = true; }
-  std::size_t consumed() const { return stream->consumed(at); }
+  std::size_t consumed() const { return stream->consumed(place.at); }
 
   template <unsigned Capacity>
-  unsigned symbol(Model<Capacity>& model, unsigned = 0) {
+  [[gnu::always_inline]] unsigned symbol(Model<Capacity>& model, unsigned = 0) {
     model.prepare();
     return preparedSymbol(model);
   }
 
   /// As `symbol`, of a model that `prepare` was called for.
   template <unsigned Capacity>
-  unsigned preparedSymbol(Model<Capacity>& model, unsigned = 0) {
+  [[gnu::always_inline]] unsigned preparedSymbol(Model<Capacity>& model, unsigned = 0) {
     const std::uint32_t step = length >> 15;
     const std::uint32_t share = value / step;
     unsigned symbol = model.cells.symbolAt[share >> SymbolCells<Capacity>::shift];
@@ -119,7 +122,7 @@ public:
     return symbol;
   }
 
-  bool bit(BitModel& model, bool = false) {
+  [[gnu::always_inline]] bool bit(BitModel& model, bool = false) {
     const std::uint32_t zeros = model.zeroShare * (length >> 13);
     const bool one = value >= zeros;
     value -= one ? zeros : 0;
@@ -130,14 +133,14 @@ public:
   }
 
   /// `bits` from 1 to 32.
-  std::uint32_t raw(unsigned bits, std::uint32_t = 0) {
+  [[gnu::always_inline]] std::uint32_t raw(unsigned bits, std::uint32_t = 0) {
     if (bits <= 19) return fewRaw(bits);
     const std::uint32_t low = fewRaw(16);
     return fewRaw(bits - 16) << 16 | low;
   }
 
 private:
-  std::uint32_t fewRaw(unsigned bits) {
+  [[gnu::always_inline]] std::uint32_t fewRaw(unsigned bits) {
     length >>= bits;
     const std::uint32_t bitsRead = value / length;
     value -= bitsRead * length;
@@ -149,26 +152,19 @@ private:
   /// Symbols and bits leave at least 2^9 of the length and need up to two bytes, raw bits up to three. No
   /// branch: how many it takes can't be guessed.
   template <unsigned Most = 2>
-  void renormalise() {
-    unsigned bytes = (length < 1U << 24 ? 1U : 0U) + (length < 1U << 16 ? 1U : 0U);
-    if constexpr (Most == 3) bytes += length < 1U << 8 ? 1 : 0;
+  [[gnu::always_inline]] void renormalise() {
+    unsigned bytes = isBelow<24>(length) + isBelow<16>(length);
+    if constexpr (Most == 3) bytes += isBelow<8>(length);
     const unsigned bits = 8 * bytes;
-    const std::uint64_t next = loadBigEndian(at);
+    const std::uint64_t next = loadBigEndian(place.at);
     value = value << bits | static_cast<std::uint32_t>(next >> (32 - bits));
     length <<= bits;
-    at += bytes;
-  }
-
-  [[gnu::noinline]] bool enterTail() {
-    const std::byte* const place = stream->moveOn(at, limit);
-    if (place) at = place;
-    return place != nullptr && at <= limit;
+    place.at += bytes;
   }
 
   std::uint32_t value = 0;
   std::uint32_t length = 0;
-  const std::byte* at = nullptr;
-  const std::byte* limit = nullptr;
+  StreamBytes::Place place;
   StreamBytes* stream = nullptr;
   bool broken = false;
 };

@@ -16,13 +16,15 @@ public:
   std::byte* end() { return bytes.get() + capacity; }
   std::size_t room() const { return capacity; }
 
-  /// Makes it larger, keeping the first `used` bytes.
-  void grow(std::size_t used) {
-    const std::size_t larger = std::max<std::size_t>(4096, 2 * capacity);
+  /// Makes it larger, keeping the bytes before `at`. Gives the place that `at` has then.
+  [[gnu::noinline]] std::byte* makeRoom(std::byte* at) {
+    const auto used = static_cast<std::size_t>(at - bytes.get());
+    const std::size_t larger = std::max<std::size_t>(512, 2 * capacity);
     auto grown = std::make_unique_for_overwrite<std::byte[]>(larger);
     if (used > 0) std::memcpy(grown.get(), bytes.get(), used);
     bytes = std::move(grown);
     capacity = larger;
+    return bytes.get() + used;
   }
 
 private:
@@ -43,7 +45,7 @@ public:
   /// `target` must outlive the encoder; what it held is overwritten.
   void start(GrowingBytes& target) {
     output = &target;
-    if (output->room() == 0) output->grow(0);
+    if (output->room() == 0) output->makeRoom(output->begin());
     at = output->begin();
     limit = output->end() - tailRoom;
     base = 0;
@@ -51,9 +53,11 @@ public:
   }
 
   /// To be called at least every `stride` bytes: makes room. Always true.
-  bool proceed() {
-    if (at > limit) [[unlikely]]
-      makeRoom();
+  [[gnu::always_inline]] bool proceed() {
+    if (at > limit) [[unlikely]] {
+      at = output->makeRoom(at);
+      limit = output->end() - tailRoom;
+    }
     return true;
   }
 
@@ -70,13 +74,13 @@ public:
   }
 
   template <unsigned Capacity>
-  unsigned symbol(Model<Capacity>& model, unsigned symbol) {
+  [[gnu::always_inline]] unsigned symbol(Model<Capacity>& model, unsigned symbol) {
     model.prepare();
     return preparedSymbol(model, symbol);
   }
 
   template <unsigned Capacity>
-  unsigned preparedSymbol(Model<Capacity>& model, unsigned symbol) {
+  [[gnu::always_inline]] unsigned preparedSymbol(Model<Capacity>& model, unsigned symbol) {
     const std::uint32_t step = length >> 15;
     const std::uint32_t low = model.starts[symbol] * step;
     const std::uint32_t high = symbol == model.last ? length : model.starts[symbol + 1] * step;
@@ -87,7 +91,7 @@ public:
     return symbol;
   }
 
-  bool bit(BitModel& model, bool one) {
+  [[gnu::always_inline]] bool bit(BitModel& model, bool one) {
     const std::uint32_t zeros = model.zeroShare * (length >> 13);
     if (one) add(zeros);
     length = one ? length - zeros : zeros;
@@ -97,7 +101,7 @@ public:
   }
 
   /// The lowest `bits` bits of `value`, the others being 0; `bits` from 1 to 32.
-  std::uint32_t raw(unsigned bits, std::uint32_t value) {
+  [[gnu::always_inline]] std::uint32_t raw(unsigned bits, std::uint32_t value) {
     if (bits <= 19) {
       fewRaw(bits, value);
     } else {
@@ -110,40 +114,33 @@ public:
 private:
   static constexpr std::size_t tailRoom = stride + 8;
 
-  void fewRaw(unsigned bits, std::uint32_t value) {
+  [[gnu::always_inline]] void fewRaw(unsigned bits, std::uint32_t value) {
     length >>= bits;
     add(value * length);
     renormalise<3>();
   }
 
-  void add(std::uint32_t amount) {
+  [[gnu::always_inline]] void add(std::uint32_t amount) {
     base += amount;
     if (base < amount) [[unlikely]]
-      carry();
+      carry(at);
   }
 
   // The sum of all that is added stays below one, so that the carry never passes the first byte.
-  void carry() {
-    std::byte* p = at - 1;
+  [[gnu::noinline]] static void carry(std::byte* end) {
+    std::byte* p = end - 1;
     for (; *p == std::byte{0xFF}; --p) *p = std::byte{0};
     *p = static_cast<std::byte>(std::to_integer<unsigned>(*p) + 1);
   }
 
   template <unsigned Most = 2>
-  void renormalise() {
-    unsigned bytes = (length < 1U << 24 ? 1U : 0U) + (length < 1U << 16 ? 1U : 0U);
-    if constexpr (Most == 3) bytes += length < 1U << 8 ? 1 : 0;
+  [[gnu::always_inline]] void renormalise() {
+    unsigned bytes = isBelow<24>(length) + isBelow<16>(length);
+    if constexpr (Most == 3) bytes += isBelow<8>(length);
     storeBigEndian(at, base);
     at += bytes;
     base <<= 8 * bytes;
     length <<= 8 * bytes;
-  }
-
-  [[gnu::noinline]] void makeRoom() {
-    const auto used = static_cast<std::size_t>(at - output->begin());
-    output->grow(used);
-    at = output->begin() + used;
-    limit = output->end() - tailRoom;
   }
 
   std::uint32_t base = 0;

@@ -40,7 +40,7 @@ public:
 
   /// Codes one point and gives its context. X and Y are left out, without losing step, unless `WithXy`.
   template <bool WithXy>
-  PointContext code(Coder& coder, Point& now) {
+  [[gnu::always_inline]] PointContext code(Coder& coder, Point& now) {
     Channel& before = *channels[current];
     unsigned wanted = 0;
     if constexpr (Coder::encodes) wanted = differences(now);
@@ -116,7 +116,7 @@ private:
   };
 
   /// Makes a channel the current one; one that is not used yet starts with `point`.
-  void select(unsigned channel, const Point& point) {
+  [[gnu::noinline]] void select(unsigned channel, Point point) {
     current = channel;
     if (used >> channel & 1) return;
     used |= 1U << channel;
@@ -137,7 +137,8 @@ private:
            (now.returns >> 4 != last.returns >> 4 ? unsigned{CountDiffers} : 0U);
   }
 
-  static unsigned codeReturns(Coder& coder, Channel& channel, unsigned changed, unsigned now) {
+  [[gnu::always_inline]] static unsigned codeReturns(Coder& coder, Channel& channel, unsigned changed,
+                                                     unsigned now) {
     const unsigned lastNumber = channel.last.returns & 15U;
     unsigned count = channel.last.returns >> 4U;
     if (changed & CountDiffers) count = coder.symbol(channel.counts[count], now >> 4);
@@ -154,8 +155,8 @@ private:
   }
 
   template <bool WithXy, class Numbers>
-  static void codeAxis(Coder& coder, Numbers& numbers, MovingMedian& median, unsigned context,
-                       std::uint32_t& last, std::uint32_t now) {
+  [[gnu::always_inline]] static void codeAxis(Coder& coder, Numbers& numbers, MovingMedian& median,
+                                              unsigned context, std::uint32_t& last, std::uint32_t now) {
     if constexpr (WithXy) {
       const std::uint32_t d =
           numbers.code(coder, static_cast<std::uint32_t>(median.median()), now - last, context);
