@@ -1,8 +1,10 @@
 #include "host/session/Scene.h"
 
+#include "host/clouds/ClassMoves.h"
 #include "host/objects/registerHostObjects.h"
 #include "host/objects/values.h"
 #include "host/session/classNames.h"
+#include "host/views/renderCloud.h"
 
 #include "sorbine/VManagedObject.h"
 #include "sorbine/ValuePool.h"
@@ -253,6 +255,18 @@ bool Scene::writeCloud(const std::string& path, Diag& diag) {
 bool Scene::addDisplay(Diag& diag) {
   const std::string display = ops_->create("Display/Picture", "Picture", diag);
   return !display.empty() && ops_->connect(display, "grid", cloud_, "", diag);
+}
+
+bool Scene::savePicture(const std::string& path, Diag& diag) {
+  const Rethold::StrongPtr<Grid> open = grid();
+  std::string problem = "There is no cloud to draw.";
+  ClassMoves moves;
+  Image image;
+  if (open && findClassMoves(*open->cloud, stop_, moves, problem) &&
+      renderCloud(*open->cloud, &moves.mask, {}, stop_, image, problem) && writePng(image, path, problem))
+    return true;
+  diag.error(problem, path);
+  return false;
 }
 
 } // namespace Zamt::Host

@@ -68,6 +68,9 @@ public:
   /// Adds a display of the cloud, so that a preview has something to show its selection on.
   bool addDisplay(Diag& diag);
 
+  /// Draws the open cloud into a PNG file, the points whose class was changed in front, dry or not.
+  bool savePicture(const std::string& path, Diag& diag);
+
   /// The open cloud; null if there is none.
   Rethold::StrongPtr<Grid> grid() const;
 

@@ -3,13 +3,8 @@
 #include "host/clouds/ClassMoves.h"
 #include "host/clouds/StandardClasses.h"
 #include "host/objects/Grid.h"
-#include "host/session/Collection.h"
-#include "host/session/Scene.h"
-#include "host/views/renderCloud.h"
+#include "host/session/JobScene.h"
 
-#include <oneapi/tbb/global_control.h>
-
-#include <optional>
 #include <set>
 #include <utility>
 
@@ -29,12 +24,6 @@ void collectNames(const Grid& grid, Outcome& outcome) {
       if (change.from[number] != 0) numbers.insert(static_cast<std::uint8_t>(number));
   for (const ClassMove& move : outcome.moves) numbers.insert({move.from, move.to});
   for (const std::uint8_t number : numbers) outcome.classNames[number] = nameOf(grid, number);
-}
-
-bool drawMoves(const Grid& grid, const ClassMoves& moves, const std::string& path, std::string& problem) {
-  Image image;
-  return renderCloud(*grid.cloud, &moves.mask, {}, grid.stop, image, problem) &&
-         writePng(image, path, problem);
 }
 
 /// The clouds of one job, in a scene that is ready for them.
@@ -71,23 +60,28 @@ private:
     outcome.files = scene_.files().paths;
     if (!good || watch_.stop.requested()) return;
     outcome.changes = scene_.changes();
-    std::string problem;
-    if (!compareClasses(outcome, problem)) diag.error(problem, cloud.file);
-    if (!problem.empty() || !scene_.writeCloud(outcome.preview ? cloud.file : cloud.output, diag)) return;
+    if (!compareClasses(outcome, diag) ||
+        !scene_.writeCloud(outcome.preview ? cloud.file : cloud.output, diag) ||
+        !(job_.picture.empty() || scene_.savePicture(job_.picture, diag)))
+      return;
     outcome.output = outcome.preview ? job_.picture : cloud.output;
     outcome.ok = true;
   }
 
-  /// Finds out which classes went where, and draws it if a picture is wanted.
-  bool compareClasses(Outcome& outcome, std::string& problem) {
+  /// Finds out which classes went where.
+  bool compareClasses(Outcome& outcome, Diag& diag) {
     const Rethold::StrongPtr<Grid> grid = scene_.grid();
     ClassMoves moves;
-    if (!findClassMoves(*grid->cloud, watch_.stop, moves, problem)) return false;
+    std::string problem;
+    if (!findClassMoves(*grid->cloud, watch_.stop, moves, problem)) {
+      diag.error(problem, outcome.cloud);
+      return false;
+    }
     outcome.points = grid->cloud->size();
     for (const auto& [move, points] : moves.points)
       outcome.moves.push_back({move.first, move.second, points});
     collectNames(*grid, outcome);
-    return job_.picture.empty() || drawMoves(*grid, moves, job_.picture, problem);
+    return true;
   }
 
   const Job& job_;
@@ -98,13 +92,9 @@ private:
 } // namespace
 
 bool runClouds(const Job& job, const JobWatch& watch, std::string& problem) {
-  std::optional<tbb::global_control> limit;
-  if (job.threads != 0) limit.emplace(tbb::global_control::max_allowed_parallelism, job.threads);
-  Scene scene(watch.stop);
-  if (!job.region.empty() && !scene.setRegion(job.region, problem)) return false;
-  scene.runtime().resolver = collectionResolver(job.document.sourceFile);
-  if (!job.classes.empty()) scene.setClasses(job.classes);
-  JobRun(job, watch, scene).runAll();
+  JobScene session(job, watch.stop);
+  if (!session.prepare(problem)) return false;
+  JobRun(job, watch, session.scene()).runAll();
   return true;
 }
 

@@ -25,6 +25,7 @@ struct Part {
   std::function<std::string()> text; ///< For people: whole lines with their ends, or nothing. May be null.
   std::function<Data()> data;        ///< For programs: the fields that the verb's help names, or null.
   std::string remark;                ///< A note that only people need, who do not see the data.
+  std::string source{};              ///< The text that the places in `diag` are in, if it is to be quoted.
 };
 
 /// Keeps what was found out, and makes of it a text by `textOf(value)` and data by `dataOf(value)`.

@@ -1,6 +1,7 @@
 #include "host/verbs/runJob.h"
 
 #include "host/regions/Region.h"
+#include "host/session/OutputPlan.h"
 #include "host/verbs/options.h"
 #include "host/verbs/texts.h"
 
@@ -134,9 +135,8 @@ Data outcomeData(const Outcome& outcome) {
 
 } // namespace
 
-std::vector<Option> jobOptions() {
-  return {quindleArgument(),
-          {.name = "cloud",
+std::vector<Option> cloudOptions() {
+  return {{.name = "cloud",
            .kind = Option::Kind::Texts,
            .help = "The clouds: LAS files, each worked on by itself.",
            .placeholder = "CLOUD",
@@ -152,7 +152,7 @@ std::vector<Option> jobOptions() {
                "with one of these in it. See \"quindle help regions\".",
            .placeholder = "REGION"},
           {.name = "classes",
-           .help = "The only classes whose points may change: names or numbers, separated by commas.",
+           .help = "The only classes whose points are looked at: names or numbers, separated by commas.",
            .placeholder = "CLASSES"},
           {.name = "threads",
            .kind = Option::Kind::Number,
@@ -160,32 +160,74 @@ std::vector<Option> jobOptions() {
                                maxThreads),
            .placeholder = "N",
            .least = 1,
-           .most = maxThreads},
-          jsonOption(
-              "Print JSON: \"clouds\" with file, ok, report, output, changes (class, name, considered, "
-              "modified, from), moves (from, fromName, to, toName, points) and files (that actions write) of "
-              "each, and \"diagnostics\".")};
+           .most = maxThreads}};
 }
 
-Answer runJob(const Request& request, Job job, const Context& context) {
-  std::string problem;
-  if (!readRegionText(request.text("region"), job.region, problem) ||
-      !readSettings(request.texts("set"), job.values, problem))
-    return refused(Status::Usage, problem);
-  Diag diag;
-  if (!context.quindles.load(request.text("quindle"), job.document, diag))
-    return answerOf({std::move(diag), {}, {}, {}});
+std::vector<Option> outputOptions(bool inPlace) {
+  std::vector<Option> options;
+  options.push_back(
+      {.name = "output",
+       .help = "Where to write: a file, or a directory that is there, which several clouds need.",
+       .placeholder = "OUT",
+       .letter = 'o'});
+  if (inPlace)
+    options.push_back({.name = "in-place",
+                       .kind = Option::Kind::Flag,
+                       .help = "Write each cloud over itself.",
+                       .excludes = {"output"}});
+  return options;
+}
+
+Option outcomesJsonOption() {
+  return jsonOption(
+      "Print JSON: \"clouds\" with file, ok, report, output, changes (class, name, considered, modified, "
+      "from), moves (from, fromName, to, toName, points) and files (that actions write) of each, and "
+      "\"diagnostics\".");
+}
+
+std::vector<Option> jobOptions() {
+  std::vector<Option> options{quindleArgument()};
+  for (Option& option : cloudOptions()) options.push_back(std::move(option));
+  options.push_back(outcomesJsonOption());
+  return options;
+}
+
+bool readJob(const Request& request, Job& job, std::string& problem) {
   job.classes = request.text("classes");
   job.threads = static_cast<unsigned>(request.number("threads", 0));
-  Answer answer;
+  return readRegionText(request.text("region"), job.region, problem) &&
+         readSettings(request.texts("set"), job.values, problem);
+}
+
+Status readOutputs(const Request& request, Job& job, std::string& problem) {
+  const std::vector<std::string>& files = request.texts("cloud");
+  std::vector<std::string> outputs;
+  const OutputPlan planned =
+      planOutputs({files, request.text("output"), request.flag("in-place")}, outputs, problem);
+  if (planned != OutputPlan::Good) return planned == OutputPlan::Senseless ? Status::Usage : Status::Failed;
+  for (std::size_t i = 0; i < files.size(); ++i) job.clouds.push_back({files[i], outputs[i]});
+  return Status::Done;
+}
+
+Answer carryOut(const Job& job, const Context& context, Answer answer) {
   const auto finished = [&](Outcome outcome, Diag said) {
     if (!outcome.ok) answer.status = Status::Failed;
     context.deliver(answer, partOf(std::move(said), std::move(outcome), outcomeText, outcomeData));
   };
+  std::string problem;
   if (!runClouds(job, {context.stop, context.progress, finished}, problem))
     return refused(Status::Usage, problem);
   if (context.stop.requested()) answer.status = Status::Failed;
   return answer;
+}
+
+Answer runJob(const Request& request, Job job, const Context& context) {
+  std::string problem;
+  if (!readJob(request, job, problem)) return refused(Status::Usage, problem);
+  Diag diag;
+  if (!context.quindles.load(request.text("quindle"), job.document, diag))
+    return answerOf({std::move(diag), {}, {}, {}});
+  return carryOut(job, context);
 }
 
 } // namespace Zamt::Host

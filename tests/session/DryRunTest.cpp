@@ -97,6 +97,11 @@ TEST_F(DryRun, LetsLaterStepsSeeEarlierOnesAndHoldsBackOnlyFiles) {
     jobs.push_back(std::move(job));
   }
   EXPECT_GE(compare(jobs), jobs.size());
+  Job drawn = jobs[1];
+  EXPECT_NE(resultOf(drawn, sample(), {}).find("file " + path("drawn.png")), std::string::npos);
+  EXPECT_FALSE(names().contains("drawn.png"));
+  resultOf(drawn, sample(), path("out.las"));
+  EXPECT_TRUE(names().contains("drawn.png"));
 }
 
 } // namespace
