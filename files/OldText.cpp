@@ -5,6 +5,7 @@
 
 #include <limits>
 #include <system_error>
+#include <utility>
 
 namespace Zamt {
 
@@ -17,12 +18,12 @@ constexpr unsigned nameAttempts = 16;
 
 bool OldText::writeCopy(const std::filesystem::path& directory, const std::string& key) {
   for (unsigned attempt = 0; attempt < nameAttempts; ++attempt) {
-    const std::filesystem::path copy = directory / temporaryName(key, attempt, ".old");
+    std::filesystem::path copy = directory / temporaryName(key, attempt, ".old");
     const std::error_code failed = System::createHeld(copy, copy_);
     if (failed == std::errc::file_exists) continue;
     if (failed) return false;
     if (!System::append(copy_, bytes()) && !System::flush(copy_)) {
-      copyPath_ = copy;
+      copyPath_ = std::move(copy); // so that it is noted whatever memory there is
       return true;
     }
     System::remove(copy.c_str());
@@ -33,9 +34,10 @@ bool OldText::writeCopy(const std::filesystem::path& directory, const std::strin
 
 bool OldText::keep(const std::filesystem::path& path) {
   if (!readTextFile(path.string(), std::numeric_limits<std::uint64_t>::max(), text_)) return false;
-  const std::string key = std::filesystem::absolute(path).string();
-  if (writeCopy(path.parent_path(), key)) return true;
   std::error_code failed;
+  const std::string key = std::filesystem::absolute(path, failed).string();
+  if (failed) return false;
+  if (writeCopy(path.parent_path(), key)) return true;
   const std::filesystem::path elsewhere = std::filesystem::temp_directory_path(failed);
   return !failed && writeCopy(elsewhere, key);
 }

@@ -1,5 +1,7 @@
 #include "files/readTextFile.h"
 
+#include "files/system.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -29,13 +31,12 @@ bool readBytes(int file, std::size_t size, std::string& text) {
 bool readTextFile(const std::string& path, std::uint64_t maxBytes, std::string& text) {
   text.clear();
   // Without O_NONBLOCK, opening a pipe would wait.
-  const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (file < 0) return false;
+  const System::File file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  if (!file.isOpen()) return false;
   struct stat status {};
-  const bool good = ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) &&
+  const bool good = ::fstat(file.handle(), &status) == 0 && S_ISREG(status.st_mode) &&
                     static_cast<std::uint64_t>(status.st_size) <= maxBytes &&
-                    readBytes(file, static_cast<std::size_t>(status.st_size), text);
-  ::close(file);
+                    readBytes(file.handle(), static_cast<std::size_t>(status.st_size), text);
   if (!good) text.clear();
   return good;
 }

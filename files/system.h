@@ -5,7 +5,9 @@
 #include <filesystem>
 #include <optional>
 #include <span>
+#include <string>
 #include <system_error>
+#include <vector>
 
 /// What writing a file asks of the system, and all that differs from one system to another. Each call that
 /// can fail gives the system's own code, which compares with std::errc.
@@ -88,6 +90,10 @@ std::error_code rename(const std::filesystem::path& from, const std::filesystem:
 
 /// Makes names in a directory survive a power cut, where that is more than the file system does by itself.
 void flushDirectory(const std::filesystem::path& directory);
+
+/// The names in a directory, in no order; none if it can't be read. The iterator of the standard library does
+/// not serve where a lack of memory has to be survived: that of GCC 12 ends the process.
+std::vector<std::string> namesIn(const std::filesystem::path& directory);
 
 /// Removes a name. Safe in a signal handler.
 void remove(const char* path) noexcept;

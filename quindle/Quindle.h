@@ -2,6 +2,11 @@
 
 /// @file
 /// Everything that a host of Quindles includes.
+///
+/// When memory runs out, every function that takes a Diag returns what it returns on failure, with an error
+/// as far as memory allows. Functions that only return a value, and copies of records, let std::bad_alloc
+/// through. Nothing that destroys or moves a record takes memory. What a scene or a resolver throws passes
+/// through unchanged, but for std::bad_alloc, which counts as memory that ran out here.
 
 #include "quindle/check/adviseQuindle.h"
 #include "quindle/check/checkQuindle.h"

@@ -4,7 +4,10 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
+#include <memory>
+#include <new>
 #include <string_view>
 #include <sys/file.h>
 #include <sys/resource.h>
@@ -204,6 +207,18 @@ std::error_code rename(const std::filesystem::path& from, const std::filesystem:
 void flushDirectory(const std::filesystem::path& directory) {
   const File folder(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (folder.isOpen()) ::fsync(folder.handle());
+}
+
+std::vector<std::string> namesIn(const std::filesystem::path& directory) {
+  std::vector<std::string> names;
+  const auto close = [](DIR* opened) { ::closedir(opened); };
+  const std::unique_ptr<DIR, decltype(close)> opened(::opendir(directory.c_str()), close);
+  if (!opened && errno == ENOMEM) throw std::bad_alloc();
+  while (const dirent* const entry = opened ? ::readdir(opened.get()) : nullptr) {
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..") names.emplace_back(name);
+  }
+  return names;
 }
 
 void remove(const char* path) noexcept { ::unlink(path); }

@@ -60,7 +60,7 @@ void AnswerPrinter::showText(const Part& part, bool isLong) {
   console_.report(part.diag, part.source);
   const std::string text = part.text ? part.text() : std::string();
   if (!text.empty() && (!isLong || !showPaged(text))) console_.print(text);
-  if (!part.remark.empty()) console_.note(part.remark);
+  console_.report(part.remarks);
 }
 
 void AnswerPrinter::gather(const Part& part) {

@@ -1,6 +1,8 @@
 #include "host/clouds/openCloud.h"
 
 #include "host/clouds/las/LasFormat.h"
+#include "host/clouds/las/LasLayout.h"
+#include "host/clouds/laz/openLaz.h"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +11,8 @@ namespace Zamt::Host {
 
 namespace {
 
-constexpr std::array<CloudOpener, 1> formats{{
+constexpr std::array<CloudOpener, 2> formats{{
+    {hasCompressedPoints, openLaz},
     {[](std::span<const std::byte>) { return true; }, openLas},
 }};
 

@@ -50,9 +50,9 @@ std::string textAround(const std::string& condition, const std::string& classNam
   const QuindleValue name = className.empty() ? QuindleValue::text(taken ? otherCountedClass : countedClass)
                                               : classNameOf(className, number);
   return fmt::format("quindle \"One line\" {{ description \"Puts the points of one condition into a class.\" "
-                     "param cloud : Grid = active \"The cloud to work on.\" on run {{ select\n{}\n{}classify "
+                     "param cloud : Grid = active \"The cloud to work on.\" on run {{ select\n{}\nclassify "
                      "into {}{}\n}} }}\n",
-                     condition, comment, name.toSource(), number);
+                     condition, name.toSource(), number);
 }
 
 /// Whether the text between became one condition, and did not end the block that it stands in. Comments in it

@@ -24,7 +24,7 @@ struct Part {
   Diag diag;
   std::function<std::string()> text; ///< For people: whole lines with their ends, or nothing. May be null.
   std::function<Data()> data;        ///< For programs: the fields that the verb's help names, or null.
-  std::string remark;                ///< A note that only people need, who do not see the data.
+  Diag remarks;                      ///< What only people are told, behind the text.
   std::string source{};              ///< The text that the places in `diag` are in, if it is to be quoted.
 };
 
@@ -33,7 +33,7 @@ template <class Value, class TextOf, class DataOf>
 Part partOf(Diag diag, Value value, TextOf textOf, DataOf dataOf) {
   const auto kept = std::make_shared<const Value>(std::move(value));
   return {std::move(diag), [kept, textOf] { return textOf(*kept); }, [kept, dataOf] { return dataOf(*kept); },
-          std::string()};
+          Diag()};
 }
 
 /// What comes of a call.

@@ -23,20 +23,28 @@ public:
   using Value =
       std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, double, std::string, List, Fields>;
 
-  Data(std::nullptr_t nothing = nullptr) : value(nothing) {}
-  Data(bool truth) : value(truth) {}
-  Data(double number) : value(number) {}
-  Data(const char* text) : value(std::string(text)) {}
-  Data(std::string_view text) : value(std::string(text)) {}
-  Data(std::string text) : value(std::move(text)) {}
-  Data(List list) : value(std::move(list)) {}
-  Data(Fields fields) : value(std::move(fields)) {}
+  Data();
+  Data(bool truth);
+  Data(double number);
+  Data(const char* text);
+  Data(std::string_view text);
+  Data(std::string text);
+  Data(List list);
+  Data(Fields fields);
 
   template <std::signed_integral Number>
-  Data(Number number) : value(static_cast<std::int64_t>(number)) {}
+  Data(Number number) : Data(Value(static_cast<std::int64_t>(number))) {}
 
   template <std::unsigned_integral Number>
-  requires(!std::same_as<Number, bool>) Data(Number number) : value(static_cast<std::uint64_t>(number)) {}
+  requires(!std::same_as<Number, bool>) Data(Number number)
+      : Data(Value(static_cast<std::uint64_t>(number))) {}
+
+  // In a source of their own: they are much code, and every verb makes values.
+  Data(const Data& other);
+  Data(Data&& other) noexcept;
+  Data& operator=(const Data& other);
+  Data& operator=(Data&& other) noexcept;
+  ~Data();
 
   /// The elements of anything that can be walked, each as it converts.
   template <class Range>
@@ -55,6 +63,9 @@ public:
   }
 
   Value value;
+
+private:
+  explicit Data(Value&& made);
 };
 
 } // namespace Zamt::Host

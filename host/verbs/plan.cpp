@@ -93,10 +93,11 @@ Answer plan(const Request& request, const Context& context) {
   auto planned = std::make_shared<Planned>();
   if (context.quindles.load(request.text("quindle"), planned->document, diag))
     planned->selects = planQuindle(planned->document, diag);
-  const bool nothing = planned->selects.empty() && diag.errorCount == 0;
+  Diag remarks;
+  if (planned->selects.empty() && diag.errorCount == 0)
+    remarks.note("This Quindle selects nothing, so there is no plan.");
   return answerOf({std::move(diag), [planned] { return planText(*planned); },
-                   [planned] { return planData(*planned); },
-                   nothing ? "This Quindle selects nothing, so there is no plan." : ""});
+                   [planned] { return planData(*planned); }, std::move(remarks)});
 }
 
 } // namespace

@@ -123,7 +123,7 @@ Answer showRegistry(const Request& request, const Context& context) {
   Part part = partOf(
       std::move(diag), std::move(listing), [](const Listing& found) { return found.text; }, listingData);
   if (lacking)
-    part.remark = "No object of this scene has an action. Objects that a Quindle creates may have some.";
+    part.remarks.note("No object of this scene has an action. Objects that a Quindle creates may have some.");
   return answerOf(std::move(part));
 }
 

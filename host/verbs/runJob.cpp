@@ -147,9 +147,8 @@ std::vector<Option> cloudOptions() {
            .help = "Give a parameter its value. May be written several times. See \"quindle help values\".",
            .placeholder = "NAME=VALUE"},
           {.name = "region",
-           .help =
-               "Where points may change: a box of four or six numbers, a polygon as WKT or GeoJSON, or @FILE "
-               "with one of these in it. See \"quindle help regions\".",
+           .help = "Where to work: a box of four or six numbers, a polygon as WKT or GeoJSON, or @FILE "
+                   "with one of these in it. See \"quindle help regions\".",
            .placeholder = "REGION"},
           {.name = "classes",
            .help = "The only classes whose points are looked at: names or numbers, separated by commas.",
@@ -227,7 +226,9 @@ Answer runJob(const Request& request, Job job, const Context& context) {
   Diag diag;
   if (!context.quindles.load(request.text("quindle"), job.document, diag))
     return answerOf({std::move(diag), {}, {}, {}});
-  return carryOut(job, context);
+  Answer answer;
+  context.deliver(answer, {{}, {}, {}, std::move(diag)});
+  return carryOut(job, context, std::move(answer));
 }
 
 } // namespace Zamt::Host

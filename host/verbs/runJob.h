@@ -31,7 +31,7 @@ bool readJob(const Request& request, Job& job, std::string& problem);
 Status readOutputs(const Request& request, Job& job, std::string& problem);
 
 /// Runs a job and adds what it came to to the answer.
-Answer carryOut(const Job& job, const Context& context, Answer answer = {});
+Answer carryOut(const Job& job, const Context& context, Answer answer);
 
 /// Reads what "run" and "preview" have in common, which `job` gets beside its clouds and its picture, and
 /// carries it out.

@@ -9,6 +9,7 @@
 #include "quindle/check/advice/conditionAdvice.h"
 #include "quindle/check/advice/parameterAdvice.h"
 #include "quindle/check/advice/stepAdvice.h"
+#include "quindle/core/Guarded.h"
 #include "quindle/core/NestedSteps.h"
 #include "quindle/core/Refusals.h"
 
@@ -142,9 +143,11 @@ void adviseOnTriggers(Advisor& advisor) {
 } // namespace
 
 void adviseQuindle(const QuindleDocument& doc, Diag& diag) {
-  Advisor advisor(doc, diag);
-  adviseOnParameters(advisor);
-  adviseOnTriggers(advisor);
+  guarded(diag, [&] {
+    Advisor advisor(doc, diag);
+    adviseOnParameters(advisor);
+    adviseOnTriggers(advisor);
+  });
 }
 
 } // namespace Zamt

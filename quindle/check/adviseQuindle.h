@@ -12,9 +12,9 @@ namespace Zamt {
 /// document's `sourceFile`, or its name if that is empty, trigger by trigger in the order of the text.
 ///
 /// Nothing that `checkQuindle` says is repeated, nor what `diag` holds for the same place already, so a
-/// caller that wants all passes one Diag to `checkQuindle` or `diagnoseQuindle` first. Errors are never
-/// added. Whether objects, slots, files and other Quindles exist is not looked at. The cost is linear in the
-/// document.
+/// caller that wants all passes one Diag to `checkQuindle` or `diagnoseQuindle` first. No error is added but
+/// where memory runs out. Whether objects, slots, files and other Quindles exist is not looked at. The cost
+/// is linear in the document.
 QUINDLE_API void adviseQuindle(const QuindleDocument& doc, Diag& diag);
 
 } // namespace Zamt

@@ -3,6 +3,7 @@
 #include "quindle/check/Findings.h"
 #include "quindle/check/parameterChecks.h"
 #include "quindle/check/stepChecks.h"
+#include "quindle/check/unguarded.h"
 
 #include <algorithm>
 
@@ -50,7 +51,7 @@ void checkShortcut(const QuindleDocument& doc, Findings& findings) {
 
 } // namespace
 
-bool checkQuindle(const QuindleDocument& doc, Diag& diag) {
+bool Unguarded::checkQuindle(const QuindleDocument& doc, Diag& diag) {
   const std::uint64_t errorsBefore = diag.errorCount;
   Findings findings(doc, diag);
   checkTexts(doc, findings);
@@ -58,6 +59,10 @@ bool checkQuindle(const QuindleDocument& doc, Diag& diag) {
   checkTriggers(doc, findings);
   checkShortcut(doc, findings);
   return diag.errorCount == errorsBefore;
+}
+
+bool checkQuindle(const QuindleDocument& doc, Diag& diag) {
+  return guarded(diag, false, [&] { return Unguarded::checkQuindle(doc, diag); });
 }
 
 } // namespace Zamt

@@ -10,7 +10,8 @@ namespace Zamt {
 
 /// What went wrong, or is worth knowing, in the order in which it was found. Every operation that can fail
 /// takes one, appends to it and goes on as far as it sensibly can; nothing is merged, sorted or limited.
-/// A plain value without a lock: it belongs to one thread at a time.
+/// A plain value without a lock: it belongs to one thread at a time. An entry that there is no memory for is
+/// not added, and std::bad_alloc passes through.
 struct QUINDLE_API Diag {
   /// How grave it is. Only an Error makes an operation fail.
   enum class Severity : std::int32_t { Note = 0, Warning = 1, Error = 2 };

@@ -9,6 +9,7 @@
 /// @file
 /// What the points of a cloud commonly carry: the classes that the LAS standard numbers, and the fields that
 /// a point of it can have. The tables are made on first use, never change, and may be read from any thread.
+/// Making them lets std::bad_alloc through.
 ///
 /// Nothing in the language depends on them, since a scene may hold other classes and fields: they are for
 /// those who advise, complete and offer.

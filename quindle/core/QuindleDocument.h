@@ -11,7 +11,9 @@
 
 /// @file
 /// A Quindle in memory: plain records with public fields that hold everything the text says, in its order.
-/// A copy is deep. Records nest without limit; copying, printing and destroying them does not recurse.
+/// A copy is deep. Records nest without limit; copying, printing and destroying them does not recurse. What
+/// needs memory that is not there, copies included, lets std::bad_alloc through; moving and destroying need
+/// none.
 /// Nothing here is locked: a document belongs to one thread at a time.
 namespace Zamt {
 

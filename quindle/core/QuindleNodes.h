@@ -7,7 +7,7 @@
 
 /// @file
 /// The records of a document as flat lists, however deep they nest, so that a pass over them is a loop. The
-/// lists point into the document and are good until it is changed.
+/// lists point into the document and are good until it is changed. std::bad_alloc passes through.
 namespace Zamt {
 
 /// All steps of all triggers in the order of the text: a step before those of its blocks. What is no "if" and

@@ -73,33 +73,45 @@ void move(Node& from, Node& to) noexcept {
   eachFieldPair(taken, to, [](auto& source, auto& target) { target = std::move(source); });
 }
 
-// A record's destructor calls this, and the lists destroyed here call that of their records, but of records
-// whose own lists have been taken: it never goes deeper than that.
+/// The first list of children of a node that holds any; null if it is a leaf.
+template <class Node>
+std::vector<Node>* firstChildList(Node& node) {
+  std::vector<Node>* found = nullptr;
+  const auto look = [&found]<class Field>(Field& field) {
+    if constexpr (isChildList<Node, Field>)
+      if (!found && !field.empty()) found = &field;
+  };
+  std::apply([&](auto&... field) { (look(field), ...); }, Node::fieldsOf(node));
+  return found;
+}
+
+// A record's destructor calls this, and this the destructors of leaves only: it never goes deeper than that.
 // NOLINTBEGIN(misc-no-recursion)
 
-/// Destroys everything below `node` in bounded stack; for the destructor of a record.
+/// Destroys everything below `node` in bounded stack and without memory of its own, for the destructor of a
+/// record, which has to succeed when there is none. On the way down, the last node of a list that is left
+/// keeps the list above that one, in the place of the list that is entered: the tree is its own stack.
 template <class Node>
 void destroyChildren(Node& node) noexcept {
-  using List = std::vector<Node>;
-  std::vector<List> pending;
-  const auto eachList = [](Node& of, const auto& visit) {
-    const auto visitField = [&visit]<class Field>(Field& field) {
-      if constexpr (isChildList<Node, Field>) visit(field);
-    };
-    std::apply([&](auto&... field) { (visitField(field), ...); }, Node::fieldsOf(of));
-  };
-  // A list of leaves, by far the commonest case, is left to its own destructor: it goes no deeper.
-  const auto takeListsBelow = [&](List& list) {
-    for (Node& child : list)
-      eachList(child, [&pending](List& below) {
-        if (!below.empty()) pending.push_back(std::move(below));
-      });
-  };
-  eachList(node, takeListsBelow);
-  while (!pending.empty()) {
-    List list = std::move(pending.back());
-    pending.pop_back();
-    takeListsBelow(list);
+  while (std::vector<Node>* const children = firstChildList(node)) {
+    std::vector<Node> list = std::move(*children);
+    std::vector<Node> above;
+    std::size_t depth = 0;
+    while (!list.empty() || depth > 0) {
+      if (list.empty()) {
+        list = std::move(above);
+        // Lists in front of the one that was entered were empty already, so this is where it was kept.
+        above = --depth > 0 ? std::move(*firstChildList(list.back())) : std::vector<Node>();
+      } else if (std::vector<Node>* const below = firstChildList(list.back())) {
+        std::vector<Node> entered = std::move(*below);
+        *below = std::move(above);
+        above = std::move(list);
+        list = std::move(entered);
+        ++depth;
+      } else {
+        list.pop_back();
+      }
+    }
   }
 }
 

@@ -12,7 +12,8 @@
 /// user's directory holds the user's files; all others belong to the installation and are never written.
 ///
 /// Paths are UTF-8 with "/" between components. Nothing is remembered between calls, and two calls on the
-/// same files at the same time are not guarded against each other.
+/// same files at the same time are not guarded against each other. What takes no Diag lets std::bad_alloc
+/// through.
 namespace Zamt {
 
 /// The largest file that is taken for a Quindle, inclusive. One is a page or two of text; what is larger is
@@ -59,7 +60,7 @@ QUINDLE_API bool saveQuindle(const std::string& directory, const std::string& te
 /// whether the name is found again afterwards: an installed Quindle has come back.
 ///
 /// False with an error, and nothing removed, when there is no such Quindle, it is not the user's, or the file
-/// system refuses.
+/// system refuses. If memory runs out behind the removal, true with an error, and `revealed` is false.
 QUINDLE_API bool deleteQuindle(const std::string& directory, const std::vector<std::string>& searchPath,
                                const std::string& name, std::string& file, bool& revealed, Diag& diag);
 

@@ -1,9 +1,11 @@
 #include "quindle/library/QuindleLibrary.h"
 
 #include "files/readTextFile.h"
-#include "quindle/check/checkQuindle.h"
+#include "files/system.h"
+#include "quindle/check/unguarded.h"
 #include "quindle/core/AsciiText.h"
 #include "quindle/library/QuindleFiles.h"
+#include "quindle/library/scannedQuindles.h"
 #include "quindle/text/parseBriefly.h"
 
 #include <algorithm>
@@ -38,8 +40,8 @@ void readEntry(QuindleLibraryEntry& entry, Diag& diag) {
     return;
   }
   Diag faults; // the caller is told of the first one only
-  entry.usable =
-      parseBriefly(text, entry.path, entry.document, faults) && checkQuindle(entry.document, faults);
+  entry.usable = parseBriefly(text, entry.path, entry.document, faults) &&
+                 Unguarded::checkQuindle(entry.document, faults);
   if (entry.usable) return;
   entry.error = whyNotUsable(faults);
   diag.warning("\"" + entry.path + "\" is not usable: " + entry.error, entry.path);
@@ -48,12 +50,11 @@ void readEntry(QuindleLibraryEntry& entry, Diag& diag) {
 /// The paths of the Quindle files directly in a directory, sorted by bytes.
 std::vector<std::string> quindleFilesIn(const std::string& directory) {
   std::vector<std::string> paths;
-  std::error_code failed;
-  std::filesystem::directory_iterator entry(directory, failed);
-  for (const std::filesystem::directory_iterator end; !failed && entry != end; entry.increment(failed)) {
+  for (const std::string& name : System::namesIn(directory)) {
+    const std::filesystem::path path = std::filesystem::path(directory) / name;
     std::error_code unknown;
-    if (entry->path().extension() == extension && entry->is_regular_file(unknown))
-      paths.push_back(entry->path().string());
+    if (path.extension() == extension && std::filesystem::is_regular_file(path, unknown))
+      paths.push_back(path.string());
   }
   std::sort(paths.begin(), paths.end());
   return paths;
@@ -73,6 +74,10 @@ bool matches(const QuindleDocument& document, const std::string& loweredQuery) {
 } // namespace
 
 bool QuindleLibrary::load(const std::string& path, Diag& diag) {
+  return guarded(diag, false, [&] { return read(path, diag); });
+}
+
+bool QuindleLibrary::read(const std::string& path, Diag& diag) {
   QuindleLibraryEntry entry;
   entry.path = path;
   readEntry(entry, diag);
@@ -82,34 +87,46 @@ bool QuindleLibrary::load(const std::string& path, Diag& diag) {
   return usable;
 }
 
+/// Takes all the memory it needs before it changes anything that is looked up.
 void QuindleLibrary::put(QuindleLibraryEntry&& entry) {
-  const auto [place, isNew] = byPath_.try_emplace(entry.path, entries_.size());
-  const std::size_t index = place->second;
-  if (isNew) {
+  const auto known = byPath_.find(entry.path);
+  const std::size_t index = known == byPath_.end() ? entries_.size() : known->second;
+  IndicesByName name{{entry.document.name, {index}}};
+  if (known == byPath_.end()) {
+    std::map<std::string, std::size_t> path{{entry.path, index}};
     entries_.push_back(std::move(entry));
+    byPath_.merge(path);
   } else {
     forgetName(index);
     entries_[index] = std::move(entry);
   }
-  noteName(index);
+  noteName(std::move(name));
 }
 
 std::uint64_t QuindleLibrary::scan(const std::string& directory, Diag& diag) {
+  return guarded(diag, std::uint64_t{0}, [&] { return readAll(directory, diag); });
+}
+
+std::uint64_t QuindleLibrary::scan(const std::vector<std::string>& directories, Diag& diag) {
+  return guarded(diag, std::uint64_t{0}, [&] { return readAll(directories, diag); });
+}
+
+std::uint64_t QuindleLibrary::readAll(const std::string& directory, Diag& diag) {
   std::error_code failed;
   if (!std::filesystem::is_directory(directory, failed)) {
     diag.note("No Quindles in \"" + directory + "\": there is no such directory.", directory);
     return 0;
   }
   const std::vector<std::string> paths = quindleFilesIn(directory);
-  for (const std::string& path : paths) load(path, diag);
+  for (const std::string& path : paths) read(path, diag);
   return paths.size();
 }
 
-std::uint64_t QuindleLibrary::scan(const std::vector<std::string>& directories, Diag& diag) {
+std::uint64_t QuindleLibrary::readAll(const std::vector<std::string>& directories, Diag& diag) {
   std::uint64_t files = 0;
   for (const std::string& directory : directories) {
     const std::size_t before = entries_.size();
-    files += scan(directory, diag);
+    files += readAll(directory, diag);
     if (before > 0) hideBehind(before, diag);
   }
   return files;
@@ -118,6 +135,7 @@ std::uint64_t QuindleLibrary::scan(const std::vector<std::string>& directories, 
 /// Takes out the entries from index `earlier` on whose name one in front of it bears, the last one first.
 void QuindleLibrary::hideBehind(std::size_t earlier, Diag& diag) {
   std::vector<QuindleLibraryEntry> kept;
+  kept.reserve(entries_.size() - earlier);
   while (entries_.size() > earlier) {
     const std::size_t index = entries_.size() - 1;
     QuindleLibraryEntry& entry = entries_[index];
@@ -134,8 +152,10 @@ void QuindleLibrary::hideBehind(std::size_t earlier, Diag& diag) {
   for (QuindleLibraryEntry& entry : kept) put(std::move(entry));
 }
 
-void QuindleLibrary::noteName(std::size_t index) {
-  indexByName_[entries_[index].document.name].insert(index);
+/// Takes over what was prepared, which needs no memory.
+void QuindleLibrary::noteName(IndicesByName&& name) {
+  indexByName_.merge(name);
+  for (auto& [known, indices] : name) indexByName_.find(known)->second.merge(indices);
 }
 
 void QuindleLibrary::forgetName(std::size_t index) {
@@ -181,6 +201,13 @@ std::vector<const QuindleLibraryEntry*> QuindleLibrary::runnable() const {
   for (const QuindleLibraryEntry& entry : entries_)
     if (entry.usable && entry.document.enabled) ready.push_back(&entry);
   return ready;
+}
+
+QuindleLibrary scannedQuindles(const std::vector<std::string>& searchPath) {
+  QuindleLibrary library;
+  Diag dropped;
+  library.readAll(searchPath, dropped);
+  return library;
 }
 
 QuindleResolver QuindleLibrary::resolver() const {

@@ -9,7 +9,6 @@
 #include <map>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace Zamt {
@@ -27,6 +26,9 @@ struct QUINDLE_API QuindleLibraryEntry {
 /// The Quindles of a set of directories, in memory, in the order in which they were loaded. It owns its
 /// entries; what `find`, `search` and `runnable` return points to them and is good until the library is next
 /// changed. Nothing watches the directories: a host that wrote files clears and scans again.
+///
+/// If memory runs out in a scan, it returns 0 after an error, and the library holds some of the files, each
+/// whole. What takes no Diag lets std::bad_alloc through, the function from `resolver` included.
 ///
 /// Nothing is locked: one thread at a time.
 class QUINDLE_API QuindleLibrary {
@@ -65,15 +67,22 @@ public:
   QuindleResolver resolver() const;
 
 private:
+  using IndicesByName = std::map<std::string, std::set<std::size_t>>;
+
+  friend QuindleLibrary scannedQuindles(const std::vector<std::string>& searchPath);
+
+  QUINDLE_PRIVATE bool read(const std::string& path, Diag& diag);
+  QUINDLE_PRIVATE std::uint64_t readAll(const std::string& directory, Diag& diag);
+  QUINDLE_PRIVATE std::uint64_t readAll(const std::vector<std::string>& directories, Diag& diag);
   QUINDLE_PRIVATE void put(QuindleLibraryEntry&& entry);
   QUINDLE_PRIVATE void hideBehind(std::size_t earlier, Diag& diag);
-  QUINDLE_PRIVATE void noteName(std::size_t index);
+  QUINDLE_PRIVATE void noteName(IndicesByName&& name);
   QUINDLE_PRIVATE void forgetName(std::size_t index);
   QUINDLE_PRIVATE std::size_t firstOf(const std::string& name) const;
 
   std::vector<QuindleLibraryEntry> entries_;
-  std::unordered_map<std::string, std::size_t> byPath_;      ///< Where in `entries_` a path stands.
-  std::map<std::string, std::set<std::size_t>> indexByName_; ///< Likewise all of one name.
+  std::map<std::string, std::size_t> byPath_; ///< Where in `entries_` a path stands.
+  IndicesByName indexByName_;                 ///< Likewise all of one name, which is never none.
 };
 
 } // namespace Zamt

@@ -8,7 +8,7 @@
 #include <vector>
 
 /// The keys that Quindles ask for, worked out before a host binds any: a toolkit may run neither of two
-/// actions that share a key and say nothing.
+/// actions that share a key and say nothing. std::bad_alloc passes through.
 namespace Zamt {
 
 /// One key of one Quindle.

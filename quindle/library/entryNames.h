@@ -6,7 +6,7 @@
 #include <string>
 
 /// @file
-/// The names by which people and Quindles call the entries of a collection.
+/// The names by which people and Quindles call the entries of a collection. std::bad_alloc passes through.
 namespace Zamt {
 
 /// What to call an entry: the name of its document, or its path if that is empty. It is the entry's own text.

@@ -1,26 +1,20 @@
 #include "files/readTextFile.h"
 #include "files/replaceFile.h"
 #include "quindle/check/checkQuindle.h"
+#include "quindle/core/Guarded.h"
 #include "quindle/core/commaList.h"
 #include "quindle/library/QuindleFiles.h"
-#include "quindle/library/QuindleLibrary.h"
 #include "quindle/library/entryNames.h"
+#include "quindle/library/scannedQuindles.h"
 #include "quindle/text/parseQuindle.h"
 
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace Zamt {
 
 namespace {
-
-/// What is on disk now, found without a word about files that are hidden or broken.
-QuindleLibrary scanned(const std::vector<std::string>& searchPath) {
-  QuindleLibrary library;
-  Diag dropped;
-  library.scan(searchPath, dropped);
-  return library;
-}
 
 std::string knownQuindleNames(const QuindleLibrary& library) {
   const std::string names =
@@ -53,11 +47,9 @@ bool removeOwn(const std::string& directory, const QuindleLibraryEntry& entry, D
   return false;
 }
 
-} // namespace
-
-bool readQuindle(const std::vector<std::string>& searchPath, const std::string& name, std::string& text,
-                 QuindleDocument& document, Diag& diag) {
-  const QuindleLibrary library = scanned(searchPath);
+bool readStored(const std::vector<std::string>& searchPath, const std::string& name, std::string& text,
+                QuindleDocument& document, Diag& diag) {
+  const QuindleLibrary library = scannedQuindles(searchPath);
   const QuindleLibraryEntry* const entry = lookUp(library, name, diag);
   text.clear(); // only now, since the name may be the document's own
   document = {};
@@ -73,8 +65,7 @@ bool readQuindle(const std::vector<std::string>& searchPath, const std::string& 
   return true;
 }
 
-bool saveQuindle(const std::string& directory, const std::string& text, QuindleDocument& document,
-                 Diag& diag) {
+bool store(const std::string& directory, const std::string& text, QuindleDocument& document, Diag& diag) {
   document = {};
   if (!parseQuindle(text, "<new quindle>", document, diag)) return false;
   if (document.name.empty()) {
@@ -85,24 +76,46 @@ bool saveQuindle(const std::string& directory, const std::string& text, QuindleD
   if (!checkQuindle(document, diag)) return false;
   std::error_code shownBelow;
   std::filesystem::create_directories(directory, shownBelow);
-  const std::string path = quindleFileName(directory, document.name);
+  std::string path = quindleFileName(directory, document.name);
   switch (replaceFile(path, text)) {
   case Replaced::NotBegun: diag.error("Cannot write \"" + path + "\"."); return false;
   case Replaced::NotFinished: diag.error("Could not finish writing \"" + path + "\"."); return false;
   case Replaced::Done: break;
   }
-  document.sourceFile = path;
+  document.sourceFile = std::move(path); // a copy could fail, and the file is written
   return true;
+}
+
+bool removeStored(const std::string& directory, const std::vector<std::string>& searchPath,
+                  const std::string& name, std::string& file, bool& revealed, Diag& diag) {
+  const QuindleLibrary library = scannedQuindles(searchPath);
+  const QuindleLibraryEntry* const entry = lookUp(library, name, diag);
+  std::string path = entry == nullptr ? std::string() : entry->path;
+  const bool removed = entry != nullptr && removeOwn(directory, *entry, diag);
+  // What is removed is removed, whether or not there is the memory to look again.
+  revealed = removed && guarded(diag, false, [&] {
+               return findQuindleLoosely(scannedQuindles(searchPath), name) != nullptr;
+             });
+  file = std::move(path); // last, since the name may be its text
+  return removed;
+}
+
+} // namespace
+
+bool readQuindle(const std::vector<std::string>& searchPath, const std::string& name, std::string& text,
+                 QuindleDocument& document, Diag& diag) {
+  return guarded(diag, false, [&] { return readStored(searchPath, name, text, document, diag); });
+}
+
+bool saveQuindle(const std::string& directory, const std::string& text, QuindleDocument& document,
+                 Diag& diag) {
+  return guarded(diag, false, [&] { return store(directory, text, document, diag); });
 }
 
 bool deleteQuindle(const std::string& directory, const std::vector<std::string>& searchPath,
                    const std::string& name, std::string& file, bool& revealed, Diag& diag) {
-  const QuindleLibrary library = scanned(searchPath);
-  const QuindleLibraryEntry* const entry = lookUp(library, name, diag);
-  const bool removed = entry != nullptr && removeOwn(directory, *entry, diag);
-  revealed = removed && findQuindleLoosely(scanned(searchPath), name) != nullptr;
-  file = entry == nullptr ? std::string() : entry->path; // last, since the name may be its text
-  return removed;
+  return guarded(diag, false,
+                 [&] { return removeStored(directory, searchPath, name, file, revealed, diag); });
 }
 
 } // namespace Zamt

@@ -11,6 +11,7 @@
 /// @file
 /// The fixed vocabulary of conditions that a "select" can name. The catalogue is made on first use, never
 /// changes, and may be read from any thread; pointers into it stay valid for the life of the process.
+/// std::bad_alloc passes through.
 namespace Zamt {
 
 /// One argument of a condition.

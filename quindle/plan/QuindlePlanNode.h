@@ -16,7 +16,8 @@ namespace Zamt {
 ///
 /// In a plan that `planPredicate` calls good, only conditions are negated, no And stands directly in an And
 /// and no Or in an Or, the children of every And stand in order of cost, and every condition has as many
-/// arguments as its operation has parameters. Plans nest without limit; nothing here recurses.
+/// arguments as its operation has parameters. Plans nest without limit; nothing here recurses. Copying and
+/// describing one let std::bad_alloc through.
 struct QUINDLE_API QuindlePlanNode {
   /// What the node is, and which fields it uses.
   enum class Kind : std::int32_t {

@@ -1,6 +1,7 @@
 #include "quindle/plan/compileClassify.h"
 
 #include "quindle/core/ClassList.h"
+#include "quindle/core/Guarded.h"
 #include "quindle/core/QuindleParamTypes.h"
 #include "quindle/core/Refusals.h"
 #include "quindle/core/Tree.h"
@@ -51,7 +52,10 @@ bool labelEditor(const std::string& editor, const std::string& className, std::i
   // A scene with no labels to read is no fault: the set then starts empty.
   std::string current;
   Diag harmless;
-  if (!ops.getParam(editor, sceneWords::labelsSlot, current, harmless)) current.clear();
+  if (!ops.getParam(editor, sceneWords::labelsSlot, current, harmless)) {
+    passOnLackOfMemory(harmless);
+    current.clear();
+  }
   std::string planned;
   std::int32_t assigned = noNumber;
   return planClassLabels(current, className, number, selectedClasses, colour, planned, assigned, diag) &&
@@ -75,12 +79,10 @@ bool namesClasses(const QuindlePlanNode& node) {
          node.arguments.front().kind == QuindleExpr::Kind::Literal;
 }
 
-} // namespace
-
-bool compileClassify(const QuindleStep& step, const std::vector<std::string>& selectedClasses,
-                     const QuindleDocument& document, QuindleOps& ops, const std::string& source,
-                     const std::string& prefix, std::string& out, std::vector<QuindleBinding>& bindings,
-                     Diag& diag) {
+bool makeEditor(const QuindleStep& step, const std::vector<std::string>& selectedClasses,
+                const QuindleDocument& document, QuindleOps& ops, const std::string& source,
+                const std::string& prefix, std::string& out, std::vector<QuindleBinding>& bindings,
+                Diag& diag) {
   if (step.value.kind != QuindleExpr::Kind::Literal || step.value.value.kind != QuindleValue::Kind::Text)
     return refuse(step, refusal::noClassInQuotes, diag);
   const std::optional<std::int32_t> number = classNumberOf(step.classNumber);
@@ -103,6 +105,17 @@ bool compileClassify(const QuindleStep& step, const std::vector<std::string>& se
   }
   out = editor;
   return true;
+}
+
+} // namespace
+
+bool compileClassify(const QuindleStep& step, const std::vector<std::string>& selectedClasses,
+                     const QuindleDocument& document, QuindleOps& ops, const std::string& source,
+                     const std::string& prefix, std::string& out, std::vector<QuindleBinding>& bindings,
+                     Diag& diag) {
+  return guarded(diag, false, [&] {
+    return makeEditor(step, selectedClasses, document, ops, source, prefix, out, bindings, diag);
+  });
 }
 
 void collectPlanClasses(const QuindlePlanNode& plan, std::vector<std::string>& classes) {

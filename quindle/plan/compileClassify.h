@@ -39,10 +39,11 @@ QUINDLE_API bool planClassLabels(const std::string& existingLabels, const std::s
                                  std::int32_t& assigned, Diag& diag);
 
 /// Appends the classes that a plan is known to keep: those written out in conditions on the class that every
-/// selected point has to meet.
+/// selected point has to meet. Lets std::bad_alloc through.
 QUINDLE_API void collectPlanClasses(const QuindlePlanNode& plan, std::vector<std::string>& classes);
 
 /// The number of the class that a label set, as text, says points are put into; -1 if the text is empty.
+/// Lets std::bad_alloc through.
 QUINDLE_API std::int32_t assignedClassOf(const std::string& labels);
 
 /// Whether the values of parameters of this type are names of objects: Grid, Field, Region and Brush.

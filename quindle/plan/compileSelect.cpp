@@ -1,5 +1,6 @@
 #include "quindle/plan/compileSelect.h"
 
+#include "quindle/core/Guarded.h"
 #include "quindle/core/Refusals.h"
 #include "quindle/plan/compileClassify.h"
 #include "quindle/plan/compileIndexedSelect.h"
@@ -185,7 +186,9 @@ bool compileIndexedSelect(const QuindlePlanNode& plan, const ParamIndex& params,
 bool compileSelect(const QuindlePlanNode& plan, const QuindleDocument& document, QuindleOps& ops,
                    const std::string& source, const std::string& prefix, std::string& out,
                    std::vector<QuindleBinding>& bindings, Diag& diag) {
-  return compileIndexedSelect(plan, ParamIndex(document), ops, source, prefix, out, bindings, diag);
+  return guarded(diag, false, [&] {
+    return compileIndexedSelect(plan, ParamIndex(document), ops, source, prefix, out, bindings, diag);
+  });
 }
 
 } // namespace Zamt

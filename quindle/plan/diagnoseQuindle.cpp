@@ -1,7 +1,7 @@
 #include "quindle/plan/diagnoseQuindle.h"
 
-#include "quindle/check/checkQuindle.h"
-#include "quindle/plan/planQuindle.h"
+#include "quindle/check/unguarded.h"
+#include "quindle/plan/unguarded.h"
 #include "quindle/text/noteForeignSigns.h"
 #include "quindle/text/parseQuindle.h"
 
@@ -10,17 +10,20 @@
 namespace Zamt {
 
 bool diagnoseQuindle(const std::string& text, const std::string& file, QuindleDocument& doc, Diag& diag) {
-  Diag found; // since the parser counts the errors from before
-  QuindleDocument read;
-  if (parseQuindle(text, file, read, found)) {
-    checkQuindle(read, found);
-    planQuindle(read, found);
-  } else {
-    noteForeignSigns(text, found);
-  }
-  diag.absorb(found);
-  doc = std::move(read); // last, since text and file may be the document's own
-  return found.errorCount == 0;
+  return guarded(diag, false, [&] {
+    Diag found; // since the parser counts the errors from before
+    QuindleDocument read;
+    const bool parsed = parseQuindle(text, file, read, found);
+    if (parsed) {
+      Unguarded::checkQuindle(read, found);
+      Unguarded::planQuindle(read, found);
+    } else {
+      noteForeignSigns(text, found);
+    }
+    diag.absorb(found);
+    doc = std::move(read); // last, since text and file may be the document's own
+    return parsed && found.errorCount == 0;
+  });
 }
 
 } // namespace Zamt

@@ -3,6 +3,7 @@
 #include "quindle/core/Numbers.h"
 #include "quindle/core/Refusals.h"
 #include "quindle/plan/parameterValue.h"
+#include "quindle/plan/unguarded.h"
 
 #include <optional>
 #include <utility>
@@ -197,17 +198,28 @@ private:
 bool evaluateQuindleExpr(const QuindleExpr& expression, const QuindleDocument& document,
                          const std::map<std::string, std::string>& params,
                          const std::map<std::string, QuindleValue>& lets, QuindleValue& result, Diag& diag) {
+  return guarded(diag, false, [&] {
+    const std::optional<Worked> worked = Evaluator(document, params, lets, diag).evaluate(expression);
+    if (worked) result = worked->value();
+    return worked.has_value();
+  });
+}
+
+bool Unguarded::evaluateQuindleCondition(const QuindleExpr& expression, const QuindleDocument& document,
+                                         const std::map<std::string, std::string>& params,
+                                         const std::map<std::string, QuindleValue>& lets, bool& result,
+                                         Diag& diag) {
   const std::optional<Worked> worked = Evaluator(document, params, lets, diag).evaluate(expression);
-  if (worked) result = worked->value();
+  if (worked) result = isTrue(worked->value());
   return worked.has_value();
 }
 
 bool evaluateQuindleCondition(const QuindleExpr& expression, const QuindleDocument& document,
                               const std::map<std::string, std::string>& params,
                               const std::map<std::string, QuindleValue>& lets, bool& result, Diag& diag) {
-  const std::optional<Worked> worked = Evaluator(document, params, lets, diag).evaluate(expression);
-  if (worked) result = isTrue(worked->value());
-  return worked.has_value();
+  return guarded(diag, false, [&] {
+    return Unguarded::evaluateQuindleCondition(expression, document, params, lets, result, diag);
+  });
 }
 
 } // namespace Zamt

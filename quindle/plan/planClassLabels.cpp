@@ -1,5 +1,6 @@
 #include "cadmer/LabelSet.h"
 
+#include "quindle/core/Guarded.h"
 #include "quindle/core/Refusals.h"
 #include "quindle/plan/compileClassify.h"
 #include "quindle/runtime/QuindleSceneWords.h"
@@ -192,16 +193,18 @@ private:
 bool planClassLabels(const std::string& existingLabels, const std::string& className, std::int32_t number,
                      const std::vector<std::string>& selectedClasses, const QuindleValue& colour,
                      std::string& plannedLabels, std::int32_t& assigned, Diag& diag) {
-  LabelPlan plan(existingLabels, diag);
-  if (className.empty()) {
-    diag.error(refusal::noClass);
-    return false;
-  }
-  if (!plan.select(selectedClasses) || !plan.aimAt(className, number, colour) || !plan.finish(className))
-    return false;
-  plannedLabels = plan.text();
-  assigned = plan.assigned();
-  return true;
+  return guarded(diag, false, [&] {
+    LabelPlan plan(existingLabels, diag);
+    if (className.empty()) {
+      diag.error(refusal::noClass);
+      return false;
+    }
+    if (!plan.select(selectedClasses) || !plan.aimAt(className, number, colour) || !plan.finish(className))
+      return false;
+    plannedLabels = plan.text();
+    assigned = plan.assigned();
+    return true;
+  });
 }
 
 std::int32_t assignedClassOf(const std::string& labels) {

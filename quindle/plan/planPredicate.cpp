@@ -2,6 +2,7 @@
 
 #include "quindle/core/commaList.h"
 #include "quindle/plan/combinedCost.h"
+#include "quindle/plan/unguarded.h"
 
 #include <algorithm>
 #include <optional>
@@ -334,10 +335,15 @@ private:
 
 } // namespace
 
-bool planPredicate(const QuindleExpr& expression, QuindlePlanNode& plan, Diag& diag,
-                   const std::string& file) {
+bool Unguarded::planPredicate(const QuindleExpr& expression, QuindlePlanNode& plan, Diag& diag,
+                              const std::string& file) {
   const Faults faults{diag, std::string(file)};
   return Planner(faults).plan(expression, plan);
+}
+
+bool planPredicate(const QuindleExpr& expression, QuindlePlanNode& plan, Diag& diag,
+                   const std::string& file) {
+  return guarded(diag, false, [&] { return Unguarded::planPredicate(expression, plan, diag, file); });
 }
 
 } // namespace Zamt

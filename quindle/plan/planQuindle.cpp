@@ -3,18 +3,24 @@
 #include "quindle/core/QuindleNodes.h"
 #include "quindle/core/Tree.h"
 #include "quindle/plan/combinedCost.h"
+#include "quindle/plan/unguarded.h"
 
 namespace Zamt {
 
-std::vector<QuindlePlannedSelect> planQuindle(const QuindleDocument& document, Diag& diag) {
+std::vector<QuindlePlannedSelect> Unguarded::planQuindle(const QuindleDocument& document, Diag& diag) {
   std::vector<QuindlePlannedSelect> planned;
   for (const QuindleStep* const step : quindleSteps(document)) {
     if (step->kind != QuindleStep::Kind::Select) continue;
     QuindlePlannedSelect& select = planned.emplace_back();
     select.step = step;
-    select.good = planPredicate(step->condition, select.plan, diag, document.sourceFile);
+    select.good = Unguarded::planPredicate(step->condition, select.plan, diag, document.sourceFile);
   }
   return planned;
+}
+
+std::vector<QuindlePlannedSelect> planQuindle(const QuindleDocument& document, Diag& diag) {
+  return guarded(diag, std::vector<QuindlePlannedSelect>(),
+                 [&] { return Unguarded::planQuindle(document, diag); });
 }
 
 std::vector<QuindlePlanLine> quindlePlanLines(const QuindlePlanNode& plan) {

@@ -21,7 +21,8 @@ struct QUINDLE_API QuindlePlannedSelect {
 };
 
 /// Plans the condition of every "select" of all triggers, those inside "if" and "for each" blocks included,
-/// in the order of the text. All faults are reported, in the document's `sourceFile`.
+/// in the order of the text. All faults are reported, in the document's `sourceFile`. Empty, after an error,
+/// if memory runs out.
 QUINDLE_API std::vector<QuindlePlannedSelect> planQuindle(const QuindleDocument& document, Diag& diag);
 
 /// One node of a plan as a line of a listing.
@@ -32,7 +33,7 @@ struct QUINDLE_API QuindlePlanLine {
 };
 
 /// The nodes of a good plan, each before its children. Takes linear time, where asking every node for its
-/// cost would take the square of the depth.
+/// cost would take the square of the depth. Lets std::bad_alloc through.
 QUINDLE_API std::vector<QuindlePlanLine> quindlePlanLines(const QuindlePlanNode& plan);
 
 } // namespace Zamt

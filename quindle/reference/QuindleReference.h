@@ -7,7 +7,8 @@
 
 /// @file
 /// The manual that the library carries: what a Quindle is and how to write one, in plain text for people and
-/// for assistants. It is made on first use, never changes, and may be read from any thread.
+/// for assistants. It is made on first use, never changes, and may be read from any thread. std::bad_alloc
+/// passes through.
 namespace Zamt {
 
 /// One section of the manual.

@@ -10,7 +10,7 @@
 /// @file
 /// What a Quindle can name at this moment: the conditions, the creators that the application has loaded, and
 /// the actions of the objects that are in the scene. Nothing is kept: each call looks at the object graph
-/// anew, on the thread that owns it.
+/// anew, on the thread that owns it. std::bad_alloc passes through.
 ///
 /// `level` is the lowest rank of a creator to include: 2000 takes the mature ones only, 0 the beta ones too,
 /// -1000 the experimental ones, and anything below also what is unfinished. Conditions and actions are always

@@ -3,7 +3,7 @@
 #include "quindle/core/Diag.h"
 #include "quindle/core/QuindleParamTypes.h"
 #include "quindle/core/Tree.h"
-#include "quindle/plan/QuindlePlanNode.h"
+#include "quindle/plan/unguarded.h"
 #include "quindle/reference/runTargets.h"
 
 #include <algorithm>
@@ -73,7 +73,7 @@ std::string planLines(const QuindlePlanNode& plan) {
 std::string selectText(const QuindleStep& step, const std::string& file) {
   QuindlePlanNode plan;
   Diag diag;
-  if (!planPredicate(step.condition, plan, diag, file))
+  if (!Unguarded::planPredicate(step.condition, plan, diag, file))
     return std::string("selects the points by a condition that does not make sense:\n") + planIndent +
            diag.firstError() + '\n';
   if (plan.kind == QuindlePlanNode::Kind::Condition)

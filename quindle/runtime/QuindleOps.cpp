@@ -1,5 +1,7 @@
 #include "quindle/runtime/QuindleOps.h"
 
+#include "quindle/core/Guarded.h"
+
 namespace Zamt {
 
 QuindleOps::~QuindleOps() = default;
@@ -18,8 +20,10 @@ std::string QuindleOps::statusOf(const std::string& /*object*/) { return {}; }
 
 std::string QuindleOps::createConsumer(const std::string& source, const std::string& /*creator*/,
                                        const std::string& /*acceptName*/, Diag& diag) {
-  diag.error("This is not able to create objects that read another one.", source);
-  return {};
+  return guarded(diag, std::string(), [&] {
+    diag.error("This is not able to create objects that read another one.", source);
+    return std::string();
+  });
 }
 
 bool QuindleOps::removeObject(const std::string& /*name*/, Diag& /*diag*/) { return false; }

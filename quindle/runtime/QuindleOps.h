@@ -13,7 +13,8 @@ namespace Zamt {
 /// is not overridden counts as "not known", and only what depends on the answer is lost.
 ///
 /// Object names are unique in a scene. All calls come from the thread that drives the runtime, one at a time.
-/// An operation that fails reports why in its Diag; callers add nothing to it.
+/// An operation that fails reports why in its Diag; callers add nothing to it. What one throws ends the call
+/// of the runtime: std::bad_alloc as memory that ran out, anything else unchanged in the caller's hands.
 class QUINDLE_API QuindleOps {
 public:
   virtual ~QuindleOps();

@@ -1,5 +1,6 @@
 #include "quindle/runtime/QuindleRuntime.h"
 
+#include "quindle/core/Guarded.h"
 #include "quindle/runtime/Run.h"
 
 namespace Zamt {
@@ -21,7 +22,7 @@ QuindleRuntime::programFor(const QuindleDocument& doc, QuindleRunResult& result,
     programs_.erase(kept);
   }
   auto program = std::make_shared<Program>();
-  if (!compile(doc, *program, diag)) return nullptr;
+  if (!build(doc, *program, diag)) return nullptr;
   programs_[doc.name] = program;
   result.compiled = true;
   return program;
@@ -42,6 +43,10 @@ void QuindleRuntime::setBrushObject(const std::string& name) {
 }
 
 std::string QuindleRuntime::ensureBrushObject(Diag& diag) {
+  return guarded(diag, std::string(), [&] { return findBrush(diag); });
+}
+
+std::string QuindleRuntime::findBrush(Diag& diag) {
   if (brushPinned_ || ops_.exists(brushObject_)) return brushObject_;
   const std::vector<std::string> brushes = sceneObjectsPublishing(sceneWords::brushKind);
   std::string found = brushes.empty() ? makeBrush(diag) : brushes.front();

@@ -30,6 +30,9 @@ struct QUINDLE_API QuindleRunResult {
 ///
 /// A program is kept until its document comes with another `revision`, `forget` or `setBrushObject` drops it,
 /// or the runtime ends. The cache does not look at the scene, and objects of a dropped program stay in it.
+/// Whatever a run or a compilation fails by, an exception of the scene or of the resolver included, the
+/// runtime can be used again at once. What takes no Diag lets std::bad_alloc through.
+///
 /// Nothing is locked: one thread at a time.
 class QUINDLE_API QuindleRuntime {
 public:
@@ -112,7 +115,7 @@ public:
 
   /// A report line with its braces filled in: a let's or a parameter's value, or a count read back from the
   /// object `counter`, which is empty if nothing has counted yet. What cannot be filled in stays as it is
-  /// written, with a warning.
+  /// written, with a warning. Empty, after an error, if memory runs out.
   std::string expandReport(const std::string& text, const QuindleDocument& doc,
                            const std::map<std::string, std::string>& args,
                            const std::map<std::string, QuindleValue>& lets, const std::string& counter,
@@ -132,6 +135,17 @@ private:
 
   QUINDLE_PRIVATE std::shared_ptr<const Program> programFor(const QuindleDocument& doc,
                                                             QuindleRunResult& result, Diag& diag);
+  // What the public functions do; std::bad_alloc passes through.
+  QUINDLE_PRIVATE bool build(const QuindleDocument& doc, Program& program, Diag& diag);
+  QUINDLE_PRIVATE std::string findBrush(Diag& diag);
+  QUINDLE_PRIVATE std::string filledIn(const std::string& text, const QuindleDocument& doc,
+                                       const std::map<std::string, std::string>& args,
+                                       const std::map<std::string, QuindleValue>& lets,
+                                       const std::string& counter, bool preview, Diag& diag) const;
+  QUINDLE_PRIVATE void attachPreview(const QuindleDocument& doc,
+                                     const std::map<std::string, std::string>& args,
+                                     const std::string& editor, Diag& diag);
+  QUINDLE_PRIVATE void detachPreview();
   QUINDLE_PRIVATE std::string makeBrush(Diag& diag);
 
   QuindleOps& ops_;

@@ -1,5 +1,6 @@
 #include "quindle/runtime/Run.h"
 
+#include "quindle/core/Guarded.h"
 #include "quindle/plan/ParamIndex.h"
 #include "quindle/plan/compileClassify.h"
 #include "quindle/plan/evaluateQuindleExpr.h"
@@ -18,7 +19,9 @@ namespace {
 std::string readQuietly(QuindleOps& ops, const std::string& object, const std::string& slot) {
   std::string value;
   Diag unread;
-  return ops.getParam(object, slot, value, unread) ? value : std::string();
+  if (ops.getParam(object, slot, value, unread)) return value;
+  passOnLackOfMemory(unread);
+  return {};
 }
 
 } // namespace
@@ -48,14 +51,19 @@ QuindleRuntime::Run::Run(const Run& caller, const QuindleDocument& doc, const Ar
 bool QuindleRuntime::Run::perform() {
   result_ = {};
   result_.preview = preview_;
-  runtime_.forgetPreviewDisplay(diag_);
+  // Of a nested run too, so that the lines it has made reach its caller.
+  return guarded(diag_, false, [this] { return performAll(); });
+}
+
+bool QuindleRuntime::Run::performAll() {
+  runtime_.detachPreview();
   if (!doc_.enabled) {
     diag_.warning("\"" + doc_.name + "\" is switched off.", doc_.name);
     return false;
   }
   program_ = runtime_.programFor(doc_, result_, diag_);
   if (!program_ || !bind() || !walk() || !checkSelection() || !checkClass()) return false;
-  if (preview_) runtime_.showWhatWouldChange(doc_, args_, counter_, diag_);
+  if (preview_) runtime_.attachPreview(doc_, args_, counter_, diag_);
   return result_.ok = true;
 }
 
@@ -114,7 +122,7 @@ bool QuindleRuntime::Run::let(const RunStep& step) {
 }
 
 void QuindleRuntime::Run::report(const RunStep& step) {
-  result_.report.push_back(runtime_.expandReport(step.text, doc_, args_, lets_, counter_, preview_, diag_));
+  result_.report.push_back(runtime_.filledIn(step.text, doc_, args_, lets_, counter_, preview_, diag_));
 }
 
 /// Whether the selection could be worked out at all. That nothing matched is no fault.

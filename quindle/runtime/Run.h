@@ -25,6 +25,7 @@ private:
   /// A run within `caller`, which waits for it.
   Run(const Run& caller, const QuindleDocument& doc, const Args& args, QuindleRunResult& result);
 
+  bool performAll();
   bool bind();
   bool walk();
   bool take(const RunStep& step);

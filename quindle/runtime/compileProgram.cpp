@@ -1,3 +1,4 @@
+#include "quindle/core/Guarded.h"
 #include "quindle/core/NestedSteps.h"
 #include "quindle/core/Refusals.h"
 #include "quindle/plan/ParamIndex.h"
@@ -37,6 +38,10 @@ bool mentionsBrush(const std::vector<const QuindleStep*>& selects, const ParamIn
 } // namespace
 
 bool QuindleRuntime::compile(const QuindleDocument& doc, Program& program, Diag& diag) {
+  return guarded(diag, false, [&] { return build(doc, program, diag); });
+}
+
+bool QuindleRuntime::build(const QuindleDocument& doc, Program& program, Diag& diag) {
   const QuindleTrigger* const trigger = doc.runTrigger();
   if (!trigger) {
     diag.error(refusal::nothingToRun, doc.name);
@@ -50,7 +55,7 @@ bool QuindleRuntime::compile(const QuindleDocument& doc, Program& program, Diag&
   std::string start;
   if (const std::vector<const QuindleStep*> selects = selectsIn(trigger->steps); !selects.empty()) {
     if (brushPinned_ || mentionsBrush(selects, params)) {
-      start = ensureBrushObject(diag);
+      start = findBrush(diag);
       if (start.empty()) return false;
     } else {
       diag.note(

@@ -1,3 +1,4 @@
+#include "quindle/core/Guarded.h"
 #include "quindle/core/Refusals.h"
 #include "quindle/plan/parameterValue.h"
 #include "quindle/runtime/QuindleRuntime.h"
@@ -33,6 +34,7 @@ std::optional<std::string> readCount(const Count& count, QuindleOps& ops, const 
     std::string value;
     Diag unread;
     if (ops.getParam(counter, count.slot, value, unread) && !value.empty()) return value;
+    passOnLackOfMemory(unread);
     diag.warning("The editor did not report a count, so " + braced + " is left unfilled in the report.",
                  place);
   } else if (preview) {
@@ -50,6 +52,14 @@ std::string QuindleRuntime::expandReport(const std::string& text, const QuindleD
                                          const std::map<std::string, std::string>& args,
                                          const std::map<std::string, QuindleValue>& lets,
                                          const std::string& counter, bool preview, Diag& diag) const {
+  return guarded(diag, std::string(),
+                 [&] { return filledIn(text, doc, args, lets, counter, preview, diag); });
+}
+
+std::string QuindleRuntime::filledIn(const std::string& text, const QuindleDocument& doc,
+                                     const std::map<std::string, std::string>& args,
+                                     const std::map<std::string, QuindleValue>& lets,
+                                     const std::string& counter, bool preview, Diag& diag) const {
   const auto lookUp = [&](const std::string& name) -> std::optional<std::string> {
     if (const auto let = lets.find(name); let != lets.end()) return let->second.toPlainText();
     if (std::optional<std::string> value = parameterValue(name, doc.findParam(name), args)) return value;

@@ -1,3 +1,4 @@
+#include "quindle/core/Guarded.h"
 #include "quindle/core/QuindleParamTypes.h"
 #include "quindle/plan/parameterValue.h"
 #include "quindle/runtime/QuindleRuntime.h"
@@ -34,6 +35,7 @@ std::string maskFieldOf(QuindleOps& ops, const std::string& editor) {
   std::string field;
   Diag unread;
   const bool named = ops.getParam(editor, sceneWords::maskFieldSlot, field, unread) && !field.empty();
+  passOnLackOfMemory(unread);
   return named ? field : sceneWords::usualMaskField;
 }
 
@@ -55,6 +57,11 @@ bool attachMask(QuindleOps& ops, const std::vector<std::string>& displays, const
 void QuindleRuntime::showWhatWouldChange(const QuindleDocument& doc,
                                          const std::map<std::string, std::string>& args,
                                          const std::string& editor, Diag& diag) {
+  guarded(diag, [&] { attachPreview(doc, args, editor, diag); });
+}
+
+void QuindleRuntime::attachPreview(const QuindleDocument& doc, const std::map<std::string, std::string>& args,
+                                   const std::string& editor, Diag& diag) {
   if (editor.empty()) return;
   const std::string target = dataOf(doc, args);
   if (target.empty()) return;
@@ -69,16 +76,17 @@ void QuindleRuntime::showWhatWouldChange(const QuindleDocument& doc,
 
   const std::string field = maskFieldOf(ops_, editor);
   Diag local;
-  const std::string mask =
+  previewObjects_.reserve(previewObjects_.size() + 1);
+  std::string made =
       ops_.create(sceneWords::fieldCreator, std::string(sceneWords::ownPrefix) + maskBase, local);
-  if (mask.empty()) {
+  if (made.empty()) {
     diag.note("The preview was worked out, but the mask could not be published for a display to show: " +
                   local.firstError(),
               doc.name);
     return;
   }
   // Kept at once, so that the next run removes it whatever happens to it here.
-  previewObjects_.push_back(mask);
+  const std::string& mask = previewObjects_.emplace_back(std::move(made));
   if (!ops_.connect(mask, sceneWords::gridSlot, target, {}, local) ||
       !ops_.setParam(mask, sceneWords::fieldNameSlot, sceneWords::fieldName(field), local)) {
     diag.note("The preview was worked out, but the mask could not be pointed at \"" + target +
@@ -101,10 +109,14 @@ void QuindleRuntime::showWhatWouldChange(const QuindleDocument& doc,
               doc.name);
 }
 
-void QuindleRuntime::forgetPreviewDisplay(Diag& /*diag*/) {
-  std::vector<std::string> names = std::exchange(previewObjects_, {});
-  std::reverse(names.begin(), names.end());
-  for (const std::string& name : names) {
+void QuindleRuntime::forgetPreviewDisplay(Diag& diag) {
+  guarded(diag, [this] { detachPreview(); });
+}
+
+void QuindleRuntime::detachPreview() {
+  while (!previewObjects_.empty()) {
+    const std::string name = std::move(previewObjects_.back());
+    previewObjects_.pop_back();
     Diag unread;
     ops_.removeObject(name, unread);
   }

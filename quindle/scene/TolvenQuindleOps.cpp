@@ -1,5 +1,6 @@
 #include "quindle/scene/TolvenQuindleOps.h"
 
+#include "quindle/core/Guarded.h"
 #include "quindle/runtime/QuindleSceneWords.h"
 
 #include "cadmer/VAction.h"
@@ -99,96 +100,110 @@ TolvenQuindleOps::TolvenQuindleOps(StrongPtr<ValuePool> pool) : pool_(std::move(
 TolvenQuindleOps::~TolvenQuindleOps() = default;
 
 StrongPtr<VObject> TolvenQuindleOps::resolve(const std::string& name, Diag& diag) const {
-  auto object = findObject(name);
-  if (!object) diag.error("There is no object called " + quoted(name) + ".", name);
-  return object;
+  return guarded(diag, StrongPtr<VObject>(), [&] {
+    auto object = findObject(name);
+    if (!object) diag.error("There is no object called " + quoted(name) + ".", name);
+    return object;
+  });
 }
 
 bool TolvenQuindleOps::exists(const std::string& name) { return findObject(name) != nullptr; }
 
 std::string TolvenQuindleOps::create(const std::string& creator, const std::string& name, Diag& diag) {
-  const auto maker = VManagedObject::find<VCreatorBase>(creator);
-  if (!maker) {
-    diag.error("There is no creator called " + quoted(creator) +
-                   ". Either the name is wrong or the plugin providing it was not built.",
-               creator);
-    return {};
-  }
-  const auto object = maker->create(name, Rethold::Intercube());
-  if (!object) {
-    diag.error(quoted(creator) + " refused to create an object.", creator);
-    return {};
-  }
-  object->initialize();
-  return object->name();
+  return guarded(diag, std::string(), [&]() -> std::string {
+    const auto maker = VManagedObject::find<VCreatorBase>(creator);
+    if (!maker) {
+      diag.error("There is no creator called " + quoted(creator) +
+                     ". Either the name is wrong or the plugin providing it was not built.",
+                 creator);
+      return {};
+    }
+    const auto object = maker->create(name, Rethold::Intercube());
+    if (!object) {
+      diag.error(quoted(creator) + " refused to create an object.", creator);
+      return {};
+    }
+    object->initialize();
+    return object->name();
+  });
 }
 
 bool TolvenQuindleOps::connect(const std::string& object, const std::string& slot, const std::string& source,
                                const std::string& sourceSlot, Diag& diag) {
-  const std::string target = object + "." + slot;
-  const auto result = TolvenActions::Attachment(object, slot, source, sourceSlot);
-  if (!result.success) {
-    diag.error("Could not attach " + target + " to " + source + (sourceSlot.empty() ? "" : "." + sourceSlot) +
-                   (result.reason.empty() ? "." : ": " + result.reason),
+  return guarded(diag, false, [&] {
+    const std::string target = object + "." + slot;
+    const auto result = TolvenActions::Attachment(object, slot, source, sourceSlot);
+    if (!result.success) {
+      diag.error("Could not attach " + target + " to " + source +
+                     (sourceSlot.empty() ? "" : "." + sourceSlot) +
+                     (result.reason.empty() ? "." : ": " + result.reason),
+                 object);
+      return false;
+    }
+    const auto reader = findObject(object);
+    const auto input = reader ? inputOf(*reader, slot) : nullptr;
+    if (!input || (input->parameter() && input->parameter()->source())) return true;
+    diag.error("The attachment of " + target + " to " + source + " reported success but did not hold.",
                object);
     return false;
-  }
-  const auto reader = findObject(object);
-  const auto input = reader ? inputOf(*reader, slot) : nullptr;
-  if (!input || (input->parameter() && input->parameter()->source())) return true;
-  diag.error("The attachment of " + target + " to " + source + " reported success but did not hold.", object);
-  return false;
+  });
 }
 
 bool TolvenQuindleOps::setParam(const std::string& object, const std::string& slot, const std::string& value,
                                 Diag& diag) {
-  const auto target = resolve(object, diag);
-  if (!target) return false;
-  const auto input = inputOf(*target, slot);
-  if (!input) {
-    diag.error(quoted(object) + " has no slot called " + quoted(slot) + ".", object);
+  return guarded(diag, false, [&] {
+    const auto target = resolve(object, diag);
+    if (!target) return false;
+    const auto input = inputOf(*target, slot);
+    if (!input) {
+      diag.error(quoted(object) + " has no slot called " + quoted(slot) + ".", object);
+      return false;
+    }
+    const auto parameter = input->parameter();
+    if (parameter && parameter->setValueFromText(value, pool_, {})) return true;
+    diag.error(quoted(value) + " is not a value " + object + "." + slot + " can take.", object);
     return false;
-  }
-  const auto parameter = input->parameter();
-  if (parameter && parameter->setValueFromText(value, pool_, {})) return true;
-  diag.error(quoted(value) + " is not a value " + object + "." + slot + " can take.", object);
-  return false;
+  });
 }
 
 bool TolvenQuindleOps::getParam(const std::string& object, const std::string& slot, std::string& value,
                                 Diag& diag) {
-  const auto target = resolve(object, diag);
-  if (!target) return false;
-  const auto found = slotOfEitherKind(*target, slot);
-  if (!found) {
-    diag.error(quoted(object) + " has no slot called " + quoted(slot) + ".", object);
-    return false;
-  }
-  value = textOf(*found, pool_);
-  return true;
+  return guarded(diag, false, [&] {
+    const auto target = resolve(object, diag);
+    if (!target) return false;
+    const auto found = slotOfEitherKind(*target, slot);
+    if (!found) {
+      diag.error(quoted(object) + " has no slot called " + quoted(slot) + ".", object);
+      return false;
+    }
+    value = textOf(*found, pool_);
+    return true;
+  });
 }
 
 bool TolvenQuindleOps::fireAction(const std::string& object, const std::string& action, Diag& diag) {
-  const auto target = resolve(object, diag);
-  if (!target) return false;
-  const auto refuse = [&](const std::string& message) {
-    diag.error(message, object);
-    return false;
-  };
-  const auto slot = inputOf(*target, action);
-  if (!slot) return refuse(quoted(object) + " has no slot called " + quoted(action) + ".");
-  const std::string name = quoted(object + "." + action);
-  const auto value = valueOf(*slot);
-  const auto type = value ? value->type() : Rethold::typeOf<void>();
-  if (type != Rethold::typeOf<StrongPtr<VAction>>()) return refuse(name + " is not an action.");
-  const auto parameter = slot->parameter();
-  if (!parameter) return refuse(name + " has no parameter behind it.");
-  const auto holder = valueAs<StrongPtr<VAction>>(value);
-  const auto held = holder ? holder->held : nullptr;
-  if (!held) return refuse(name + " holds no action to fire.");
-  held->emitAction(pool_, parameter);
-  if (parameter->value()) parameter->value()->touch();
-  return true;
+  return guarded(diag, false, [&] {
+    const auto target = resolve(object, diag);
+    if (!target) return false;
+    const auto refuse = [&](const std::string& message) {
+      diag.error(message, object);
+      return false;
+    };
+    const auto slot = inputOf(*target, action);
+    if (!slot) return refuse(quoted(object) + " has no slot called " + quoted(action) + ".");
+    const std::string name = quoted(object + "." + action);
+    const auto value = valueOf(*slot);
+    const auto type = value ? value->type() : Rethold::typeOf<void>();
+    if (type != Rethold::typeOf<StrongPtr<VAction>>()) return refuse(name + " is not an action.");
+    const auto parameter = slot->parameter();
+    if (!parameter) return refuse(name + " has no parameter behind it.");
+    const auto holder = valueAs<StrongPtr<VAction>>(value);
+    const auto held = holder ? holder->held : nullptr;
+    if (!held) return refuse(name + " holds no action to fire.");
+    held->emitAction(pool_, parameter);
+    if (parameter->value()) parameter->value()->touch();
+    return true;
+  });
 }
 
 std::vector<std::string> TolvenQuindleOps::objectsPublishing(const std::string& kind) {
@@ -246,33 +261,37 @@ std::string TolvenQuindleOps::statusOf(const std::string& object) {
 
 std::string TolvenQuindleOps::createConsumer(const std::string& source, const std::string& creator,
                                              const std::string& acceptName, Diag& diag) {
-  const auto feeder = resolve(source, diag);
-  if (!feeder) return {};
-  const auto refuse = [&](const std::string& message) {
-    diag.error(message, source);
-    return std::string();
-  };
-  const auto list = VAcceptList::getAcceptors(feeder, LowestRank, HighestRank);
-  if (!list || list->entries.empty())
-    return refuse("Nothing can read what " + quoted(source) + " publishes.");
-  for (const VAcception& entry : list->entries) {
-    const auto maker = entry.creator.lock();
-    if (!maker || (fullName(*maker) != creator && maker->identifier() != creator)) continue;
-    if (!acceptName.empty() && entry.info.name != acceptName) continue;
-    const auto reader = feeder->createChild(entry, Rethold::Intercube());
-    if (!reader) return refuse(quoted(creator) + " could not be attached to " + quoted(source) + ".");
-    reader->initialize();
-    VScheduler::schedule(reader, 0.0, pool_);
-    return reader->name();
-  }
-  return refuse(quoted(creator) + " cannot read what " + quoted(source) + " publishes.");
+  return guarded(diag, std::string(), [&]() -> std::string {
+    const auto feeder = resolve(source, diag);
+    if (!feeder) return {};
+    const auto refuse = [&](const std::string& message) {
+      diag.error(message, source);
+      return std::string();
+    };
+    const auto list = VAcceptList::getAcceptors(feeder, LowestRank, HighestRank);
+    if (!list || list->entries.empty())
+      return refuse("Nothing can read what " + quoted(source) + " publishes.");
+    for (const VAcception& entry : list->entries) {
+      const auto maker = entry.creator.lock();
+      if (!maker || (fullName(*maker) != creator && maker->identifier() != creator)) continue;
+      if (!acceptName.empty() && entry.info.name != acceptName) continue;
+      const auto reader = feeder->createChild(entry, Rethold::Intercube());
+      if (!reader) return refuse(quoted(creator) + " could not be attached to " + quoted(source) + ".");
+      reader->initialize();
+      VScheduler::schedule(reader, 0.0, pool_);
+      return reader->name();
+    }
+    return refuse(quoted(creator) + " cannot read what " + quoted(source) + " publishes.");
+  });
 }
 
 bool TolvenQuindleOps::removeObject(const std::string& name, Diag& diag) {
-  const auto object = resolve(name, diag);
-  if (!object) return false;
-  object->remove();
-  return true;
+  return guarded(diag, false, [&] {
+    const auto object = resolve(name, diag);
+    if (!object) return false;
+    object->remove();
+    return true;
+  });
 }
 
 int TolvenQuindleOps::settle() {

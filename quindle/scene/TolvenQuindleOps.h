@@ -14,7 +14,8 @@ namespace Zamt {
 
 /// The scene operations on the application's object graph. It knows nothing about the objects between calls:
 /// each call looks them up by name and answers what the graph says at that moment. The questions report
-/// nothing and answer false, empty text or an empty list; the other operations say what went wrong.
+/// nothing and answer false, empty text or an empty list, or let std::bad_alloc through; the other operations
+/// say what went wrong.
 class QUINDLE_API TolvenQuindleOps : public QuindleOps {
 public:
   /// All values are read and written in the context of `pool`, which is kept alive.

@@ -48,7 +48,7 @@ struct QuindleSpan {
 /// The spans of all words and marks of a text, faulty or not, in the order in which they begin; white space
 /// has none. A Placeholder lies in the span of its Text, and an Argument around those of its words, which
 /// stand behind it in the list; otherwise no two overlap. Roles are those that the reader found, so behind a
-/// fault they may be others than were meant.
+/// fault they may be others than were meant. Lets std::bad_alloc through.
 QUINDLE_API std::vector<QuindleSpan> quindleSpans(const std::string& text);
 
 /// The innermost of the spans of a text that holds the byte at that line and column, or null. Of a span of

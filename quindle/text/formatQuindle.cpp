@@ -1,7 +1,7 @@
 #include "quindle/text/formatQuindle.h"
 
+#include "quindle/core/Guarded.h"
 #include "quindle/text/FileReader.h"
-#include "quindle/text/parseQuindle.h"
 #include "quindle/text/writeQuindle.h"
 #include "quindle/text/writeWithin.h"
 
@@ -36,7 +36,7 @@ bool writeCanonical(const QuindleDocument& doc, const std::string& file, std::st
   }
   Diag again;
   QuindleDocument reread;
-  if (!parseQuindle(once, file, reread, again)) {
+  if (!FileReader(once, file, reread, again, FaultSink::Keep::All).read()) {
     diag.error("The canonical layout of this Quindle can't be read back: " + again.firstError() +
                    " It is left as it is; write that step in another way.",
                file);
@@ -46,10 +46,8 @@ bool writeCanonical(const QuindleDocument& doc, const std::string& file, std::st
   return true;
 }
 
-} // namespace
-
-bool formatQuindle(const std::string& text, const std::string& file, QuindleDocument& doc,
-                   std::string& formatted, std::vector<QuindleStrayComment>& strays, Diag& diag) {
+bool format(const std::string& text, const std::string& file, QuindleDocument& doc, std::string& formatted,
+            std::vector<QuindleStrayComment>& strays, Diag& diag) {
   const std::string label = file;
   FileReader reader(text, label, doc, diag, FaultSink::Keep::All);
   formatted.clear(); // only now, for it may be the text
@@ -64,6 +62,13 @@ bool formatQuindle(const std::string& text, const std::string& file, QuindleDocu
   strays = reader.strayComments();
   for (const QuindleStrayComment& comment : strays) warnOf(comment, label, diag);
   return writeCanonical(doc, label, formatted, diag);
+}
+
+} // namespace
+
+bool formatQuindle(const std::string& text, const std::string& file, QuindleDocument& doc,
+                   std::string& formatted, std::vector<QuindleStrayComment>& strays, Diag& diag) {
+  return guarded(diag, false, [&] { return format(text, file, doc, formatted, strays, diag); });
 }
 
 } // namespace Zamt

@@ -8,7 +8,8 @@
 namespace Zamt {
 
 /// The whole document in its one canonical layout, ending in one newline. The same document always gives the
-/// same bytes; `sourceFile`, `revision`, listeners and positions are not written. It cannot fail.
+/// same bytes; `sourceFile`, `revision`, listeners and positions are not written. It cannot fail,
+/// but lets std::bad_alloc through.
 ///
 /// What was read without errors reads back as the same document, and is then written as the same bytes, but
 /// for these: a Comment without text is dropped by the reader; an "and" right inside an "and" (an "or" inside

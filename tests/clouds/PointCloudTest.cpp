@@ -172,8 +172,9 @@ TEST_F(PointCloudTest, EveryUnusableFileIsToldFromTheOthers) {
       {with(105, std::uint16_t{29}), damaged + "points of format 6 need at least 30 bytes, not 29." + again},
       {with(96, std::uint32_t{100}), damaged + "its points can't start within it." + again},
       {with(131, std::nan("")), damaged + "its scales or offsets are not usable numbers." + again},
-      {with(104, std::uint8_t{0x86}), name + " is compressed (LAZ). Decompress it to LAS first, for example "
-                                             "with \"laszip -i in.laz -o out.las\"."},
+      {with(104, std::uint8_t{0x86}),
+       name + " is compressed but has no LAZ record, so that its points can't be read. Convert it with the "
+              "program that wrote it, or fetch it again."},
       {with(247, ~std::uint64_t{0}),
        name + " is cut off: its header says 18446744073709551615 points but it holds only 10." + fetch},
       {sound.substr(0, sound.size() - 1),

@@ -1,10 +1,11 @@
 #include "host/clouds/las/LasFormat.h"
 
+#include "host/clouds/las/LasCompatibility.h"
 #include "host/clouds/las/LasWriter.h"
 #include "host/clouds/las/extractLas.h"
 
-#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace Zamt::Host {
 
@@ -15,29 +16,30 @@ public:
   LasReader(const LasFile& file, const BlockTable& blocks) : file_(file), blocks_(blocks) {}
 
   bool read(std::size_t block, ColumnKey key, StoredColumn& column, std::string& /*problem*/) override {
-    const LasField& place = file_.layout.fields[key.field];
-    const std::byte* const record = file_.record(blocks_.first(block));
-    column = {record + place.offset + key.component * sizeOf(place.type), file_.layout.recordLength,
-              place.type, place.shift, place.bits};
+    const LasLayout& layout = file_.layout;
+    const LasField& place = layout.fields[key.field];
+    const std::byte* const records =
+        file_.bytes().data() + layout.pointOffset + blocks_.first(block) * layout.recordLength;
+    if (key.field == layout.classField && layout.secondClassAt) {
+      classes_ = compatibleClasses(records, blocks_.count(block), layout.recordLength, *layout.secondClassAt);
+      column = {std::as_bytes(std::span(classes_)).data(), 1, FieldType::U8};
+      return true;
+    }
+    column = {records + place.offset + key.component * sizeOf(place.type), layout.recordLength, place.type,
+              place.shift, place.bits};
     return true;
   }
 
 private:
   const LasFile& file_;
   const BlockTable& blocks_;
+  std::vector<std::uint8_t> classes_; ///< Of points that say them in two places.
 };
 
 class LasFormat : public CloudFormat {
 public:
-  explicit LasFormat(LasFile file) : file_(std::move(file)) {
-    const LasLayout& layout = file_.layout;
-    about_.versionMinor = layout.versionMinor;
-    about_.pointFormat = layout.pointFormat;
-    about_.fields.assign(layout.fields.begin(), layout.fields.end());
-    about_.classField = layout.classField;
-    about_.highestClass = layout.classMask;
-    about_.classNames = layout.classNames;
-    about_.blocks = BlockTable::even(layout.points);
+  explicit LasFormat(LasFile file) : file_(std::move(file)), about_(describe(file_.layout)) {
+    about_.blocks = BlockTable::even(file_.layout.points);
   }
 
   const CloudDescription& description() const override { return about_; }
@@ -66,7 +68,7 @@ private:
 std::unique_ptr<const CloudFormat> openLas(std::unique_ptr<MappedFile> file, const std::string& path,
                                            std::string& error) {
   LasFile las{path, std::move(file), {}};
-  if (!readLayout(las.file->bytes(), path, las.layout, error)) return nullptr;
+  if (!readLayout(las.bytes(), path, las.layout, error)) return nullptr;
   return std::make_unique<LasFormat>(std::move(las));
 }
 

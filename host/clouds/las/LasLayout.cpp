@@ -1,5 +1,7 @@
 #include "host/clouds/las/LasLayout.h"
 
+#include "host/clouds/las/LasCompatibility.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -12,6 +14,8 @@ namespace {
 
 constexpr unsigned highestFormat = 10;
 constexpr std::uint8_t compressedFormat = 0xC0; ///< Either of these bits of the format marks a LAZ file.
+constexpr const char* compressionUserId = "laszip encoded";
+constexpr std::uint16_t compressionId = 22204;
 constexpr std::size_t waveformSize = 29;
 
 /// Bytes from the start of an entry of the extra bytes record to its parts.
@@ -257,12 +261,6 @@ void readAllRecords(std::span<const std::byte> bytes, LasLayout& layout) {
               readAt<std::uint32_t>(header + HeaderAt::evlrCount), true, layout.records);
 }
 
-bool isCompressed(const LasLayout& layout, std::uint8_t format) {
-  if (format & compressedFormat) return true;
-  return std::ranges::any_of(layout.records,
-                             [](const LasRecord& record) { return record.userId == "laszip encoded"; });
-}
-
 /// A scale and origin with which every stored coordinate gives a finite number.
 bool coordinatesAreFinite(const std::byte* header) {
   for (std::size_t axis = 0; axis < 3; ++axis) {
@@ -299,22 +297,20 @@ std::string headerProblem(std::span<const std::byte> bytes, const std::string& p
 /// What is wrong with the numbers of the header; empty if the points can be read.
 std::string numbersProblem(std::span<const std::byte> bytes, const LasLayout& layout,
                            const std::string& path) {
-  const std::string again = " Fetch the file again, or have the program that wrote it write it again.";
   if (layout.headerSize < smallestHeader || layout.headerSize > bytes.size())
-    return "The header of \"" + path + "\" is damaged: its size can't be " +
-           std::to_string(layout.headerSize) + " bytes." + again;
+    return headerDamaged(path, "its size can't be " + std::to_string(layout.headerSize) + " bytes");
   if (layout.pointFormat > highestFormat)
     return "\"" + path + "\" has points of format " + std::to_string(layout.pointFormat) +
            ", which can't be read. Convert it to one of the formats 0 to 10 first.";
   const std::size_t least = standardRecordLength(layout.pointFormat);
   if (layout.recordLength < least)
-    return "The header of \"" + path + "\" is damaged: points of format " +
-           std::to_string(layout.pointFormat) + " need at least " + std::to_string(least) + " bytes, not " +
-           std::to_string(layout.recordLength) + "." + again;
+    return headerDamaged(path, "points of format " + std::to_string(layout.pointFormat) + " need at least " +
+                                   std::to_string(least) + " bytes, not " +
+                                   std::to_string(layout.recordLength));
   if (layout.points != 0 && layout.pointOffset < layout.headerSize)
-    return "The header of \"" + path + "\" is damaged: its points can't start within it." + again;
+    return headerDamaged(path, "its points can't start within it");
   if (!coordinatesAreFinite(bytes.data()))
-    return "The header of \"" + path + "\" is damaged: its scales or offsets are not usable numbers." + again;
+    return headerDamaged(path, "its scales or offsets are not usable numbers");
   return {};
 }
 
@@ -327,11 +323,20 @@ std::string truncationProblem(std::size_t size, const LasLayout& layout, const s
          " points but it holds only " + std::to_string(room) + ". Fetch the file again from where it came.";
 }
 
+/// Finds the second class of points of a compatible file.
+void findSecondClass(std::span<const std::byte> bytes, LasLayout& layout) {
+  const LasRecord* const extra = layout.findSpecRecord(extraBytesId);
+  if (layout.versionMinor >= 4 || !extra || !layout.findRecord(compatibleUserId, compatibleRecordId)) return;
+  const auto found =
+      findCompatibility(bytes.subspan(extra->data, extra->length), layout.pointFormat, layout.recordLength);
+  if (found) layout.secondClassAt = found->classAt;
+}
+
 } // namespace
 
-const LasRecord* LasLayout::findSpecRecord(std::uint16_t id) const {
+const LasRecord* LasLayout::findRecord(std::string_view userId, std::uint16_t id) const {
   const auto found = std::ranges::find_if(
-      records, [id](const LasRecord& record) { return record.id == id && record.userId == specUserId; });
+      records, [&](const LasRecord& record) { return record.id == id && record.userId == userId; });
   return found == records.end() ? nullptr : &*found;
 }
 
@@ -341,8 +346,23 @@ std::size_t standardRecordLength(unsigned pointFormat) {
          (hasWaveform(pointFormat) ? waveformSize : 0U);
 }
 
-bool readLayout(std::span<const std::byte> bytes, const std::string& path, LasLayout& layout,
-                std::string& error) {
+std::string headerDamaged(const std::string& path, const std::string& what) {
+  return "The header of \"" + path + "\" is damaged: " + what +
+         ". Fetch the file again, or have the program that wrote it write it again.";
+}
+
+bool hasCompressedPoints(std::span<const std::byte> bytes) {
+  if (!headerProblem(bytes, {}).empty()) return false;
+  if (readAt<std::uint8_t>(&bytes[HeaderAt::pointFormat]) & compressedFormat) return true;
+  LasLayout layout;
+  std::string error;
+  if (!readFrame(bytes, {}, layout, error)) return false;
+  const LasRecord* const record = layout.findRecord(compressionUserId, compressionId);
+  return record && (record->length < 2 || readAt<std::uint16_t>(&bytes[record->data]) != 0);
+}
+
+bool readFrame(std::span<const std::byte> bytes, const std::string& path, LasLayout& layout,
+               std::string& error) {
   error = headerProblem(bytes, path);
   if (!error.empty()) return false;
   const std::byte* const header = bytes.data();
@@ -350,24 +370,30 @@ bool readLayout(std::span<const std::byte> bytes, const std::string& path, LasLa
   layout.headerSize = readAt<std::uint16_t>(header + HeaderAt::headerSize);
   layout.pointOffset = readAt<std::uint32_t>(header + HeaderAt::pointOffset);
   layout.recordLength = readAt<std::uint16_t>(header + HeaderAt::recordLength);
-  const auto format = readAt<std::uint8_t>(header + HeaderAt::pointFormat);
-  layout.pointFormat = format;
+  layout.pointFormat = readAt<std::uint8_t>(header + HeaderAt::pointFormat) & ~unsigned{compressedFormat};
   if (layout.headerSize >= smallestHeader && layout.headerSize <= bytes.size()) {
     layout.points = pointCount(header, layout);
     readAllRecords(bytes, layout);
   }
-  if (isCompressed(layout, format)) {
-    error = "\"" + path +
-            "\" is compressed (LAZ). Decompress it to LAS first, for example with \"laszip -i in.laz -o "
-            "out.las\".";
-    return false;
-  }
   error = numbersProblem(bytes, layout, path);
-  if (error.empty()) error = truncationProblem(bytes.size(), layout, path);
-  if (!error.empty()) return false;
-  addStandardFields(header, layout);
+  return error.empty();
+}
+
+void readFields(std::span<const std::byte> bytes, std::uint64_t pointsEnd, LasLayout& layout) {
+  std::erase_if(layout.records,
+                [&](const LasRecord& record) { return record.extended && record.head < pointsEnd; });
+  addStandardFields(bytes.data(), layout);
   addExtraFields(bytes, layout);
   readClassNames(bytes, layout);
+  findSecondClass(bytes, layout);
+}
+
+bool readLayout(std::span<const std::byte> bytes, const std::string& path, LasLayout& layout,
+                std::string& error) {
+  if (!readFrame(bytes, path, layout, error)) return false;
+  error = truncationProblem(bytes.size(), layout, path);
+  if (!error.empty()) return false;
+  readFields(bytes, layout.pointOffset + layout.points * layout.recordLength, layout);
   return true;
 }
 

@@ -7,8 +7,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Zamt::Host {
@@ -119,6 +121,8 @@ struct LasLayout {
   std::uint64_t points = 0;
   std::size_t classAt = 0;    ///< Bytes from the start of a point record to its class,
   std::uint8_t classMask = 0; ///< and the bits of that byte which hold it; they are the lowest.
+  /// Where points of a compatible file (see LasCompatibility) have their class a second time.
+  std::optional<std::size_t> secondClassAt;
   std::size_t classField = 0; ///< The place of the class in `fields`.
   std::vector<LasField> fields;
   std::vector<LasRecord> records; ///< Those that are sound: the first broken one ends the list.
@@ -126,16 +130,38 @@ struct LasLayout {
   std::uint32_t vlrCount = 0;     ///< How many VLRs are sound.
   std::vector<ClassName> classNames;
 
+  /// The highest class that a point can hold.
+  unsigned highestClass() const { return secondClassAt ? 0xFF : classMask; }
+
+  /// The first record of that user id and id; null if there is none.
+  const LasRecord* findRecord(std::string_view userId, std::uint16_t id) const;
+
   /// The first record of that id that the standard itself defines; null if there is none.
-  const LasRecord* findSpecRecord(std::uint16_t id) const;
+  const LasRecord* findSpecRecord(std::uint16_t id) const { return findRecord(specUserId, id); }
 };
 
 /// The length of the records of a point format (0 to 10) without extra bytes.
 std::size_t standardRecordLength(unsigned pointFormat);
 
-/// Reads the layout of the file with these bytes. False, with a sentence in `error` that names `path`, when
-/// its points can't be read.
+/// Whether the file with these bytes is a LAS file with compressed points, sound or not.
+bool hasCompressedPoints(std::span<const std::byte> bytes);
+
+/// Reads the layout of the LAS file with these bytes. False, with a sentence in `error` that names `path`,
+/// when its points can't be read.
 bool readLayout(std::span<const std::byte> bytes, const std::string& path, LasLayout& layout,
                 std::string& error);
+
+// The same in two steps, for files that differ from LAS in how they store the points.
+
+/// Reads the header and the records, and checks all of them that does not depend on where the points are.
+bool readFrame(std::span<const std::byte> bytes, const std::string& path, LasLayout& layout,
+               std::string& error);
+
+/// Reads what the records say of the points and their classes, those before `pointsEnd` and the ones behind.
+/// An EVLR that reaches into the points is no record.
+void readFields(std::span<const std::byte> bytes, std::uint64_t pointsEnd, LasLayout& layout);
+
+/// What is said of a file whose header can't be true. `what` is the end of a sentence.
+std::string headerDamaged(const std::string& path, const std::string& what);
 
 } // namespace Zamt::Host

@@ -1,10 +1,12 @@
 #include "host/clouds/las/LasWriter.h"
 
 #include "files/AtomicFile.h"
+#include "host/clouds/las/LasCompatibility.h"
+#include "host/clouds/las/LasEdits.h"
+#include "host/clouds/las/classNameRecord.h"
 
-#include <algorithm>
 #include <atomic>
-#include <limits>
+#include <cstring>
 #include <mutex>
 #include <oneapi/tbb/enumerable_thread_specific.h>
 #include <oneapi/tbb/parallel_for.h>
@@ -14,211 +16,61 @@ namespace Zamt::Host {
 
 namespace {
 
-/// Untouched bytes are copied in pieces of at most this many: large enough that a call costs nothing beside
-/// its work, small enough that two threads share the work evenly.
-constexpr std::size_t copySize = std::size_t{8} << 20;
-
-/// Bytes that replace those at a place of the written file.
-struct Patch {
-  std::uint64_t at = 0;
-  std::vector<std::byte> bytes;
-};
-
-/// How the written file differs from the input, beside the classes: room that is inserted at one place, and
-/// bytes that are replaced afterwards.
-struct Changes {
-  std::size_t insertAt = 0;
-  std::size_t inserted = 0;
-  std::vector<Patch> patches;
-};
-
 /// A stretch of the input that is copied; with the classes of one block, when that was changed.
 struct Piece {
-  std::size_t from = 0;
-  std::size_t size = 0;
+  LasStretch stretch;
   std::optional<std::size_t> block;
 };
-
-template <class T>
-Patch patchOf(std::uint64_t at, T value) {
-  Patch patch{at, std::vector<std::byte>(sizeof(T))};
-  writeAt(patch.bytes.data(), value);
-  return patch;
-}
-
-std::string nameProblem(const LasFile& input, const std::vector<ClassName>& names) {
-  const unsigned highest = input.layout.classMask;
-  for (const ClassName& added : names) {
-    if (added.name.size() > longestClassName)
-      return "The class name \"" + added.name + "\" is too long for a LAS file, which holds " +
-             std::to_string(longestClassName) + " bytes. Choose a shorter one.";
-    if (added.number > highest)
-      return "The points of \"" + input.path + "\" can't hold the class " + std::to_string(added.number) +
-             ", the highest is " + std::to_string(highest) + ". Choose a lower number.";
-  }
-  return {};
-}
-
-/// The entry of the lookup record that a class goes to: the one of its number, else an empty one, else one
-/// without a name; the place behind all when there is none.
-std::size_t entryFor(const std::vector<std::byte>& entries, std::uint8_t number) {
-  const std::size_t count = entries.size() / classEntrySize;
-  std::size_t empty = count;
-  std::size_t nameless = count;
-  for (std::size_t i = count; i-- > 0;) {
-    const std::byte* const entry = entries.data() + i * classEntrySize;
-    const bool named = entry[1] != std::byte{0};
-    const auto of = std::to_integer<std::uint8_t>(entry[0]);
-    if (of == number && (named || number != 0)) return i;
-    if (!named && of == 0) empty = i;
-    if (!named) nameless = i;
-  }
-  return empty != count ? empty : nameless;
-}
-
-void enterNames(const std::vector<ClassName>& names, std::vector<std::byte>& entries) {
-  for (const ClassName& added : names) {
-    const std::size_t at = entryFor(entries, added.number) * classEntrySize;
-    if (at >= entries.size()) entries.resize(std::max(at + classEntrySize, classEntries * classEntrySize));
-    std::fill_n(entries.begin() + static_cast<std::ptrdiff_t>(at), classEntrySize, std::byte{0});
-    entries[at] = static_cast<std::byte>(added.number);
-    std::memcpy(&entries[at + 1], added.name.data(), added.name.size());
-  }
-}
-
-/// Moves what the header says of places behind the inserted bytes. False when the points would start further
-/// on than the header can say.
-bool shiftHeader(const LasFile& input, Changes& changes) {
-  const LasLayout& layout = input.layout;
-  const std::byte* const header = input.file->bytes().data();
-  if (layout.pointOffset >= changes.insertAt) {
-    const std::uint64_t moved = layout.pointOffset + changes.inserted;
-    if (moved > std::numeric_limits<std::uint32_t>::max()) return false;
-    changes.patches.push_back(patchOf(HeaderAt::pointOffset, static_cast<std::uint32_t>(moved)));
-  }
-  const auto shift = [&](std::size_t place) {
-    const auto start = readAt<std::uint64_t>(header + place);
-    if (start >= changes.insertAt) changes.patches.push_back(patchOf(place, start + changes.inserted));
-  };
-  if (layout.versionMinor >= 3 && layout.headerSize >= HeaderAt::evlrStart) shift(HeaderAt::waveformStart);
-  if (layout.versionMinor >= 4 && layout.headerSize >= headerOf14) shift(HeaderAt::evlrStart);
-  return true;
-}
-
-/// The head of a lookup record that is added.
-std::vector<std::byte> newRecord(const std::vector<std::byte>& entries) {
-  constexpr std::string_view description = "Classification lookup";
-  std::vector<std::byte> record(vlrHead);
-  std::memcpy(record.data() + 2, specUserId, std::strlen(specUserId));
-  writeAt(record.data() + recordIdAt, classLookupId);
-  writeAt(record.data() + recordLengthAt, static_cast<std::uint16_t>(entries.size()));
-  std::memcpy(record.data() + recordLengthAt + 2, description.data(), description.size());
-  record.insert(record.end(), entries.begin(), entries.end());
-  return record;
-}
-
-/// Adds a lookup record behind the last VLR that is sound. A count that said more than there are is put
-/// right with it: otherwise a reader would take the bytes behind for records as before.
-void addLookup(const LasLayout& layout, const std::vector<ClassName>& names, Changes& changes) {
-  std::vector<std::byte> entries(classEntries * classEntrySize);
-  enterNames(names, entries);
-  std::vector<std::byte> record = newRecord(entries);
-  changes.insertAt = layout.vlrEnd;
-  changes.inserted = record.size();
-  changes.patches.push_back({layout.vlrEnd, std::move(record)});
-  changes.patches.push_back(patchOf(HeaderAt::vlrCount, layout.vlrCount + 1));
-}
-
-/// Enters names into the record that is there, enlarging it when its entries don't suffice.
-bool changeLookup(std::span<const std::byte> bytes, const LasRecord& record,
-                  const std::vector<ClassName>& names, Changes& changes) {
-  const std::size_t whole = record.length / classEntrySize * classEntrySize;
-  std::vector<std::byte> entries(bytes.begin() + static_cast<std::ptrdiff_t>(record.data),
-                                 bytes.begin() + static_cast<std::ptrdiff_t>(record.data + whole));
-  enterNames(names, entries);
-  if (entries.size() > whole) {
-    if (!record.extended && entries.size() > std::numeric_limits<std::uint16_t>::max()) return false;
-    changes.insertAt = record.data + record.length;
-    changes.inserted = entries.size() - std::min(entries.size(), record.length);
-    const std::uint64_t length = std::max(entries.size(), record.length);
-    changes.patches.push_back(
-        record.extended ? patchOf(record.head + recordLengthAt, length)
-                        : patchOf(record.head + recordLengthAt, static_cast<std::uint16_t>(length)));
-  }
-  changes.patches.push_back({record.data, std::move(entries)});
-  return true;
-}
-
-bool planNames(const LasFile& input, const std::vector<ClassName>& names, Changes& changes,
-               std::string& error) {
-  if (names.empty()) return true;
-  const LasRecord* const record = input.layout.findSpecRecord(classLookupId);
-  bool fits = true;
-  if (record)
-    fits = changeLookup(input.file->bytes(), *record, names, changes);
-  else
-    addLookup(input.layout, names, changes);
-  if (fits && (changes.inserted == 0 || shiftHeader(input, changes))) return true;
-  error = "The header of \"" + input.path +
-          "\" has no room for the names of new classes. Write it anew with the program it came from.";
-  return false;
-}
-
-/// Adds the bytes from `from` to `to`, cut into pieces, and at the place where bytes are inserted.
-void addPieces(std::size_t from, std::size_t to, const Changes& changes, std::vector<Piece>& pieces) {
-  while (from < to) {
-    std::size_t end = std::min(to, from + copySize);
-    if (changes.inserted != 0 && from < changes.insertAt) end = std::min(end, changes.insertAt);
-    pieces.push_back({from, end - from, std::nullopt});
-    from = end;
-  }
-}
 
 /// What the pieces of a written file are made from.
 struct Source {
   const LasFile& input;
   const BlockTable& blocks;
   const ClassOverlay& changed;
-  const Changes& changes;
-
-  std::span<const std::byte> bytes() const { return input.file->bytes(); }
+  const LasEdits& edits;
 };
 
 std::vector<Piece> piecesOf(const Source& source) {
   const LasLayout& layout = source.input.layout;
   std::vector<Piece> pieces;
   std::size_t done = 0;
+  const auto copy = [&](std::size_t to) {
+    for (const LasStretch stretch : source.edits.kept(done, to)) pieces.push_back({stretch, std::nullopt});
+  };
   for (std::size_t block = 0; block < source.blocks.size(); ++block) {
     if (source.changed.of(block).empty()) continue;
     const std::size_t start =
         layout.pointOffset + static_cast<std::size_t>(source.blocks.first(block)) * layout.recordLength;
     const std::size_t size = source.blocks.count(block) * layout.recordLength;
-    addPieces(done, start, source.changes, pieces);
-    pieces.push_back({start, size, block});
+    copy(start);
+    pieces.push_back({{start, size}, block});
     done = start + size;
   }
-  addPieces(done, source.bytes().size(), source.changes, pieces);
+  copy(source.input.bytes().size());
   return pieces;
 }
 
 /// The bytes of a block with its classes as changed, in `buffer`.
 void patchBlock(const Source& source, const Piece& piece, std::vector<std::byte>& buffer) {
   const LasLayout& layout = source.input.layout;
-  buffer.resize(piece.size);
-  std::memcpy(buffer.data(), source.bytes().data() + piece.from, piece.size);
-  const auto mask = static_cast<std::byte>(layout.classMask);
-  std::size_t at = layout.classAt;
+  buffer.resize(piece.stretch.size);
+  std::memcpy(buffer.data(), &source.input.bytes()[piece.stretch.from], piece.stretch.size);
+  std::byte* record = buffer.data();
   for (const std::uint8_t number : source.changed.of(*piece.block)) {
-    buffer[at] = (buffer[at] & ~mask) | (static_cast<std::byte>(number) & mask);
-    at += layout.recordLength;
+    if (layout.pointFormat < 6)
+      setPointwiseClass(record, layout.secondClassAt, number);
+    else
+      record[layout.classAt] = static_cast<std::byte>(number);
+    record += layout.recordLength;
   }
 }
 
 /// Writes one piece; `buffer` is room to change it in.
 bool writePiece(const Source& source, const Piece& piece, std::vector<std::byte>& buffer, AtomicFile& file,
                 std::string& error) {
-  const std::uint64_t to = piece.from + (piece.from >= source.changes.insertAt ? source.changes.inserted : 0);
-  if (!piece.block) return file.write(to, source.bytes().subspan(piece.from, piece.size), error);
+  const std::uint64_t to = source.edits.moved(piece.stretch.from);
+  if (!piece.block)
+    return file.write(to, source.input.bytes().subspan(piece.stretch.from, piece.stretch.size), error);
   patchBlock(source, piece, buffer);
   return file.write(to, buffer, error);
 }
@@ -243,16 +95,13 @@ bool writePieces(const Source& source, AtomicFile& file, std::string& error) {
 bool writeLas(const LasFile& input, const BlockTable& blocks, const ClassOverlay& changed,
               const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
               std::string& error) {
-  error = nameProblem(input, addedNames);
-  if (!error.empty()) return false;
-  Changes changes;
-  if (!planNames(input, addedNames, changes, error)) return false;
+  LasEdits edits;
+  if (!enterClassNames(input, addedNames, edits, error)) return false;
+  if (!moveHeaderPlaces(input.bytes(), input.layout, input.path, edits, error)) return false;
   const auto file = AtomicFile::create(path, error, &stop);
-  if (!file || !file->reserve(input.file->bytes().size() + changes.inserted, error)) return false;
-  if (!writePieces({input, blocks, changed, changes}, *file, error)) return false;
-  for (const Patch& patch : changes.patches)
-    if (!file->write(patch.at, patch.bytes, error)) return false;
-  return file->commit(error);
+  return file && file->reserve(edits.moved(input.bytes().size()), error) &&
+         writePieces({input, blocks, changed, edits}, *file, error) && edits.writeAdded(*file, error) &&
+         file->commit(error);
 }
 
 } // namespace Zamt::Host

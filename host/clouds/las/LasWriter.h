@@ -1,29 +1,13 @@
 #pragma once
 
-#include "files/MappedFile.h"
 #include "files/Stop.h"
-#include "host/clouds/ClassName.h"
 #include "host/clouds/ClassOverlay.h"
-#include "host/clouds/las/LasLayout.h"
+#include "host/clouds/las/LasFile.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace Zamt::Host {
-
-/// An open LAS file.
-struct LasFile {
-  std::string path; ///< As the user gave it, for sentences.
-  std::unique_ptr<MappedFile> file;
-  LasLayout layout;
-
-  const std::byte* record(std::uint64_t point) const {
-    return file->bytes().data() + layout.pointOffset + point * layout.recordLength;
-  }
-};
 
 /// Writes a LAS file with other classes, as `CloudFormat::write` asks: the bytes of the input with only the
 /// class bits of the changed blocks patched. Names go into the classification lookup record, which is added

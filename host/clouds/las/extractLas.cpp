@@ -18,6 +18,7 @@ namespace {
 constexpr std::size_t returnAt = 14;
 constexpr unsigned returnMask = 0x07;
 constexpr unsigned longReturnMask = 0x0F;
+constexpr unsigned formatMask = 0x3F;
 constexpr unsigned firstLongFormat = 6;
 constexpr std::size_t legacyReturns = 5;
 constexpr std::size_t returns = 15;
@@ -73,7 +74,13 @@ public:
   }
 
 private:
-  std::span<const std::byte> bytes() const { return input_.file->bytes(); }
+  std::span<const std::byte> bytes() const { return input_.bytes(); }
+
+  /// As the header has them: what is told of the points may be another format, that they stand in for.
+  unsigned versionMinor() const { return std::to_integer<unsigned>(header_[HeaderAt::versionMinor]); }
+  bool hasLongPoints() const {
+    return (std::to_integer<unsigned>(header_[HeaderAt::pointFormat]) & formatMask) >= firstLongFormat;
+  }
 
   /// Moves what the header says of places behind the points. False when records begin inside of them.
   bool movePlaces(std::string& error) {
@@ -85,9 +92,8 @@ private:
       return start <= layout.pointOffset || start >= end_;
     };
     bool good = true;
-    if (layout.versionMinor >= 3 && layout.headerSize >= HeaderAt::evlrStart)
-      good = move(HeaderAt::waveformStart);
-    if (layout.versionMinor >= 4 && layout.headerSize >= headerOf14)
+    if (versionMinor() >= 3 && layout.headerSize >= HeaderAt::evlrStart) good = move(HeaderAt::waveformStart);
+    if (versionMinor() >= 4 && layout.headerSize >= headerOf14)
       good =
           (move(HeaderAt::evlrStart) || readAt<std::uint32_t>(header_.data() + HeaderAt::evlrCount) == 0) &&
           good;
@@ -121,14 +127,16 @@ private:
   /// The records of a block that are kept, in `buffer`.
   Summary gather(std::size_t block, std::vector<std::byte>& buffer) const {
     const LasLayout& layout = input_.layout;
-    const unsigned mask = layout.pointFormat < firstLongFormat ? returnMask : longReturnMask;
+    const unsigned mask = hasLongPoints() ? longReturnMask : returnMask;
     std::vector<std::uint32_t> indices;
     kept_.list(blocks_.first(block), blocks_.count(block), indices);
     buffer.resize(indices.size() * layout.recordLength);
     Summary summary;
     std::byte* to = buffer.data();
+    const std::byte* const records =
+        input_.bytes().data() + layout.pointOffset + blocks_.first(block) * layout.recordLength;
     for (const std::uint32_t index : indices) {
-      const std::byte* const record = input_.record(blocks_.first(block) + index);
+      const std::byte* const record = records + std::size_t{index} * layout.recordLength;
       std::memcpy(to, record, layout.recordLength);
       summary.add(record, mask);
       to += layout.recordLength;
@@ -139,13 +147,12 @@ private:
   void describePoints() {
     const LasLayout& layout = input_.layout;
     std::byte* const header = header_.data();
-    const bool isLegacy =
-        layout.pointFormat < firstLongFormat && points_ <= std::numeric_limits<std::uint32_t>::max();
+    const bool isLegacy = !hasLongPoints() && points_ <= std::numeric_limits<std::uint32_t>::max();
     writeAt(header + HeaderAt::legacyCount, static_cast<std::uint32_t>(isLegacy ? points_ : 0));
     for (std::size_t i = 0; i < legacyReturns; ++i)
       writeAt(header + HeaderAt::legacyByReturn + 4 * i,
               static_cast<std::uint32_t>(isLegacy ? summary_.byReturn[i + 1] : 0));
-    if (layout.versionMinor >= 4 && layout.headerSize >= headerOf14) {
+    if (versionMinor() >= 4 && layout.headerSize >= headerOf14) {
       writeAt(header + HeaderAt::count, points_);
       for (std::size_t i = 0; i < returns; ++i)
         writeAt(header + HeaderAt::byReturn + 8 * i, summary_.byReturn[i + 1]);

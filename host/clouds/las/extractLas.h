@@ -3,7 +3,7 @@
 #include "files/Stop.h"
 #include "host/clouds/BlockTable.h"
 #include "host/clouds/PointMask.h"
-#include "host/clouds/las/LasWriter.h"
+#include "host/clouds/las/LasFile.h"
 
 #include <string>
 

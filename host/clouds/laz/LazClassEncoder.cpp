@@ -1,6 +1,6 @@
 #include "host/clouds/laz/LazClassEncoder.h"
 
-#include "host/clouds/laz/LasCompatibility.h"
+#include "host/clouds/las/LasCompatibility.h"
 #include "host/clouds/laz/PointLayers.h"
 
 #include <algorithm>

@@ -34,8 +34,9 @@ public:
     used = 0;
     current = first.channel & 3U;
     select(current, first);
-    const unsigned returns = table[first.returns].place | table[first.returns].level << 3U;
-    return static_cast<PointContext>(returns | current << 6 | 1U << 15);
+    const unsigned place = table[first.returns].place;
+    const unsigned level = table[first.returns].level;
+    return static_cast<PointContext>(place | level << 3 | current << 6 | 1U << 15);
   }
 
   /// Codes one point and gives its context. X and Y are left out, without losing step, unless `WithXy`.
@@ -66,7 +67,7 @@ public:
       now = channel.last;
     }
     return static_cast<PointContext>(
-        meaning.place | newTime << 2 | meaning.level << 3 | current << 6 |
+        unsigned{meaning.place} | newTime << 2 | unsigned{meaning.level} << 3 | current << 6 |
         contextOfZ(meaning.single, kx, channel.ys.k()) << 8 | (changed & AngleDiffers ? 1U << 13 : 0U) |
         (changed & SourceDiffers ? 1U << 14 : 0U) | (changed & ChannelDiffers ? 1U << 15 : 0U));
   }
@@ -120,7 +121,7 @@ private:
     current = channel;
     if (used >> channel & 1) return;
     used |= 1U << channel;
-    if (!channels[channel]) channels[channel] = std::make_unique<Channel>();
+    if (!channels[channel]) channels[channel] = std::make_unique_for_overwrite<Channel>();
     channels[channel]->seed(point);
     channels[channel]->last.channel = static_cast<std::uint8_t>(channel);
   }

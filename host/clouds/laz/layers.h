@@ -201,7 +201,7 @@ public:
 private:
   [[gnu::noinline]] void select(unsigned channel, Value last) {
     current = channel;
-    if (!layers[channel]) layers[channel] = std::make_unique<Layer>();
+    if (!layers[channel]) layers[channel] = std::make_unique_for_overwrite<Layer>();
     layer = layers[channel].get();
     if ((used >> channel & 1) == 0) layer->seed(last);
     used |= 1U << channel;
@@ -246,7 +246,7 @@ private:
   };
 
   void enter(unsigned given, const Value& last) {
-    if (!channels[given]) channels[given] = std::make_unique<Channel>();
+    if (!channels[given]) channels[given] = std::make_unique_for_overwrite<Channel>();
     channel = channels[given].get();
     if ((used >> given & 1) == 0) {
       channel->item.reset();

@@ -2,7 +2,7 @@
 
 #include "quindle/core/Refusals.h"
 #include "quindle/core/Tree.h"
-#include "quindle/plan/evaluateQuindleExpr.h"
+#include "quindle/plan/unguarded.h"
 
 #include <string>
 #include <vector>
@@ -42,7 +42,7 @@ bool holdsText(const QuindleParam& param) {
 std::optional<bool> decidedByLiterals(const QuindleExpr& condition) {
   bool value = false;
   Diag undecided;
-  if (!evaluateQuindleCondition(condition, {}, {}, {}, value, undecided)) return std::nullopt;
+  if (!Unguarded::evaluateQuindleCondition(condition, {}, {}, {}, value, undecided)) return std::nullopt;
   return value;
 }
 

@@ -8,7 +8,7 @@
 #include "quindle/core/ClassList.h"
 #include "quindle/core/Refusals.h"
 #include "quindle/core/Tree.h"
-#include "quindle/plan/QuindlePlanNode.h"
+#include "quindle/plan/unguarded.h"
 
 #include <string>
 #include <utility>
@@ -71,7 +71,7 @@ private:
   void adviseOnLeaf(const QuindleExpr& expr, const Standing& standing) {
     QuindlePlanNode plan;
     Diag faults;
-    if (!planPredicate(expr, plan, faults, {})) {
+    if (!Unguarded::planPredicate(expr, plan, faults, {})) {
       for (const Diag::Entry& fault : faults.entries) advisor_.warn(fault, fault.message);
       sound_ = false;
       return;

@@ -1,4 +1,4 @@
-#include "host/clouds/laz/LasCompatibility.h"
+#include "host/clouds/las/LasCompatibility.h"
 
 #include <algorithm>
 #include <array>
@@ -70,6 +70,17 @@ std::optional<LasCompatibility> findCompatibility(std::span<const std::byte> ext
   const std::size_t infraredAt = find("LAS 1.4 NIR band", 2);
   if (isWhole) found.infraredAt = infraredAt;
   return found;
+}
+
+std::vector<std::uint8_t> compatibleClasses(const std::byte* records, std::size_t points,
+                                            std::size_t recordLength, std::size_t classAt) {
+  std::vector<std::uint8_t> classes(points);
+  for (std::uint8_t& each : classes) {
+    each = compatibleClass(std::to_integer<std::uint8_t>(records[pointwiseClassAt]),
+                           std::to_integer<std::uint8_t>(records[classAt]));
+    records += recordLength;
+  }
+  return classes;
 }
 
 void setPointwiseClass(std::byte* record, std::optional<std::size_t> compatibleClassAt,

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace Zamt::Host {
 
@@ -35,6 +36,10 @@ std::optional<LasCompatibility> findCompatibility(std::span<const std::byte> ext
 inline std::uint8_t compatibleClass(std::uint8_t classByte, std::uint8_t extraByte) {
   return extraByte != 0 ? extraByte : classByte & 0x1F;
 }
+
+/// The classes of `points` records that lie one after the other.
+std::vector<std::uint8_t> compatibleClasses(const std::byte* records, std::size_t points,
+                                            std::size_t recordLength, std::size_t classAt);
 
 /// Gives a point record of formats 0 to 5 another class, and its second class where it has one. What programs
 /// that read only one of them see stays right.

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "files/Stop.h"
+#include "host/clouds/ClassOverlay.h"
+#include "host/clouds/laz/LazFile.h"
+
+#include <string>
+#include <vector>
+
+namespace Zamt::Host {
+
+/// Writes a LAZ file with other classes, as `CloudFormat::write` asks. Chunks that hold no changed point are
+/// copied, of layered ones with changed points all layers but that of the classes. What moves with them
+/// follows: the chunk table, records behind the points, waveforms, the COPC index.
+bool writeLaz(const LazFile& input, const ClassOverlay& changed, const std::vector<ClassName>& addedNames,
+              const std::string& path, const Stop& stop, std::string& error);
+
+} // namespace Zamt::Host

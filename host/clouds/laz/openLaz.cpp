@@ -1,0 +1,77 @@
+#include "host/clouds/laz/openLaz.h"
+
+#include "host/clouds/laz/LazReader.h"
+#include "host/clouds/laz/LazWriter.h"
+
+#include <utility>
+
+namespace Zamt::Host {
+
+namespace {
+
+class LazCloud : public CloudFormat {
+public:
+  explicit LazCloud(LazFile file) : file_(std::move(file)), about_(describe(file_.layout)) {
+    std::vector<std::uint64_t> starts{0};
+    for (const LazChunk& chunk : file_.chunks.chunks) starts.push_back(chunk.firstPoint + chunk.points);
+    about_.blocks = BlockTable(std::move(starts));
+    if (!file_.copc) return;
+    for (const CopcNode& node : file_.copc->nodes)
+      about_.boxes.push_back(file_.copc->boxOf(node, file_.layout));
+  }
+
+  const CloudDescription& description() const override { return about_; }
+
+  std::unique_ptr<ColumnReader> makeReader() const override { return makeLazReader(file_); }
+
+  bool write(const ClassOverlay& changed, const std::vector<ClassName>& addedNames, const std::string& path,
+             const Stop& stop, std::string& error) const override {
+    return writeLaz(file_, changed, addedNames, path, stop, error);
+  }
+
+private:
+  LazFile file_;
+  CloudDescription about_;
+};
+
+/// Finds the chunks once the frame is read.
+bool readChunks(LazFile& file, std::string& error) {
+  const LasLayout& layout = file.layout;
+  const LasRecord* const record = layout.findRecord(lazUserId, lazRecordId);
+  if (!record || record->extended) {
+    error = "\"" + file.path +
+            "\" is compressed but has no LAZ record, so that its points can't be read. Convert it with the "
+            "program that wrote it, or fetch it again.";
+    return false;
+  }
+  if (layout.pointOffset < layout.headerSize) {
+    error = headerDamaged(file.path, "its points can't start within it");
+    return false;
+  }
+  file.lazRecord = static_cast<std::size_t>(record - layout.records.data());
+  LazPointData data{layout.pointOffset, layout.points, 0};
+  for (const LasRecord& each : layout.records)
+    if (each.extended && data.evlrStart == 0) data.evlrStart = each.head;
+  return readLazFormat(file.bytes().subspan(record->data, record->length), layout.pointFormat,
+                       layout.recordLength, file.path, file.coding, error) &&
+         findLazChunks(file.coding, file.bytes(), data, file.path, file.chunks, error);
+}
+
+} // namespace
+
+std::unique_ptr<const CloudFormat> openLaz(std::unique_ptr<MappedFile> file, const std::string& path,
+                                           std::string& error) {
+  LazFile laz;
+  laz.path = path;
+  laz.file = std::move(file);
+  if (!readFrame(laz.bytes(), path, laz.layout, error) || !readChunks(laz, error)) return nullptr;
+  readFields(laz.bytes(), laz.chunks.end, laz.layout);
+  if (isCopc(laz.layout)) {
+    CopcIndex index;
+    if (!readCopcIndex(laz, laz.chunks.chunks, index, error)) return nullptr;
+    laz.copc = std::move(index);
+  }
+  return std::make_unique<LazCloud>(std::move(laz));
+}
+
+} // namespace Zamt::Host

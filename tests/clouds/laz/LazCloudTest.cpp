@@ -1,0 +1,181 @@
+#include "host/clouds/openCloud.h"
+#include "tests/clouds/CloudFiles.h"
+#include "tests/laz-judge/noticedFiles.h"
+#include "tests/laz-judge/verdicts.h"
+#include "tests/support/readCloud.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace Zamt::Testing {
+namespace {
+
+using ::testing::HasSubstr;
+
+const std::string folder = std::string(QUINDLE_TEST_DATA) + "/laz";
+constexpr std::uint8_t newClass = 29;
+
+using Chosen = std::function<bool(std::uint64_t)>;
+
+class LazCloudTest : public CloudFiles {
+protected:
+  void SetUp() override {
+    if (files.empty()) GTEST_SKIP() << "No compressed clouds at " << folder << ".";
+  }
+
+  std::shared_ptr<Host::PointCloud> open(const std::string& file) {
+    auto cloud = Host::openCloud(file, error);
+    EXPECT_TRUE(cloud) << error;
+    return cloud;
+  }
+
+  /// The bytes that come of putting some points of a file into the new class.
+  std::string edited(const std::string& file, const Chosen& chosen,
+                     const std::vector<Host::ClassName>& names = {}, const std::string& out = "out.laz") {
+    const auto cloud = open(file);
+    if (!cloud) return {};
+    setClasses(*cloud, newClass, chosen);
+    EXPECT_TRUE(cloud->write(names, path(out), goOn, error)) << error;
+    return readFile(path(out));
+  }
+
+  const std::map<std::string, NoticedFile> files = noticedFiles(folder);
+  std::string error;
+};
+
+bool isCompatible(const Laz::LazFile& file) {
+  return std::ranges::any_of(
+      file.records, [](const Laz::LasRecord& record) { return record.userId.starts_with("lascompatible"); });
+}
+
+/// The records of all points with the chosen ones in the new class.
+std::string expectedPoints(const Laz::LazFile& file, const Chosen& chosen) {
+  constexpr std::size_t secondClass = 28 + 3; // of the compatible files that there are
+  std::string points = file.points;
+  for (std::uint64_t i = 0; i < file.count(); ++i) {
+    if (!chosen(i)) continue;
+    char* const record = &points[i * file.recordLength];
+    if (file.layered()) {
+      record[16] = newClass;
+      continue;
+    }
+    record[15] = static_cast<char>((record[15] & 0xE0) | newClass);
+    if (isCompatible(file) && record[secondClass] != 0) record[secondClass] = newClass;
+  }
+  return points;
+}
+
+/// The bytes before the points without those that say where things behind the points are.
+std::string frontWithoutPlaces(const Laz::LazFile& file) {
+  std::string front = file.front;
+  const auto blank = [&](std::size_t at, std::size_t size) { front.replace(at, size, size, '\0'); };
+  if (front[25] >= 3) blank(227, 8);
+  if (front[25] >= 4) blank(235, 12);
+  for (const Laz::LasRecord& record : file.records) {
+    if (record.userId.starts_with("laszip encoded")) blank(record.payloadAt + 24, 8);
+    if (record.userId == "copc" && record.id == 1) blank(record.payloadAt + 40, 8);
+  }
+  return front;
+}
+
+TEST_F(LazCloudTest, OfEveryFileOnlyTheClassesOfChangedPointsDiffer) {
+  const std::pair<std::string, Chosen> edits[] = {
+      {"some", [](std::uint64_t i) { return i % 7 == 3; }},
+      {"one", [](std::uint64_t i) { return i == 0; }},
+      {"all", [](std::uint64_t) { return true; }},
+  };
+  for (const auto& [name, file] : files) {
+    if (file.sum.empty()) continue;
+    const std::string input = readFile(file.path);
+    const Laz::LazFile before = Laz::decodeLaz(input);
+    SCOPED_TRACE(name);
+    EXPECT_TRUE(edited(file.path, [](std::uint64_t) { return false; }) == input);
+    for (const auto& [which, chosen] : edits) {
+      SCOPED_TRACE(which);
+      const std::string output = edited(file.path, chosen);
+      if (before.count() == 0) continue;
+      const Laz::LazFile after = Laz::decodeLaz(output);
+      EXPECT_TRUE(after.points == expectedPoints(before, chosen));
+      EXPECT_TRUE(after.tableUsed);
+      EXPECT_FALSE(after.streamed);
+      EXPECT_TRUE(frontWithoutPlaces(after) == frontWithoutPlaces(before));
+      if (before.tableUsed && !name.starts_with("copc")) {
+        EXPECT_TRUE(after.back == before.back);
+      }
+    }
+  }
+}
+
+TEST_F(LazCloudTest, EveryFieldOfEveryFileReadsAsItDoesInLas) {
+  for (const auto& [name, file] : files) {
+    if (file.sum.empty()) continue;
+    SCOPED_TRACE(name);
+    const Laz::LazFile decoded = Laz::decodeLaz(readFile(file.path));
+    std::string las = decoded.front + decoded.points;
+    las[104] = static_cast<char>(decoded.format);
+    for (const Laz::LasRecord& record : decoded.records)
+      if (record.userId.starts_with("laszip encoded")) las[record.payloadAt] = '\0';
+    if (las[25] >= 4) las.replace(243, 4, 4, '\0'); // no records behind the points
+    const auto plain = open(write("plain.las", las));
+    const auto compressed = open(file.path);
+    ASSERT_EQ(plain->size(), compressed->size());
+    ASSERT_EQ(plain->fields().size(), compressed->fields().size());
+    EXPECT_EQ(plain->highestClass(), compressed->highestClass());
+    for (const Host::Field& field : plain->fields())
+      for (unsigned component = 0; component < field.components; ++component) {
+        const auto expected = readField(*plain, field.name, component);
+        const auto found = readField(*compressed, field.name, component);
+        EXPECT_EQ(std::memcmp(expected.data(), found.data(), expected.size() * sizeof(double)), 0)
+            << field.name; // the bits, since there are values that are no numbers
+      }
+  }
+}
+
+TEST_F(LazCloudTest, WhatCannotBeDecodedEndsInASentenceAndNothingIsWritten) {
+  for (const auto& [name, file] : files) {
+    if (!file.sum.empty()) continue;
+    SCOPED_TRACE(name);
+    const auto cloud = Host::openCloud(file.path, error);
+    if (cloud) {
+      Host::ClassCounts counts;
+      EXPECT_FALSE(Host::countClasses(*cloud, goOn, counts, error));
+    }
+    EXPECT_THAT(error, HasSubstr("\"" + file.path + "\""));
+    EXPECT_TRUE(error.ends_with("."));
+  }
+  EXPECT_TRUE(names().empty());
+}
+
+TEST_F(LazCloudTest, ANewClassNameMovesAllPlacesWithIt) {
+  for (const auto& [name, file] : files) {
+    if (file.sum.empty()) continue;
+    SCOPED_TRACE(name);
+    const Laz::LazFile before = Laz::decodeLaz(readFile(file.path));
+    const std::string output = edited(
+        file.path, [](std::uint64_t i) { return i % 5 == 0; }, {{newClass, "Kiosk"}});
+    const Laz::LazFile after = Laz::decodeLaz(output);
+    EXPECT_TRUE(after.points == expectedPoints(before, [](std::uint64_t i) { return i % 5 == 0; }));
+    const auto again = open(path("out.laz"));
+    ASSERT_FALSE(again->classNames().empty());
+    EXPECT_EQ(again->classNames().back().name, "Kiosk");
+    EXPECT_EQ(after.records[0].userId, before.records[0].userId);
+    if (!before.tableUsed || output[25] < 4) continue;
+    const auto from = numberAt<std::uint64_t>(before.front, 235);
+    if (from >= before.backAt) {
+      EXPECT_EQ(numberAt<std::uint64_t>(after.front, 235) - after.backAt, from - before.backAt);
+    }
+  }
+}
+
+TEST_F(LazCloudTest, OtherReadersAgreeOnWhatIsWritten) {
+  for (const std::string name : {"pf1.laz", "pf3_chunks.laz", "pf6_evlr.laz", "pf7_variable.laz", "pf8_extra3.laz",
+                                 "copc_pf7.copc.laz", "copc_pf7_pages.copc.laz", "copc_pf7_big.copc.laz"}) {
+    SCOPED_TRACE(name);
+    const auto third = [](std::uint64_t i) { return i % 3 == 0; };
+    const std::string output = edited(files.at(name).path, third, {{newClass, "Kiosk"}}, "out." + name);
+    EXPECT_EQ(npmVerdict(path("out." + name)), plainVerdict(output));
+  }
+}
+
+} // namespace
+} // namespace Zamt::Testing
