@@ -57,7 +57,7 @@ Status AnswerPrinter::finish(const Answer& answer) {
 }
 
 void AnswerPrinter::showText(const Part& part, bool isLong) {
-  console_.report(part.diag);
+  console_.report(part.diag, part.source);
   const std::string text = part.text ? part.text() : std::string();
   if (!text.empty() && (!isLong || !showPaged(text))) console_.print(text);
   console_.report(part.remarks);

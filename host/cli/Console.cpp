@@ -1,5 +1,6 @@
 #include "host/cli/Console.h"
 
+#include "host/cli/quotedPlace.h"
 #include "host/cli/shownBytes.h"
 
 #include <fmt/format.h>
@@ -48,8 +49,11 @@ void Console::print(std::string_view text) {
   if (pending_.size() >= flushBytes) flush();
 }
 
-void Console::report(const Diag& diag) {
-  for (const Diag::Entry& entry : diag.entries) complain(entry.severity, shownBytes(entry.format()));
+void Console::report(const Diag& diag, std::string_view source) {
+  for (const Diag::Entry& entry : diag.entries) {
+    complain(entry.severity, shownBytes(entry.format()));
+    if (!source.empty()) writeAll(STDERR_FILENO, quotedPlace(source, entry.line, entry.column));
+  }
 }
 
 void Console::error(const std::string& message) {

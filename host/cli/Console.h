@@ -19,8 +19,8 @@ public:
   void print(std::string_view text);
 
   /// Prints each diagnostic as one line, in its one text form. Bytes that are no UTF-8 are shown by their
-  /// numbers.
-  void report(const Diag& diag);
+  /// numbers. Under those with a place its line of `source` is quoted, unless that is empty.
+  void report(const Diag& diag, std::string_view source = {});
 
   /// Prints an error or a note that belongs to no file.
   void error(const std::string& message);

@@ -27,6 +27,12 @@ run, into a new file.
   quindle run "Underwater ground" lake.las \
       --set water=lake-water.ply -o out.las
 
+A question needs no Quindle. One line counts points, puts them into a class or
+takes them out, and --quindle prints the Quindle that it is, to go on with.
+
+  quindle count 'class("Ground") and neighbours(1) <= 3' lake.las
+  quindle count --quindle 'class("Ground") and neighbours(1) <= 3'
+
 Write one yourself: start from the text of another, check it, and keep it in
 the collection under the name that it gives itself.
 

@@ -39,9 +39,18 @@ StoredColumn BlockReader::obtain(ColumnKey key) {
   if (key.field == cloud_.about_.classField)
     if (const auto changed = cloud_.classes_.of(block_); !changed.empty())
       return {std::as_bytes(changed).data(), 1, FieldType::U8};
+  return obtainStored(key);
+}
+
+StoredColumn BlockReader::obtainStored(ColumnKey key) {
   StoredColumn column;
   if (!failed() && reader_->read(block_, key, column, problem_)) return column;
   return {reinterpret_cast<const std::byte*>(&unreadable), 0, FieldType::F64};
+}
+
+Column BlockReader::storedClasses() {
+  const Field& field = cloud_.classField();
+  return {obtainStored(cloud_.keyOf(field)), field, 0};
 }
 
 Bounds BlockReader::bounds() {

@@ -35,6 +35,11 @@ public:
   Column axis(std::size_t axis) { return column(cloud_.fields()[axis]); } ///< 0 to 2 for X, Y, Z.
   Column classes() { return column(cloud_.classField()); }                ///< As changed in memory.
 
+  /// Whether a class of the block was changed in memory; if so, `storedClasses` are those of the file. They
+  /// are to be asked for once while the reader stays at the block, and only then.
+  bool hasChangedClasses() const { return !cloud_.classes_.of(block_).empty(); }
+  Column storedClasses();
+
   /// The box around the block's points, in world units, worked out once for a cloud and kept.
   Bounds bounds();
 
@@ -44,6 +49,7 @@ public:
 
 private:
   StoredColumn obtain(ColumnKey key);
+  StoredColumn obtainStored(ColumnKey key);
   Bounds measure();
 
   /// A column is that of the block if it was obtained at the present stay.

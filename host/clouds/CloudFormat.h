@@ -7,6 +7,7 @@
 #include "host/clouds/ClassOverlay.h"
 #include "host/clouds/Column.h"
 #include "host/clouds/Field.h"
+#include "host/clouds/PointMask.h"
 
 #include <array>
 #include <cstddef>
@@ -70,6 +71,16 @@ public:
   /// whole or, when false comes with a sentence in `error`, not at all.
   virtual bool write(const ClassOverlay& changed, const std::vector<ClassName>& addedNames,
                      const std::string& path, const Stop& stop, std::string& error) const = 0;
+
+  /// Writes a file of the format with those of the points, as this file has them, that the mask holds, in
+  /// their order, and with all else that the file has. The file at `path`, which may be its own, is replaced
+  /// as a whole or, when false comes with a sentence in `error`, not at all. A format may be unable to.
+  virtual bool extract(const PointMask& /*kept*/, const std::string& path, const Stop& /*stop*/,
+                       std::string& error) const {
+    error = "Points of a cloud in this format can't be written to \"" + path +
+            "\" by themselves. Convert the cloud to LAS first.";
+    return false;
+  }
 };
 
 } // namespace Zamt::Host

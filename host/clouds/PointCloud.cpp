@@ -39,6 +39,11 @@ bool PointCloud::write(const std::vector<ClassName>& addedNames, const std::stri
   return format_->write(classes_, addedNames, path, stop, error);
 }
 
+bool PointCloud::extract(const PointMask& kept, const std::string& path, const Stop& stop,
+                         std::string& error) const {
+  return format_->extract(kept, path, stop, error);
+}
+
 const Bounds* PointCloud::knownBounds(std::size_t block) const {
   if (!about_.boxes.empty()) return &about_.boxes[block];
   return boxes_[block].state.load(std::memory_order_acquire) == KeptBox::Kept ? &boxes_[block].box : nullptr;

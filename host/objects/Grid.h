@@ -3,6 +3,7 @@
 #include "files/Stop.h"
 #include "host/clouds/PointMask.h"
 #include "host/clouds/openCloud.h"
+#include "host/objects/ActionFiles.h"
 
 #include "cadmer/LabelSet.h"
 #include "rethold/Pointer.h"
@@ -42,7 +43,8 @@ struct Grid {
 /// What objects of the graph are given by whoever makes the scene, and which outlives it.
 struct Surroundings {
   const Stop& stop;
-  CloudFormats formats = cloudFormats(); ///< In which clouds are read.
+  CloudFormats formats = cloudFormats();                                ///< In which clouds are read.
+  std::shared_ptr<ActionFiles> files = std::make_shared<ActionFiles>(); ///< Never null.
 };
 
 /// Opens the cloud at `path` with its classes. Null when it can't be used, with a sentence in `problem`.

@@ -1,6 +1,5 @@
 #include "host/objects/PictureDisplay.h"
 
-#include "host/objects/Grid.h"
 #include "host/views/renderCloud.h"
 
 #include "sorbine/VCreator.h"
@@ -11,9 +10,14 @@ namespace Zamt::Host {
 namespace {
 
 class PictureDisplay : public VObject {
+public:
+  explicit PictureDisplay(std::shared_ptr<ActionFiles> files) : files_(std::move(files)) {}
+
+private:
   using GridPtr = Rethold::StrongPtr<Grid>;
   using FieldPtr = Rethold::StrongPtr<FieldHandle>;
 
+  std::shared_ptr<ActionFiles> files_;
   VInput<GridPtr> grid_ = input<GridPtr>("grid", "The cloud to draw.");
   VInput<FieldPtr> mask_ =
       input<FieldPtr>("mask", "The points to draw in front of all others, in the mask colour.");
@@ -37,6 +41,8 @@ class PictureDisplay : public VObject {
     std::string problem;
     if (!grid) {
       problem = "No cloud is attached to draw.";
+    } else if (file_.get().empty()) {
+      problem = "No file was named to draw into.";
     } else {
       View view;
       view.width =
@@ -45,11 +51,14 @@ class PictureDisplay : public VObject {
       view.elevation = elevation_.get();
       view.outlineMask = maskdisplay_.get() == "outline";
       Image image;
-      if (renderCloud(*grid->cloud, mask(), view, grid->stop, image, problem))
-        writePng(image, file_.get(), problem);
+      if (renderCloud(*grid->cloud, mask(), view, grid->stop, image, problem)) write(image, problem);
     }
     problem_.publish(problem);
     status_.publish(problem.empty() ? "Drew " + file_.get() + "." : problem);
+  }
+
+  void write(const Image& image, std::string& problem) {
+    if (files_->dry || writePng(image, file_.get(), problem)) files_->paths.push_back(file_.get());
   }
 
   /// The attached mask, if an editor wrote one for this cloud.
@@ -63,14 +72,15 @@ class PictureDisplay : public VObject {
 
 } // namespace
 
-void registerPictureDisplay() {
-  registerCreator<PictureDisplay>(
+void registerPictureDisplay(const Surroundings& surroundings) {
+  registerCreator(
       "Display", "Picture",
       {.rank = 2000,
        .shortHelp = "Draws a cloud into a PNG file.",
        .longHelp = "Draws every point in the colour of its class, seen from above or from the side, and the "
                    "points of a mask in front of all others.",
-       .accepts = {VAcceptInfo::of<Rethold::StrongPtr<Grid>>("grid")}});
+       .accepts = {VAcceptInfo::of<Rethold::StrongPtr<Grid>>("grid")}},
+      [files = surroundings.files] { return std::make_shared<PictureDisplay>(files); });
 }
 
 } // namespace Zamt::Host

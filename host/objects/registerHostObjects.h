@@ -4,7 +4,8 @@
 
 namespace Zamt::Host {
 
-/// Makes all objects of the headless host known to the graph. Calling it again changes nothing.
+/// Makes all objects of the headless host known to the graph. Called again, objects that are made from then
+/// on get the new surroundings.
 void registerHostObjects(const Surroundings& surroundings);
 
 } // namespace Zamt::Host

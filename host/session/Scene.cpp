@@ -1,8 +1,10 @@
 #include "host/session/Scene.h"
 
+#include "host/clouds/ClassMoves.h"
 #include "host/objects/registerHostObjects.h"
 #include "host/objects/values.h"
 #include "host/session/classNames.h"
+#include "host/views/renderCloud.h"
 
 #include "sorbine/VManagedObject.h"
 #include "sorbine/ValuePool.h"
@@ -51,7 +53,7 @@ bool outsideRange(const QuindleParam& param, const std::string& text) {
 
 Scene::Scene(const Stop& stop, CloudFormats formats) : stop_(stop) {
   VManagedObject::clear();
-  registerHostObjects({stop, formats});
+  registerHostObjects({stop, formats, files_});
   ops_ = std::make_unique<TolvenQuindleOps>(std::make_shared<ValuePool>());
   runtime_ = std::make_unique<QuindleRuntime>(*ops_);
   Diag diag;
@@ -212,16 +214,21 @@ bool Scene::run(const QuindleDocument& document, const std::map<std::string, std
   result = {};
   if (!checkValues(document, values, diag)) return false;
   std::map<std::string, std::string> args = values;
+  if (!supplyAll(document, args, diag)) return false;
+  const bool good = runtime_->run(document, args, preview, result, diag);
+  ops_->settle();
+  return good;
+}
+
+bool Scene::supplyAll(const QuindleDocument& document, std::map<std::string, std::string>& args, Diag& diag) {
   for (const QuindleParam& param : document.params) {
     if (!supply(param, args, diag)) return false;
-    if (param.defaultSource == Source::Brush && region_.empty() && !values.contains(param.name))
+    if (param.defaultSource == Source::Brush && region_.empty() && !args.contains(param.name))
       diag.note(
           "This Quindle works where the user brushes, and nothing was brushed: name a region with --region.",
           document.name);
   }
-  const bool good = runtime_->run(document, args, preview, result, diag);
-  ops_->settle();
-  return good;
+  return true;
 }
 
 std::vector<ClassChange> Scene::changes() const {
@@ -237,7 +244,7 @@ bool Scene::writeCloud(const std::string& path, Diag& diag) {
   std::vector<std::string> shortened;
   std::string problem = "There is no cloud to write.";
   if (!open || !storableClassNames(*open, names, shortened, problem) ||
-      !open->cloud->write(names, path, stop_, problem)) {
+      !(files_->dry || open->cloud->write(names, path, stop_, problem))) {
     diag.error(problem, path);
     return false;
   }
@@ -246,18 +253,20 @@ bool Scene::writeCloud(const std::string& path, Diag& diag) {
 }
 
 bool Scene::addDisplay(Diag& diag) {
-  display_ = ops_->create("Display/Picture", "Picture", diag);
-  return !display_.empty() && ops_->connect(display_, "grid", cloud_, "", diag);
+  const std::string display = ops_->create("Display/Picture", "Picture", diag);
+  return !display.empty() && ops_->connect(display, "grid", cloud_, "", diag);
 }
 
 bool Scene::savePicture(const std::string& path, Diag& diag) {
-  if (!ops_->setParam(display_, "file", path, diag) || !ops_->fireAction(display_, "save", diag))
-    return false;
-  ops_->settle();
-  std::string problem;
-  ops_->getParam(display_, "problem", problem, diag);
-  if (!problem.empty()) diag.error(problem, path);
-  return problem.empty();
+  const Rethold::StrongPtr<Grid> open = grid();
+  std::string problem = "There is no cloud to draw.";
+  ClassMoves moves;
+  Image image;
+  if (open && findClassMoves(*open->cloud, stop_, moves, problem) &&
+      renderCloud(*open->cloud, &moves.mask, {}, stop_, image, problem) && writePng(image, path, problem))
+    return true;
+  diag.error(problem, path);
+  return false;
 }
 
 } // namespace Zamt::Host

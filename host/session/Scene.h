@@ -6,11 +6,13 @@
 #include "host/session/SceneTurn.h"
 #include "quindle/core/Diag.h"
 #include "quindle/core/QuindleDocument.h"
+#include "quindle/plan/compileSelect.h"
 #include "quindle/runtime/QuindleRuntime.h"
 #include "quindle/scene/TolvenQuindleOps.h"
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -47,17 +49,26 @@ public:
   bool run(const QuindleDocument& document, const std::map<std::string, std::string>& values, bool preview,
            QuindleRunResult& result, Diag& diag);
 
+  /// Works out which points of the open cloud the condition of the first step of `document`, a "select",
+  /// holds for, within what the scene is kept to. Nothing but that step is looked at, and it is compiled
+  /// once: a scene is asked for the points of one document only.
+  bool select(const QuindleDocument& document, const std::map<std::string, std::string>& values,
+              PointMask& kept, Diag& diag);
+
   /// What the editors of the last run changed, or would have, one entry for each that selected points.
   std::vector<ClassChange> changes() const;
 
-  /// Writes the open cloud with the classes as they are now. False with an error in `diag`, and nothing
-  /// written, on failure; notes in `diag` say what the file could not hold as it was.
+  /// Writes the open cloud with the classes as they are now, if the run is not dry. False with an error in
+  /// `diag`, and nothing written, on failure; notes in `diag` say what the file could not hold as it was.
   bool writeCloud(const std::string& path, Diag& diag);
+
+  /// Whether what runs may write files, and which ones its actions wrote. To be set before a cloud is opened.
+  ActionFiles& files() { return *files_; }
 
   /// Adds a display of the cloud, so that a preview has something to show its selection on.
   bool addDisplay(Diag& diag);
 
-  /// Draws that display into a PNG file.
+  /// Draws the open cloud into a PNG file, the points whose class was changed in front, dry or not.
   bool savePicture(const std::string& path, Diag& diag);
 
   /// The open cloud; null if there is none.
@@ -67,6 +78,16 @@ public:
   QuindleRuntime& runtime() { return *runtime_; }
 
 private:
+  /// The end of what a condition was compiled into, and what gets values of parameters.
+  struct Chain {
+    std::string end;
+    std::vector<QuindleBinding> bindings;
+  };
+
+  bool supplyAll(const QuindleDocument& document, std::map<std::string, std::string>& args, Diag& diag);
+  bool compileCondition(const QuindleDocument& document, Diag& diag);
+  bool bindCondition(const QuindleDocument& document, const std::map<std::string, std::string>& args,
+                     Diag& diag);
   bool checkValues(const QuindleDocument& document, const std::map<std::string, std::string>& values,
                    Diag& diag) const;
   bool supply(const QuindleParam& param, std::map<std::string, std::string>& args, Diag& diag);
@@ -76,13 +97,14 @@ private:
 
   SceneTurn turn_; ///< Before and behind all that touches the graph.
   const Stop& stop_;
+  std::shared_ptr<ActionFiles> files_ = std::make_shared<ActionFiles>();
   std::unique_ptr<TolvenQuindleOps> ops_;
   std::unique_ptr<QuindleRuntime> runtime_;
   std::string cloud_;                       ///< The name of the cloud's object.
   std::string region_;                      ///< The name of the region's object; empty if none was named.
   std::string brush_;                       ///< What selections start from; empty for what the runtime finds.
-  std::string display_;                     ///< Likewise of the display.
   std::map<std::string, std::string> made_; ///< Objects made for parameter values, by what they stand for.
+  std::optional<Chain> chain_;              ///< Of `select`.
   LabelSet compiledFor_;                    ///< The classes that the cached programs were compiled with.
 };
 

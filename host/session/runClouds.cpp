@@ -1,25 +1,29 @@
 #include "host/session/runClouds.h"
 
+#include "host/clouds/ClassMoves.h"
 #include "host/clouds/StandardClasses.h"
 #include "host/objects/Grid.h"
-#include "host/session/Collection.h"
-#include "host/session/Scene.h"
+#include "host/session/JobScene.h"
 
-#include <oneapi/tbb/global_control.h>
-
-#include <optional>
+#include <set>
 #include <utility>
 
 namespace Zamt::Host {
 
 namespace {
 
-void collectNames(const PointCloud& cloud, Outcome& outcome) {
+std::string nameOf(const Grid& grid, std::uint8_t number) {
+  const auto label = grid.labels.labels.find(number);
+  return label == grid.labels.labels.end() ? nameOfClass(*grid.cloud, number) : label->second.name;
+}
+
+void collectNames(const Grid& grid, Outcome& outcome) {
+  std::set<std::uint8_t> numbers;
   for (const ClassChange& change : outcome.changes)
     for (unsigned number = 0; number < change.from.size(); ++number)
-      if (change.from[number] != 0)
-        outcome.classNames[static_cast<std::uint8_t>(number)] =
-            nameOfClass(cloud, static_cast<std::uint8_t>(number));
+      if (change.from[number] != 0) numbers.insert(static_cast<std::uint8_t>(number));
+  for (const ClassMove& move : outcome.moves) numbers.insert({move.from, move.to});
+  for (const std::uint8_t number : numbers) outcome.classNames[number] = nameOf(grid, number);
 }
 
 /// The clouds of one job, in a scene that is ready for them.
@@ -31,7 +35,9 @@ public:
     for (std::size_t i = 0; i < job_.clouds.size() && !watch_.stop.requested(); ++i) {
       const JobCloud& cloud = job_.clouds[i];
       if (watch_.progress) watch_.progress(cloud.file, i, job_.clouds.size());
-      Outcome outcome{cloud.file, cloud.output.empty(), {}, false, {}, {}, {}};
+      Outcome outcome;
+      outcome.cloud = cloud.file;
+      outcome.preview = cloud.output.empty();
       Diag diag;
       runOne(cloud, outcome, diag);
       if (watch_.stop.requested() && !outcome.ok) {
@@ -46,19 +52,36 @@ public:
 private:
   /// Keeps what came of it in `outcome`; writes if there is an output.
   void runOne(const JobCloud& cloud, Outcome& outcome, Diag& diag) {
-    const bool draws = !job_.picture.empty();
+    scene_.files() = {outcome.preview, {}};
     if (!scene_.openCloud(cloud.file, job_.document, diag)) return;
-    if (draws && !scene_.addDisplay(diag)) return;
     QuindleRunResult result;
-    const bool good = scene_.run(job_.document, job_.values, outcome.preview, result, diag);
+    const bool good = scene_.run(job_.document, job_.values, false, result, diag);
     outcome.report = result.report;
+    outcome.files = scene_.files().paths;
     if (!good || watch_.stop.requested()) return;
     outcome.changes = scene_.changes();
-    collectNames(*scene_.grid()->cloud, outcome);
-    if (!outcome.preview && !scene_.writeCloud(cloud.output, diag)) return;
-    if (draws && !scene_.savePicture(job_.picture, diag)) return;
+    if (!compareClasses(outcome, diag) ||
+        !scene_.writeCloud(outcome.preview ? cloud.file : cloud.output, diag) ||
+        !(job_.picture.empty() || scene_.savePicture(job_.picture, diag)))
+      return;
     outcome.output = outcome.preview ? job_.picture : cloud.output;
     outcome.ok = true;
+  }
+
+  /// Finds out which classes went where.
+  bool compareClasses(Outcome& outcome, Diag& diag) {
+    const Rethold::StrongPtr<Grid> grid = scene_.grid();
+    ClassMoves moves;
+    std::string problem;
+    if (!findClassMoves(*grid->cloud, watch_.stop, moves, problem)) {
+      diag.error(problem, outcome.cloud);
+      return false;
+    }
+    outcome.points = grid->cloud->size();
+    for (const auto& [move, points] : moves.points)
+      outcome.moves.push_back({move.first, move.second, points});
+    collectNames(*grid, outcome);
+    return true;
   }
 
   const Job& job_;
@@ -69,13 +92,9 @@ private:
 } // namespace
 
 bool runClouds(const Job& job, const JobWatch& watch, std::string& problem) {
-  std::optional<tbb::global_control> limit;
-  if (job.threads != 0) limit.emplace(tbb::global_control::max_allowed_parallelism, job.threads);
-  Scene scene(watch.stop);
-  if (!job.region.empty() && !scene.setRegion(job.region, problem)) return false;
-  scene.runtime().resolver = collectionResolver(job.document.sourceFile);
-  if (!job.classes.empty()) scene.setClasses(job.classes);
-  JobRun(job, watch, scene).runAll();
+  JobScene session(job, watch.stop);
+  if (!session.prepare(problem)) return false;
+  JobRun(job, watch, session.scene()).runAll();
   return true;
 }
 

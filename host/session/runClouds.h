@@ -31,6 +31,13 @@ struct Job {
   std::string picture; ///< A PNG file to draw a preview into; empty for none.
 };
 
+/// How many points went from one class to another.
+struct ClassMove {
+  std::uint8_t from = 0;
+  std::uint8_t to = 0;
+  std::uint64_t points = 0;
+};
+
 /// What the run on one cloud came to.
 struct Outcome {
   std::string cloud;
@@ -38,8 +45,11 @@ struct Outcome {
   std::string output; ///< What was written or drawn; empty for nothing.
   bool ok = false;
   std::vector<std::string> report;
-  std::vector<ClassChange> changes;
-  std::map<std::uint8_t, std::string> classNames; ///< Of the classes that points come from.
+  std::uint64_t points = 0;         ///< Of the cloud.
+  std::vector<ClassChange> changes; ///< Of each editor, as it selected last.
+  std::vector<ClassMove> moves;     ///< From the file's classes to those at the end, in the order of both.
+  std::vector<std::string> files;   ///< That actions wrote, or would have in a preview.
+  std::map<std::uint8_t, std::string> classNames; ///< Of the classes that points come from and go to.
 };
 
 /// Who is told what a job does.
@@ -50,8 +60,9 @@ struct JobWatch {
   std::function<void(Outcome, Diag)> finished;
 };
 
-/// Runs a Quindle on each cloud in turn, or previews it. A cloud that fails is not written, and the next ones
-/// still run. False with a sentence in `problem`, and nothing done, when the region can't be used.
+/// Runs a Quindle on each cloud in turn. A preview is a run that does all in memory, its actions included,
+/// and writes nothing but the picture. A cloud that fails is not written, and the next ones still run. False
+/// with a sentence in `problem`, and nothing done, when the region can't be used.
 bool runClouds(const Job& job, const JobWatch& watch, std::string& problem);
 
 } // namespace Zamt::Host

@@ -25,6 +25,7 @@ struct Part {
   std::function<std::string()> text; ///< For people: whole lines with their ends, or nothing. May be null.
   std::function<Data()> data;        ///< For programs: the fields that the verb's help names, or null.
   Diag remarks;                      ///< What only people are told, behind the text.
+  std::string source{};              ///< The text that the places in `diag` are in, if it is to be quoted.
 };
 
 /// Keeps what was found out, and makes of it a text by `textOf(value)` and data by `dataOf(value)`.

@@ -28,7 +28,9 @@ std::vector<Option> previewOptions() {
 Verb previewVerb() {
   return {.name = "preview",
           .summary = "Say what a Quindle would change, and write nothing.",
-          .footer = "Example:\n  quindle preview examples/isolated-noise.quindle lake.las --set radius=3",
+          .footer = "It is a run in memory: every step sees what the ones before it did, and files that "
+                    "actions would write are named.\nExample:\n  quindle preview "
+                    "examples/isolated-noise.quindle lake.las --set radius=3",
           .options = previewOptions(),
           .listName = "clouds",
           .run = preview};

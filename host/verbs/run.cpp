@@ -1,4 +1,3 @@
-#include "host/session/OutputPlan.h"
 #include "host/verbs/runJob.h"
 #include "host/verbs/verbs.h"
 
@@ -7,29 +6,15 @@ namespace Zamt::Host {
 namespace {
 
 Answer run(const Request& request, const Context& context) {
-  const std::vector<std::string>& files = request.texts("cloud");
-  std::vector<std::string> outputs;
-  std::string problem;
-  const OutputPlan planned =
-      planOutputs({files, request.text("output"), request.flag("in-place")}, outputs, problem);
-  if (planned != OutputPlan::Good)
-    return refused(planned == OutputPlan::Senseless ? Status::Usage : Status::Failed, problem);
   Job job;
-  for (std::size_t i = 0; i < files.size(); ++i) job.clouds.push_back({files[i], outputs[i]});
-  return runJob(request, std::move(job), context);
+  std::string problem;
+  const Status planned = readOutputs(request, job, problem);
+  return planned == Status::Done ? runJob(request, std::move(job), context) : refused(planned, problem);
 }
 
 std::vector<Option> runOptions() {
   std::vector<Option> options = jobOptions();
-  options.push_back(
-      {.name = "output",
-       .help = "Where to write: a file, or a directory that is there, which several clouds need.",
-       .placeholder = "OUT",
-       .letter = 'o'});
-  options.push_back({.name = "in-place",
-                     .kind = Option::Kind::Flag,
-                     .help = "Write each cloud over itself.",
-                     .excludes = {"output"}});
+  for (Option& option : outputOptions(true)) options.push_back(std::move(option));
   return options;
 }
 

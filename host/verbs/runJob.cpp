@@ -1,12 +1,15 @@
 #include "host/verbs/runJob.h"
 
 #include "host/regions/Region.h"
+#include "host/session/OutputPlan.h"
 #include "host/verbs/options.h"
 #include "host/verbs/texts.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <utility>
 
@@ -59,25 +62,41 @@ bool readSettings(const std::vector<std::string>& settings, std::map<std::string
   return true;
 }
 
-std::string classText(unsigned number, const std::string& name) {
-  return name.empty() ? fmt::format("class {}", number) : fmt::format("class {} ({})", number, name);
+/// Puts blanks in front of numbers, so that they end in one column.
+void alignRight(std::vector<std::vector<std::string>>& rows, std::size_t column) {
+  std::size_t width = 0;
+  for (const auto& row : rows) width = std::max(width, row[column].size());
+  for (auto& row : rows) row[column].insert(0, width - row[column].size(), ' ');
 }
 
-std::string changeText(const ClassChange& change, const Outcome& outcome) {
-  std::string text =
-      fmt::format("  {} of {} {} to {}\n", grouped(change.modified), countOf(change.considered, "point"),
-                  outcome.preview ? "would go" : "went", classText(change.target, change.targetName));
-  for (const auto& [number, name] : outcome.classNames)
-    if (change.from[number] != 0)
-      text += fmt::format("    {:>12} from {}\n", grouped(change.from[number]), classText(number, name));
+/// Which classes went where, a row each.
+std::string movesText(const Outcome& outcome) {
+  if (outcome.moves.empty()) return {};
+  const auto classText = [&](std::uint8_t number) {
+    const std::string& name = outcome.classNames.at(number);
+    return name.empty() ? fmt::format("{}", number) : fmt::format("{} {}", number, name);
+  };
+  std::vector<std::vector<std::string>> rows;
+  for (const ClassMove& move : outcome.moves)
+    rows.push_back({classText(move.from), classText(move.to), grouped(move.points)});
+  alignRight(rows, 2);
+  std::istringstream lines(tableText({"FROM", "TO", "POINTS"}, rows));
+  std::string text;
+  for (std::string line; std::getline(lines, line);) text += "    " + line + '\n';
   return text;
 }
 
 std::string outcomeText(const Outcome& outcome) {
   std::string text = outcome.cloud + '\n';
   for (const std::string& line : outcome.report) text += "  " + line + '\n';
+  for (const std::string& file : outcome.files)
+    text += fmt::format("  {} {}\n", outcome.preview ? "would write" : "wrote", file);
   if (!outcome.ok) return text;
-  for (const ClassChange& change : outcome.changes) text += changeText(change, outcome);
+  std::uint64_t moved = 0;
+  for (const ClassMove& move : outcome.moves) moved += move.points;
+  text += fmt::format("  {} of {} {}\n", grouped(moved), countOf(outcome.points, "point"),
+                      outcome.preview ? "would change" : "changed");
+  text += movesText(outcome);
   if (outcome.output.empty()) return text;
   return text + (outcome.preview ? "  drawn in " : "  written to ") + outcome.output + '\n';
 }
@@ -94,68 +113,122 @@ Data changeData(const ClassChange& change, const Outcome& outcome) {
                 {"from", std::move(from)}};
 }
 
+Data moveData(const ClassMove& move, const Outcome& outcome) {
+  return Fields{{"from", move.from},
+                {"fromName", outcome.classNames.at(move.from)},
+                {"to", move.to},
+                {"toName", outcome.classNames.at(move.to)},
+                {"points", move.points}};
+}
+
 Data outcomeData(const Outcome& outcome) {
   const auto dataOf = [&outcome](const ClassChange& change) { return changeData(change, outcome); };
+  const auto dataOfMove = [&outcome](const ClassMove& move) { return moveData(move, outcome); };
   return Fields{{"file", outcome.cloud},
                 {"ok", outcome.ok},
                 {"report", Data::list(outcome.report)},
                 {"changes", Data::list(outcome.changes, dataOf)},
+                {"moves", Data::list(outcome.moves, dataOfMove)},
+                {"files", Data::list(outcome.files)},
                 {"output", outcome.output}};
 }
 
 } // namespace
 
-std::vector<Option> jobOptions() {
-  return {
-      quindleArgument(),
-      {.name = "cloud",
-       .kind = Option::Kind::Texts,
-       .help = "The clouds: LAS files, each worked on by itself.",
-       .placeholder = "CLOUD",
-       .argument = true,
-       .required = true},
-      {.name = "set",
-       .kind = Option::Kind::Texts,
-       .help = "Give a parameter its value. May be written several times. See \"quindle help values\".",
-       .placeholder = "NAME=VALUE"},
-      {.name = "region",
-       .help = "Where points may change: a box of four or six numbers, a polygon as WKT or GeoJSON, or @FILE "
-               "with one of these in it. See \"quindle help regions\".",
-       .placeholder = "REGION"},
-      {.name = "classes",
-       .help = "The only classes whose points may change: names or numbers, separated by commas.",
-       .placeholder = "CLASSES"},
-      {.name = "threads",
-       .kind = Option::Kind::Number,
-       .help = fmt::format("How many threads to use, at most {}. As many as the machine has if left out.",
-                           maxThreads),
-       .placeholder = "N",
-       .least = 1,
-       .most = maxThreads},
-      jsonOption("Print JSON: \"clouds\" with file, ok, report, output and changes (class, name, considered, "
-                 "modified, from) of each, and \"diagnostics\".")};
+std::vector<Option> cloudOptions() {
+  return {{.name = "cloud",
+           .kind = Option::Kind::Texts,
+           .help = "The clouds: LAS files, each worked on by itself.",
+           .placeholder = "CLOUD",
+           .argument = true,
+           .required = true},
+          {.name = "set",
+           .kind = Option::Kind::Texts,
+           .help = "Give a parameter its value. May be written several times. See \"quindle help values\".",
+           .placeholder = "NAME=VALUE"},
+          {.name = "region",
+           .help = "Where to work: a box of four or six numbers, a polygon as WKT or GeoJSON, or @FILE "
+                   "with one of these in it. See \"quindle help regions\".",
+           .placeholder = "REGION"},
+          {.name = "classes",
+           .help = "The only classes whose points are looked at: names or numbers, separated by commas.",
+           .placeholder = "CLASSES"},
+          {.name = "threads",
+           .kind = Option::Kind::Number,
+           .help = fmt::format("How many threads to use, at most {}. As many as the machine has if left out.",
+                               maxThreads),
+           .placeholder = "N",
+           .least = 1,
+           .most = maxThreads}};
 }
 
-Answer runJob(const Request& request, Job job, const Context& context) {
-  std::string problem;
-  if (!readRegionText(request.text("region"), job.region, problem) ||
-      !readSettings(request.texts("set"), job.values, problem))
-    return refused(Status::Usage, problem);
-  Diag diag;
-  if (!context.quindles.load(request.text("quindle"), job.document, diag))
-    return answerOf({std::move(diag), {}, {}, {}});
+std::vector<Option> outputOptions(bool inPlace) {
+  std::vector<Option> options;
+  options.push_back(
+      {.name = "output",
+       .help = "Where to write: a file, or a directory that is there, which several clouds need.",
+       .placeholder = "OUT",
+       .letter = 'o'});
+  if (inPlace)
+    options.push_back({.name = "in-place",
+                       .kind = Option::Kind::Flag,
+                       .help = "Write each cloud over itself.",
+                       .excludes = {"output"}});
+  return options;
+}
+
+Option outcomesJsonOption() {
+  return jsonOption(
+      "Print JSON: \"clouds\" with file, ok, report, output, changes (class, name, considered, modified, "
+      "from), moves (from, fromName, to, toName, points) and files (that actions write) of each, and "
+      "\"diagnostics\".");
+}
+
+std::vector<Option> jobOptions() {
+  std::vector<Option> options{quindleArgument()};
+  for (Option& option : cloudOptions()) options.push_back(std::move(option));
+  options.push_back(outcomesJsonOption());
+  return options;
+}
+
+bool readJob(const Request& request, Job& job, std::string& problem) {
   job.classes = request.text("classes");
   job.threads = static_cast<unsigned>(request.number("threads", 0));
-  Answer answer;
-  context.deliver(answer, {{}, {}, {}, std::move(diag)});
+  return readRegionText(request.text("region"), job.region, problem) &&
+         readSettings(request.texts("set"), job.values, problem);
+}
+
+Status readOutputs(const Request& request, Job& job, std::string& problem) {
+  const std::vector<std::string>& files = request.texts("cloud");
+  std::vector<std::string> outputs;
+  const OutputPlan planned =
+      planOutputs({files, request.text("output"), request.flag("in-place")}, outputs, problem);
+  if (planned != OutputPlan::Good) return planned == OutputPlan::Senseless ? Status::Usage : Status::Failed;
+  for (std::size_t i = 0; i < files.size(); ++i) job.clouds.push_back({files[i], outputs[i]});
+  return Status::Done;
+}
+
+Answer carryOut(const Job& job, const Context& context, Answer answer) {
   const auto finished = [&](Outcome outcome, Diag said) {
     if (!outcome.ok) answer.status = Status::Failed;
     context.deliver(answer, partOf(std::move(said), std::move(outcome), outcomeText, outcomeData));
   };
+  std::string problem;
   if (!runClouds(job, {context.stop, context.progress, finished}, problem))
     return refused(Status::Usage, problem);
   if (context.stop.requested()) answer.status = Status::Failed;
   return answer;
+}
+
+Answer runJob(const Request& request, Job job, const Context& context) {
+  std::string problem;
+  if (!readJob(request, job, problem)) return refused(Status::Usage, problem);
+  Diag diag;
+  if (!context.quindles.load(request.text("quindle"), job.document, diag))
+    return answerOf({std::move(diag), {}, {}, {}});
+  Answer answer;
+  context.deliver(answer, {{}, {}, {}, std::move(diag)});
+  return carryOut(job, context, std::move(answer));
 }
 
 } // namespace Zamt::Host

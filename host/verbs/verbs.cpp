@@ -12,6 +12,7 @@ std::vector<Verb> allVerbs() {
   const std::vector<Group> groups{
       {"Clouds", {sampleVerb, infoVerb}},
       {"Run a Quindle on clouds", {previewVerb, runVerb}},
+      {"Say in one line which points", {countVerb, classifyVerb, extractVerb}},
       {"Write a Quindle", {checkVerb, fmtVerb, explainVerb, planVerb}},
       {"Keep Quindles in the collection",
        {listVerb, searchVerb, showVerb, saveVerb, deleteVerb, enableVerb, disableVerb, keysVerb}},

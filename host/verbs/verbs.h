@@ -12,11 +12,14 @@ std::vector<Verb> allVerbs();
 /// @{
 /// Each describes one verb; all of it but the group, which `allVerbs` adds.
 Verb checkVerb();
+Verb classifyVerb();
 Verb conditionsVerb();
+Verb countVerb();
 Verb deleteVerb();
 Verb disableVerb();
 Verb enableVerb();
 Verb explainVerb();
+Verb extractVerb();
 Verb fmtVerb();
 Verb infoVerb();
 Verb keysVerb();

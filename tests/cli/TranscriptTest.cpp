@@ -124,6 +124,7 @@ INSTANTIATE_TEST_SUITE_P(, Transcript,
                          testing::Values("docs/tutorial.md", "tests/cli/transcripts/check-and-plan.md",
                                          "tests/cli/transcripts/collection.md",
                                          "tests/cli/transcripts/fmt.md", "tests/cli/transcripts/lookup.md",
+                                         "tests/cli/transcripts/one-line.md",
                                          "tests/cli/transcripts/real-clouds.md",
                                          "tests/cli/transcripts/run.md", "tests/cli/transcripts/usage.md"),
                          [](const auto& document) {

@@ -96,7 +96,6 @@ TEST_F(HostSceneTest, ARunComesToTheSameOnAnyFormatAndWritesWhatItChanged) {
   const std::string file = sample(60000);
   Diag diag;
   open(file, doc);
-  ASSERT_TRUE(scene.addDisplay(diag)) << diag.format();
   const std::vector<std::string> report = run(doc);
   EXPECT_NE(report, std::vector<std::string>{"0"});
   ASSERT_TRUE(scene.writeCloud(path("out.las"), diag) && scene.savePicture(path("las.png"), diag))

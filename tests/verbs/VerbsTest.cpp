@@ -71,10 +71,21 @@ TEST_F(VerbsTest, EachAnswersWithoutATerminalInWordsAndInTheDataThatItsHelpNames
   const std::vector<Call> calls{
       {"sample", {{"out", lake[0]}, {"points", std::uint64_t{3000}}}, "3,000 points of hills"},
       {"info", {{"cloud", lake}}, "lake.las: LAS 1.4, point format 6, 3,000 points\n"},
-      {"preview", {{"quindle", mine[0]}, {"cloud", lake}}, " would go to class 9 (Water)\n"},
+      {"preview", {{"quindle", mine[0]}, {"cloud", lake}}, "  9 Water  "},
       {"run",
        {{"quindle", mine[0]}, {"cloud", lake}, {"output", path("out.las")}},
        "  written to " + path("out.las") + '\n'},
+      {"count", {{"condition", std::string("class(\"Ground\")")}, {"cloud", lake}}, " of 3,000 points\n"},
+      {"classify",
+       {{"condition", std::string("Z > 400")},
+        {"into", std::string("into")},
+        {"class", std::string("Rail")},
+        {"cloud", lake},
+        {"output", path("out.las")}},
+       "  10 Rail  "},
+      {"extract",
+       {{"condition", std::string("Z > 400")}, {"cloud", lake}, {"output", path("out.las")}},
+       " points, written to " + path("out.las") + '\n'},
       {"check", {{"quindle", mine}}, "my.quindle: no faults\n"},
       {"fmt", {{"quindle", mine}}, "\n    on run {\n        select class(\"Ground\")\n"},
       {"explain", {{"quindle", mine[0]}}, "Mine"},
@@ -141,7 +152,7 @@ TEST_F(VerbsTest, PartsAreHandedOnAsTheyComeAndAStopLetsNoneFollow) {
   EXPECT_EQ(answer.status, Status::Failed);
   EXPECT_TRUE(answer.parts.empty());
   ASSERT_EQ(shown.size(), 2U);
-  EXPECT_THAT(shown[0], HasSubstr("would go to"));
+  EXPECT_THAT(shown[0], HasSubstr("would change"));
   EXPECT_EQ(shown[1], "none\n");
   EXPECT_EQ(progress, (Texts{lake + " 0/3", "none 1/3"}));
 }

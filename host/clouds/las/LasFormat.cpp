@@ -2,6 +2,7 @@
 
 #include "host/clouds/las/LasCompatibility.h"
 #include "host/clouds/las/LasWriter.h"
+#include "host/clouds/las/extractLas.h"
 
 #include <utility>
 #include <vector>
@@ -50,6 +51,11 @@ public:
   bool write(const ClassOverlay& changed, const std::vector<ClassName>& addedNames, const std::string& path,
              const Stop& stop, std::string& error) const override {
     return writeLas(file_, about_.blocks, changed, addedNames, path, stop, error);
+  }
+
+  bool extract(const PointMask& kept, const std::string& path, const Stop& stop,
+               std::string& error) const override {
+    return extractLas(file_, about_.blocks, kept, path, stop, error);
   }
 
 private:
