@@ -13,9 +13,12 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Zamt::Host {
+
+class LasSource;
 
 /// What a file says of its points. Never changes once the file is open.
 struct CloudDescription {
@@ -70,6 +73,12 @@ public:
   /// whole or, when false comes with a sentence in `error`, not at all.
   virtual bool write(const ClassOverlay& changed, const std::vector<ClassName>& addedNames,
                      const std::string& path, const Stop& stop, std::string& error) const = 0;
+
+  /// How names of files of this format end, beginning with a point; empty if that is of no matter.
+  virtual std::string_view ending() const { return {}; }
+
+  /// What writers of other formats need of a file that is laid out as LAS; null for any other.
+  virtual const LasSource* source() const { return nullptr; }
 };
 
 } // namespace Zamt::Host

@@ -54,7 +54,7 @@ public:
   /// then tells.
   void setClass(BlockReader& reader, std::span<const std::uint32_t> indices, std::uint8_t number);
 
-  /// Writes the file with its classes as changed to `path`, as `CloudFormat::write` does.
+  /// Writes the file with its classes as changed to `path`, as `writeCloud` does.
   bool write(const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
              std::string& error) const;
 
