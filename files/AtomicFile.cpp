@@ -1,6 +1,5 @@
 #include "files/AtomicFile.h"
 
-#include "files/Interruption.h"
 #include "files/Stop.h"
 #include "files/temporaryName.h"
 
@@ -124,7 +123,7 @@ AtomicFile::~AtomicFile() {
 }
 
 bool AtomicFile::stopped(std::string& error) const {
-  if (!interrupted && (stop_ == nullptr || !stop_->requested())) return false;
+  if (stop_ == nullptr || !stop_->requested()) return false;
   error = stoppedMessage;
   return true;
 }

@@ -1,11 +1,14 @@
 #include "fuzz/require.h"
 #include "quindle/check/adviseQuindle.h"
+#include "quindle/text/formatQuindle.h"
 #include "quindle/text/parseQuindle.h"
 #include "tests/support/dumpDocument.h"
+#include "tests/support/spanFaults.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 using Zamt::Fuzz::require;
 
@@ -45,6 +48,19 @@ void requireExpressionsKept(const Zamt::QuindleDocument& doc) {
   }
 }
 
+/// Formatting what was formatted changes nothing and moves no comment.
+void requireFormattedOnce(const std::string& text) {
+  Zamt::QuindleDocument doc;
+  Zamt::Diag diag;
+  std::string once;
+  std::string twice;
+  std::vector<Zamt::QuindleStrayComment> strays;
+  if (!Zamt::formatQuindle(text, "f", doc, once, strays, diag)) return;
+  Zamt::QuindleDocument again;
+  require(Zamt::formatQuindle(once, "f", again, twice, strays, diag), "the canonical layout is formatted");
+  require(once == twice && strays.empty(), "the canonical layout stays as it is");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -65,6 +81,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(Zamt::Testing::dumpDocument(doc) == Zamt::Testing::dumpDocument(copy),
           "the same text gives the same document, and so does a copy of it");
   if (usable) requireExpressionsKept(doc);
+  if (usable) requireFormattedOnce(text);
+  require(Zamt::Testing::spanFault(text).empty(), "the spans hold all but white space, each in its place");
 
   Zamt::Diag advice;
   Zamt::adviseQuindle(doc, advice);

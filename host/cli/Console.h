@@ -1,21 +1,13 @@
 #pragma once
 
+#include "host/verbs/Answer.h"
 #include "quindle/core/Diag.h"
-
-#include <nlohmann/json_fwd.hpp>
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace Zamt::Host {
-
-/// How the command ends.
-enum class Exit : int {
-  Done = 0,
-  Failed = 1, ///< It ran and found faults, or it could not finish.
-  Usage = 2   ///< It was called wrongly; nothing was done.
-};
 
 /// Where the command's text goes: results to standard output, diagnostics to standard error. Colour and
 /// progress appear only on a terminal, and never when NO_COLOR is set to anything.
@@ -26,13 +18,8 @@ public:
   /// Adds to the results. They are written when there are many, and by `finish`.
   void print(std::string_view text);
 
-  /// `print` with a line end.
-  void printLine(std::string_view text);
-
-  /// Adds a JSON value as the result, indented. Bytes that are no UTF-8 become U+FFFD.
-  void printJson(const nlohmann::json& value);
-
-  /// Prints each diagnostic as one line, in its one text form.
+  /// Prints each diagnostic as one line, in its one text form. Bytes that are no UTF-8 are shown by their
+  /// numbers.
   void report(const Diag& diag);
 
   /// Prints an error or a note that belongs to no file.
@@ -46,31 +33,18 @@ public:
   /// Takes the progress line away.
   void endProgress();
 
-  /// Whether standard output still takes text.
-  bool canPrint() const { return writeError == 0; }
-
-  /// Writes what is left and gives the exit code: `exit`, or Failed when results could not be written. That
-  /// is said, except when the reader simply went away.
-  int finish(Exit exit);
+  /// Writes what is left and gives the exit code: that of `status`, or Failed when results could not be
+  /// written. That is said, except when the reader simply went away.
+  int finish(Status status);
 
 private:
   void flush();
   void complain(Diag::Severity severity, std::string_view line);
 
-  std::string pending;
-  int writeError = 0; ///< The errno of the first failed write to standard output.
-  bool decorated = false;
-  bool progressShown = false;
+  std::string pending_;
+  int writeError_ = 0; ///< The errno of the first failed write to standard output.
+  bool decorated_ = false;
+  bool progressShown_ = false;
 };
-
-/// A diagnostic's list as the commands print it: an array of objects with the keys "severity" ("note",
-/// "warning", "error"), "message", "file", "line" and "column"; a line or column of 0 means none.
-nlohmann::json diagnosticsJson(const Diag& diag);
-
-/// "1 point", "2 points", with the digits of large numbers in groups of three.
-std::string countOf(std::uint64_t count, std::string_view noun);
-
-/// A number with its digits in groups of three.
-std::string grouped(std::uint64_t count);
 
 } // namespace Zamt::Host

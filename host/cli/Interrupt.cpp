@@ -1,7 +1,6 @@
 #include "host/cli/Interrupt.h"
 
 #include "files/AtomicFile.h"
-#include "files/Interruption.h"
 
 #include <atomic>
 #include <csignal>
@@ -10,18 +9,18 @@
 
 namespace Zamt::Host {
 
-static_assert(std::atomic<bool>::is_always_lock_free, "the handler may only touch lock-free memory");
-
 namespace {
-Stop asked; // the only way to reach a signal handler
-} // namespace
 
-const Stop& askedToStop() { return asked; }
+/// A handler is given nothing but its signal.
+std::atomic<Stop*> raised{nullptr};
+static_assert(std::atomic<Stop*>::is_always_lock_free, "the handler may only touch lock-free memory");
+
+} // namespace
 
 extern "C" {
 static void onInterrupt(int /*signal*/) {
-  asked.request();
-  if (!interrupted.exchange(true)) return;
+  Stop& stop = *raised.load();
+  if (!stop.request()) return;
   removeTemporaries();
   _exit(1);
 }
@@ -39,7 +38,8 @@ static void onLostBytes(int /*signal*/) {
 }
 }
 
-void handleSignals() {
+void handleSignals(Stop& stop) {
+  raised = &stop;
   struct sigaction action {};
   action.sa_handler = onInterrupt; // without SA_RESTART, so that a read that waits for input ends as well
   sigaction(SIGINT, &action, nullptr);

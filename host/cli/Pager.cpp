@@ -23,14 +23,14 @@ public:
   IgnoredInterrupt() {
     struct sigaction ignore {};
     ignore.sa_handler = SIG_IGN;
-    sigaction(SIGINT, &ignore, &before);
+    sigaction(SIGINT, &ignore, &before_);
   }
   IgnoredInterrupt(const IgnoredInterrupt&) = delete;
   IgnoredInterrupt& operator=(const IgnoredInterrupt&) = delete;
-  ~IgnoredInterrupt() { sigaction(SIGINT, &before, nullptr); }
+  ~IgnoredInterrupt() { sigaction(SIGINT, &before_, nullptr); }
 
 private:
-  struct sigaction before {};
+  struct sigaction before_ {};
 };
 
 /// Starts `command` in a shell that reads from `input`. -1 if that can't be.

@@ -1,6 +1,6 @@
 #include "host/cli/manPage.h"
 
-#include "host/cli/HelpFormatter.h"
+#include "host/cli/helpPages.h"
 #include "host/cli/helpTopics.h"
 
 #include <fmt/format.h>
@@ -72,53 +72,43 @@ std::string section(std::string_view title, std::string_view text) {
   return fmt::format(".SH {}\n{}", title, body);
 }
 
-std::string describe(const CLI::Option& option) {
-  return fmt::format(".TP\n{}\n{}\n", bold(spellingOf(option)), escaped(meaningOf(option)));
+std::string describe(const Option& option, const Verb& verb) {
+  return fmt::format(".TP\n{}\n{}\n", bold(spellingOf(option)), escaped(meaningOf(option, verb)));
 }
 
-/// Arguments first; help is the same everywhere, and described once.
-std::string optionsOf(const CLI::App& command) {
+/// Arguments first. Help is the same everywhere, and described once.
+std::string optionsOf(const Verb& verb) {
   std::string arguments;
   std::string options;
-  for (const CLI::Option* const option : command.get_options()) {
-    if (option->get_group().empty() || option == command.get_help_ptr()) continue;
-    (option->get_positional() ? arguments : options) += describe(*option);
-  }
+  for (const Option& option : verb.options)
+    if (!option.hidden) (option.argument ? arguments : options) += describe(option, verb);
   return arguments + options;
 }
 
-std::string commandEntry(const CLI::App& command, const std::string& program) {
-  std::string out =
-      fmt::format(".TP\n{}\n{}\n.RS\n{}", bold(synopsisOf(command, program + ' ' + command.get_name())),
-                  escaped(command.get_description()), optionsOf(command));
-  return out + bodyOf(command.get_footer()) + ".RE\n";
+std::string verbEntry(const Program& program, const Verb& verb) {
+  return fmt::format(".TP\n{}\n{}\n.RS\n{}{}.RE\n", bold(synopsisOf(program, verb)), escaped(verb.summary),
+                     optionsOf(verb), bodyOf(verb.footer));
 }
 
-std::string commandsSection(const CLI::App& app) {
+std::string commandsSection(const Program& program) {
   std::string out = ".SH COMMANDS\n";
   std::string group;
-  for (const CLI::App* const command : commandsOf(app)) {
-    if (command->get_group() != group) out += fmt::format(".SS {}\n", escaped(group = command->get_group()));
-    out += commandEntry(*command, app.get_name());
+  for (const Verb& verb : program.verbs) {
+    if (verb.group != group) out += fmt::format(".SS {}\n", escaped(group = verb.group));
+    out += verbEntry(program, verb);
   }
-  return out;
-}
-
-std::string rootOptions(const CLI::App& app) {
-  std::string out = ".SH OPTIONS\n";
-  for (const CLI::Option* const option : app.get_options()) out += describe(*option);
   return out;
 }
 
 } // namespace
 
-std::string manPage(const CLI::App& app) {
-  const std::string& name = app.get_name();
-  std::string out = fmt::format(".TH QUINDLE 1 \"\" \"{}\" \"User Commands\"\n", escaped(app.version()));
-  out += fmt::format(".SH NAME\n{} \\- edit point clouds with small programs\n", name);
-  out += fmt::format(".SH SYNOPSIS\n{}\n", bold(synopsisOf(app, name)));
-  out += section("DESCRIPTION", app.get_description());
-  out += commandsSection(app) + rootOptions(app);
+std::string manPage(const Program& program) {
+  std::string out = fmt::format(".TH QUINDLE 1 \"\" \"{}\" \"User Commands\"\n", escaped(program.version));
+  out += fmt::format(".SH NAME\n{} \\- edit point clouds with small programs\n", program.name);
+  out += fmt::format(".SH SYNOPSIS\n{}\n", bold(synopsisOf(program)));
+  out += section("DESCRIPTION", program.description);
+  out += commandsSection(program);
+  out += ".SH OPTIONS\n" + describe(program.help, {}) + describe(program.versionOption, {});
   // The first steps, which a newcomer is shown first, are the examples, which a manual page ends with.
   for (const HelpTopic& topic : helpTopics().subspan(1)) out += section(topic.section, topic.body);
   out += section(helpTopics().front().section, helpTopics().front().body);

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <CLI/App.hpp>
+#include "host/cli/Program.h"
 
 #include <string>
 
 namespace Zamt::Host {
 
-/// The manual page of the command in roff, with the man macros: the help of `app` and of all its commands,
+/// The manual page of the command in roff, with the man macros: the help of the program and of all its verbs,
 /// and every help topic. The same for the same sources, wherever and whenever it is made.
-std::string manPage(const CLI::App& app);
+std::string manPage(const Program& program);
 
 } // namespace Zamt::Host

@@ -33,11 +33,11 @@ double toUnit(std::uint64_t bits) { return static_cast<double>(bits >> 11) * 0x1
 /// has to be the same whoever built the program.
 class Random {
 public:
-  explicit Random(std::uint64_t seed) : state(seed) {}
+  explicit Random(std::uint64_t seed) : state_(seed) {}
 
   double unit() {
-    state += 0x9e3779b97f4a7c15ULL;
-    return toUnit(mix(state));
+    state_ += 0x9e3779b97f4a7c15ULL;
+    return toUnit(mix(state_));
   }
   double between(double low, double high) { return low + (high - low) * unit(); }
   bool chance(double probability) { return unit() < probability; }
@@ -60,7 +60,7 @@ public:
   }
 
 private:
-  std::uint64_t state;
+  std::uint64_t state_;
 };
 
 double smooth(double t) { return t * t * (3 - 2 * t); }
@@ -120,13 +120,13 @@ constexpr double shrubShare = 0.10;
 /// Positions here are relative to the scene's corner.
 class Maker {
 public:
-  explicit Maker(std::uint64_t start) : seed(mix(start)), random(seed) {
+  explicit Maker(std::uint64_t start) : seed_(mix(start)), random_(seed_) {
     placeHouses();
     placeTrees();
   }
 
   SamplePoint next() {
-    const double kind = random.unit();
+    const double kind = random_.unit();
     if (kind < noiseShare) return noise();
     if (kind < noiseShare + wallShare) return wall();
     if (kind < noiseShare + wallShare + treeShare) return treeCrown();
@@ -137,7 +137,7 @@ public:
 private:
   /// Above the water everywhere outside of the basin.
   double groundAt(double x, double y) const {
-    const double rolling = 4.5 * noiseAt(x, y, 55, seed) + 0.7 * noiseAt(x, y, 13, seed + 1);
+    const double rolling = 4.5 * noiseAt(x, y, 55, seed_) + 0.7 * noiseAt(x, y, 13, seed_ + 1);
     const double square = basin.squareAt(x, y);
     const double bowl = square < 1 ? 9 * (1 - square) * (1 - square) : 0;
     return sampleWaterLevel + 0.6 + rolling - bowl;
@@ -155,7 +155,7 @@ private:
   }
 
   const House* houseAt(double x, double y) const {
-    for (const House& house : houses)
+    for (const House& house : houses_)
       if (house.covers(x, y)) return &house;
     return nullptr;
   }
@@ -165,26 +165,26 @@ private:
       const double column = static_cast<double>(i % 2);
       const double row = std::floor(static_cast<double>(i) / 2);
       House house{};
-      house.width = random.between(9, 14);
-      house.depth = random.between(12, 20);
-      house.west = 128 + column * 34 + random.between(0, 10);
-      house.south = 8 + row * 38 + random.between(0, 8);
+      house.width = random_.between(9, 14);
+      house.depth = random_.between(12, 20);
+      house.west = 128 + column * 34 + random_.between(0, 10);
+      house.south = 8 + row * 38 + random_.between(0, 8);
       house.floor = groundAt(house.west + house.width / 2, house.south + house.depth / 2) - 0.5;
-      house.eaves = house.floor + random.between(4, 8);
-      house.ridge = house.eaves + random.between(2, 4);
-      houses[i] = house;
+      house.eaves = house.floor + random_.between(4, 8);
+      house.ridge = house.eaves + random_.between(2, 4);
+      houses_[i] = house;
     }
   }
 
   void placeTrees() {
-    for (Tree& tree : trees) {
+    for (Tree& tree : trees_) {
       do {
-        tree.x = random.between(4, sampleSize[0] - 4);
-        tree.y = random.between(4, sampleSize[1] - 4);
+        tree.x = random_.between(4, sampleSize[0] - 4);
+        tree.y = random_.between(4, sampleSize[1] - 4);
       } while (basin.squareAt(tree.x, tree.y) < 1 || houseAt(tree.x, tree.y) != nullptr);
       tree.foot = groundAt(tree.x, tree.y);
-      tree.height = random.between(6, 19);
-      tree.radius = tree.height * random.between(0.18, 0.3);
+      tree.height = random_.between(6, 19);
+      tree.radius = tree.height * random_.between(0.18, 0.3);
     }
   }
 
@@ -194,57 +194,57 @@ private:
     SamplePoint point;
     point.x = sampleOrigin[0] + std::clamp(x, 0.0, sampleSize[0]);
     point.y = sampleOrigin[1] + std::clamp(y, 0.0, sampleSize[1]);
-    point.z = z + random.around(0, 0.02);
+    point.z = z + random_.around(0, 0.02);
     for (std::size_t i = 0; i < 3; ++i) point.normal[i] = static_cast<float>(normal[i]);
     point.classNumber = classNumber;
-    const double received = std::clamp(random.around(amplitude, spread), 0.0, 255.0);
+    const double received = std::clamp(random_.around(amplitude, spread), 0.0, 255.0);
     point.amplitude = static_cast<float>(std::floor(received * 10) / 10);
-    point.intensity = static_cast<std::uint16_t>(received * 220 + 500 * random.unit());
+    point.intensity = static_cast<std::uint16_t>(received * 220 + 500 * random_.unit());
     return point;
   }
 
   void setReturns(SamplePoint& point, double last) {
-    point.returns = static_cast<std::uint8_t>(2 + static_cast<int>(3 * random.unit()));
+    point.returns = static_cast<std::uint8_t>(2 + static_cast<int>(3 * random_.unit()));
     point.returnNumber =
-        random.chance(last)
+        random_.chance(last)
             ? point.returns
-            : static_cast<std::uint8_t>(1 + static_cast<int>((point.returns - 1) * random.unit()));
+            : static_cast<std::uint8_t>(1 + static_cast<int>((point.returns - 1) * random_.unit()));
   }
 
   SamplePoint noise() {
-    const double x = random.between(0, sampleSize[0]);
-    const double y = random.between(0, sampleSize[1]);
-    const double off = random.chance(0.6) ? random.between(30, 120) : -random.between(8, 40);
-    const std::uint8_t classNumber = random.chance(0.5) ? Unclassified : Ground;
-    return make(x, y, groundAt(x, y) + off, random.direction(), classNumber, 6, 3);
+    const double x = random_.between(0, sampleSize[0]);
+    const double y = random_.between(0, sampleSize[1]);
+    const double off = random_.chance(0.6) ? random_.between(30, 120) : -random_.between(8, 40);
+    const std::uint8_t classNumber = random_.chance(0.5) ? Unclassified : Ground;
+    return make(x, y, groundAt(x, y) + off, random_.direction(), classNumber, 6, 3);
   }
 
   SamplePoint wall() {
-    const House& house = houses[static_cast<std::size_t>(random.unit() * houseCount)];
-    const double side = random.unit() * (house.width + house.depth);
+    const House& house = houses_[static_cast<std::size_t>(random_.unit() * houseCount)];
+    const double side = random_.unit() * (house.width + house.depth);
     const bool alongX = side < house.width;
-    const bool far = random.chance(0.5);
+    const bool far = random_.chance(0.5);
     const double x = alongX ? house.west + side : house.west + (far ? house.width : 0);
     const double y = alongX ? house.south + (far ? house.depth : 0) : house.south + side - house.width;
     const double top = alongX ? house.roofAt(x) : house.eaves;
     const double outward = far ? 1 : -1;
     const std::array<double, 3> normal{alongX ? 0 : outward, alongX ? outward : 0,
-                                       random.between(-0.05, 0.05)};
-    const std::uint8_t classNumber = random.chance(0.85) ? Unclassified : HighPlants;
+                                       random_.between(-0.05, 0.05)};
+    const std::uint8_t classNumber = random_.chance(0.85) ? Unclassified : HighPlants;
     const double foot = groundAt(x, y);
-    return make(x, y, random.between(std::min(foot, top), top), normal, classNumber, 120, 12);
+    return make(x, y, random_.between(std::min(foot, top), top), normal, classNumber, 120, 12);
   }
 
   SamplePoint treeCrown() {
-    const Tree& tree = trees[static_cast<std::size_t>(random.unit() * treeCount)];
-    const std::array<double, 3> out = random.direction();
-    const double inward = 0.5 * random.unit();
-    const double depth = 1 - inward * random.unit();
+    const Tree& tree = trees_[static_cast<std::size_t>(random_.unit() * treeCount)];
+    const std::array<double, 3> out = random_.direction();
+    const double inward = 0.5 * random_.unit();
+    const double depth = 1 - inward * random_.unit();
     const double halfHeight = tree.height * 0.38;
     const double x = tree.x + out[0] * tree.radius * depth;
     const double y = tree.y + out[1] * tree.radius * depth;
     const double z = tree.foot + tree.height - halfHeight + out[2] * halfHeight * depth;
-    SamplePoint point = make(x, y, z, random.direction(), HighPlants, 65, 14);
+    SamplePoint point = make(x, y, z, random_.direction(), HighPlants, 65, 14);
     setReturns(point, 0.1);
     return point;
   }
@@ -254,23 +254,23 @@ private:
     double x = 0;
     double y = 0;
     do {
-      x = random.between(0, sampleSize[0]);
-      y = random.between(0, sampleSize[1]);
-    } while (basin.squareAt(x, y) < 1 || houseAt(x, y) != nullptr || noiseAt(x, y, 18, seed + 2) < 0.45);
-    const bool low = random.chance(0.6);
-    const double height = low ? random.between(0.15, 0.9) : random.between(0.9, 3);
+      x = random_.between(0, sampleSize[0]);
+      y = random_.between(0, sampleSize[1]);
+    } while (basin.squareAt(x, y) < 1 || houseAt(x, y) != nullptr || noiseAt(x, y, 18, seed_ + 2) < 0.45);
+    const bool low = random_.chance(0.6);
+    const double height = low ? random_.between(0.15, 0.9) : random_.between(0.9, 3);
     std::uint8_t classNumber = low ? LowPlants : MediumPlants;
-    if (low && random.chance(0.1)) classNumber = Ground;
+    if (low && random_.chance(0.1)) classNumber = Ground;
     SamplePoint point =
-        make(x, y, groundAt(x, y) + height, random.direction(), classNumber, low ? 78 : 70, low ? 8 : 12);
+        make(x, y, groundAt(x, y) + height, random_.direction(), classNumber, low ? 78 : 70, low ? 8 : 12);
     setReturns(point, 0.4);
     return point;
   }
 
   /// Whatever a beam meets from above: water and what is under it, a roof, or the ground.
   SamplePoint open() {
-    const double x = random.between(0, sampleSize[0]);
-    const double y = random.between(0, sampleSize[1]);
+    const double x = random_.between(0, sampleSize[0]);
+    const double y = random_.between(0, sampleSize[1]);
     if (const House* house = houseAt(x, y)) return roof(*house, x, y);
     if (isWater(x, y)) return lake(x, y);
     return make(x, y, groundAt(x, y), groundNormal(x, y), Ground, 42, 8);
@@ -279,12 +279,12 @@ private:
   SamplePoint roof(const House& house, double x, double y) {
     const double slope = x < house.west + house.width / 2 ? house.roofSlope() : -house.roofSlope();
     const double length = std::sqrt(slope * slope + 1);
-    const std::uint8_t classNumber = random.chance(0.85) ? Building : Unclassified;
+    const std::uint8_t classNumber = random_.chance(0.85) ? Building : Unclassified;
     return make(x, y, house.roofAt(x), {-slope / length, 0, 1 / length}, classNumber, 150, 15);
   }
 
   SamplePoint lake(double x, double y) {
-    const bool surface = random.chance(0.45);
+    const bool surface = random_.chance(0.45);
     const double bottom = groundAt(x, y);
     const double reached = 24 - 2 * (sampleWaterLevel - bottom);
     SamplePoint point = surface ? make(x, y, sampleWaterLevel, {0, 0, 1}, Water, 9, 3)
@@ -294,10 +294,10 @@ private:
     return point;
   }
 
-  std::uint64_t seed;
-  Random random;
-  std::array<House, houseCount> houses{};
-  std::array<Tree, treeCount> trees{};
+  std::uint64_t seed_;
+  Random random_;
+  std::array<House, houseCount> houses_{};
+  std::array<Tree, treeCount> trees_{};
 };
 
 /// The points in the order of flight, strips of this width running east, and the times that go with it.

@@ -1,6 +1,5 @@
 #include "host/session/QuindleSource.h"
 
-#include "files/Interruption.h"
 #include "host/session/Collection.h"
 #include "quindle/library/QuindleFiles.h"
 #include "quindle/text/parseQuindle.h"
@@ -15,51 +14,35 @@
 #include <poll.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace Zamt::Host {
 
 namespace {
 
-/// An open file that is closed when done with; standard input is left open.
-class Input {
+/// An open file that is closed when done with.
+class OpenFile {
 public:
-  explicit Input(const std::string& which)
-      : file(which == "-" ? STDIN_FILENO : ::open(which.c_str(), O_RDONLY | O_CLOEXEC)) {}
-  Input(const Input&) = delete;
-  Input& operator=(const Input&) = delete;
-  ~Input() {
-    if (file > STDIN_FILENO) ::close(file);
+  explicit OpenFile(const std::string& path) : file_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  ~OpenFile() {
+    if (file_ >= 0) ::close(file_);
   }
-  int handle() const { return file; }
+  int handle() const { return file_; }
 
 private:
-  int file;
+  int file_;
 };
 
 /// Whether there is something to read. Looks up now and then, since a signal that comes just before a read
 /// would not end it.
-bool waitForInput(int file) {
+bool waitForInput(int file, const Stop& stop) {
   constexpr int lookUpAfter = 200; // milliseconds
   pollfd waiting{file, POLLIN, 0};
-  while (!interrupted)
+  while (!stop.requested())
     if (::poll(&waiting, 1, lookUpAfter) > 0) return true;
   return false;
-}
-
-/// Empty when everything was read, otherwise what went wrong.
-std::string readAll(int file, std::string& text) {
-  std::array<char, 65536> buffer;
-  while (waitForInput(file)) {
-    const ssize_t got = ::read(file, buffer.data(), buffer.size());
-    if (got == 0) return {};
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0)
-      return fmt::format("This can't be read: {}. Name a file that holds a Quindle.", std::strerror(errno));
-    text.append(buffer.data(), static_cast<std::size_t>(got));
-    if (text.size() > maxQuindleBytes)
-      return "This is too large to be a Quindle. Name a file that holds one.";
-  }
-  return interruptedMessage;
 }
 
 /// Whether `which` can't be the name of a Quindle in the collection.
@@ -79,27 +62,44 @@ bool findByName(const std::string& name, QuindleSource& source, Diag& diag) {
   return true;
 }
 
-bool readLabelled(const Input& input, QuindleSource& source, Diag& diag) {
-  if (input.handle() < 0) {
-    diag.error(fmt::format("This can't be opened: {}. Check the path.", std::strerror(errno)), source.label);
-    return false;
+} // namespace
+
+std::string readToEnd(int file, const Stop& stop, std::string& text) {
+  std::array<char, 65536> buffer;
+  while (waitForInput(file, stop)) {
+    const ssize_t got = ::read(file, buffer.data(), buffer.size());
+    if (got == 0) return {};
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0)
+      return fmt::format("This can't be read: {}. Name a file that holds a Quindle.", std::strerror(errno));
+    text.append(buffer.data(), static_cast<std::size_t>(got));
+    if (text.size() > maxQuindleBytes)
+      return "This is too large to be a Quindle. Name a file that holds one.";
   }
-  const std::string problem = readAll(input.handle(), source.text);
+  return stoppedMessage;
+}
+
+QuindleReader::QuindleReader(const Stop& stop, Input input) : stop_(stop), input_(std::move(input)) {}
+
+std::string QuindleReader::readFile(QuindleSource& source) const {
+  const OpenFile file(source.label);
+  if (file.handle() < 0)
+    return fmt::format("This can't be opened: {}. Check the path.", std::strerror(errno));
+  return readToEnd(file.handle(), stop_, source.text);
+}
+
+bool QuindleReader::read(const std::string& which, QuindleSource& source, Diag& diag) const {
+  const bool isInput = which == "-" && input_;
+  source = {isInput ? "<stdin>" : which, {}, false};
+  if (!isInput && !isPath(which) && !findByName(which, source, diag)) return false;
+  const std::string problem = isInput ? input_(source.text) : readFile(source);
   if (!problem.empty()) diag.error(problem, source.label);
   return problem.empty();
 }
 
-} // namespace
-
-bool readQuindleSource(const std::string& which, QuindleSource& source, Diag& diag) {
-  source = {which == "-" ? "<stdin>" : which, {}, false};
-  if (which != "-" && !isPath(which) && !findByName(which, source, diag)) return false;
-  return readLabelled(Input(which == "-" ? which : source.label), source, diag);
-}
-
-bool loadQuindle(const std::string& which, QuindleDocument& document, Diag& diag) {
+bool QuindleReader::load(const std::string& which, QuindleDocument& document, Diag& diag) const {
   QuindleSource source;
-  return readQuindleSource(which, source, diag) && parseQuindle(source.text, source.label, document, diag);
+  return read(which, source, diag) && parseQuindle(source.text, source.label, document, diag);
 }
 
 } // namespace Zamt::Host

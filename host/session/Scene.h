@@ -1,7 +1,9 @@
 #pragma once
 
+#include "files/Stop.h"
 #include "host/objects/CloudObjects.h"
 #include "host/objects/MaskedLabels.h"
+#include "host/session/SceneTurn.h"
 #include "quindle/core/Diag.h"
 #include "quindle/core/QuindleDocument.h"
 #include "quindle/runtime/QuindleRuntime.h"
@@ -16,11 +18,12 @@ namespace Zamt::Host {
 
 /// A scene around one cloud at a time, and the runtime that runs Quindles in it: what the command line needs,
 /// and nothing that it could not do through the graph. There is one graph for the process, so one Scene at a
-/// time; it belongs to the thread that made it.
+/// time: a second one waits for its turn. It belongs to the thread that made it.
 class Scene {
 public:
-  /// Starts from an empty graph. What runs in it ends when `stop`, which outlives the scene, is raised.
-  /// Clouds may be in any of `formats`.
+  /// Waits until the scenes that were asked for before are gone, and starts from an empty graph. What runs in
+  /// it ends when `stop`, which outlives the scene, is raised. Clouds may be in any of `formats`. Not to be
+  /// made by a thread that has one.
   explicit Scene(const Stop& stop, CloudFormats formats = cloudFormats());
   ~Scene();
   Scene(const Scene&) = delete;
@@ -71,6 +74,7 @@ private:
   bool makeRegion(const QuindleParam& param, const std::string& text, std::string& object, Diag& diag);
   void forgetCompiled();
 
+  SceneTurn turn_; ///< Before and behind all that touches the graph.
   const Stop& stop_;
   std::unique_ptr<TolvenQuindleOps> ops_;
   std::unique_ptr<QuindleRuntime> runtime_;

@@ -1,6 +1,6 @@
 #include "host/session/classNames.h"
 
-#include "quindle/core/Tree.h"
+#include "quindle/core/QuindleNodes.h"
 
 #include <fmt/format.h>
 #include <set>
@@ -21,37 +21,28 @@ std::string storedName(const std::string& name) {
 }
 
 void collectFromExpr(const QuindleExpr& root, std::set<std::string>& texts) {
-  tree::walk(
-      root, [](const QuindleExpr& expr) -> const std::vector<QuindleExpr>& { return expr.operands; },
-      [&texts](const QuindleExpr& expr, const QuindleExpr*, std::size_t index) {
-        if (index != 0 || expr.kind != QuindleExpr::Kind::Literal) return;
-        const std::string& text = expr.value.textValue;
-        for (std::size_t at = 0; at <= text.size();) {
-          const std::size_t comma = std::min(text.find(',', at), text.size());
-          const std::size_t begin = std::min(text.find_first_not_of(' ', at), comma);
-          std::size_t end = comma;
-          while (end > begin && text[end - 1] == ' ') --end;
-          if (end - begin > longestClassName) texts.insert(text.substr(begin, end - begin));
-          at = comma + 1;
-        }
-      });
+  for (const QuindleExpr* const expr : quindleExprs(root)) {
+    if (expr->kind != QuindleExpr::Kind::Literal) continue;
+    const std::string& text = expr->value.textValue;
+    for (std::size_t at = 0; at <= text.size();) {
+      const std::size_t comma = std::min(text.find(',', at), text.size());
+      const std::size_t begin = std::min(text.find_first_not_of(' ', at), comma);
+      std::size_t end = comma;
+      while (end > begin && text[end - 1] == ' ') --end;
+      if (end - begin > longestClassName) texts.insert(text.substr(begin, end - begin));
+      at = comma + 1;
+    }
+  }
 }
 
 /// Every text of the steps that is too long for a file, and so may be the whole of a name cut short in one,
 /// and the names of the Quindles that they run.
 void collectFromSteps(const QuindleDocument& document, std::set<std::string>& texts,
                       std::vector<std::string>& runs) {
-  std::vector<const QuindleStep*> pending;
-  for (const QuindleTrigger& trigger : document.triggers)
-    for (const QuindleStep& step : trigger.steps) pending.push_back(&step);
-  while (!pending.empty()) {
-    const QuindleStep& step = *pending.back();
-    pending.pop_back();
-    if (step.kind == QuindleStep::Kind::Classify) collectFromExpr(step.value, texts);
-    if (step.kind == QuindleStep::Kind::Run) runs.push_back(step.name);
-    collectFromExpr(step.condition, texts);
-    for (const std::vector<QuindleStep>* list : {&step.body, &step.elseBody})
-      for (const QuindleStep& inner : *list) pending.push_back(&inner);
+  for (const QuindleStep* const step : quindleSteps(document)) {
+    if (step->kind == QuindleStep::Kind::Classify) collectFromExpr(step->value, texts);
+    if (step->kind == QuindleStep::Kind::Run) runs.push_back(step->name);
+    collectFromExpr(step->condition, texts);
   }
 }
 

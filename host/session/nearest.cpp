@@ -1,7 +1,5 @@
 #include "host/session/nearest.h"
 
-#include "quindle/core/AsciiText.h"
-
 #include <algorithm>
 #include <optional>
 #include <utility>
@@ -14,6 +12,14 @@ constexpr std::size_t offered = 3;
 
 /// Shorter words are inside of nearly everything.
 constexpr std::size_t leastPart = 3;
+
+/// The case of ASCII letters does not count, in whatever locale.
+std::string lowered(std::string_view text) {
+  std::string low(text);
+  for (char& c : low)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  return low;
+}
 
 /// How many bytes have to be put in, taken out or replaced to make one text the other.
 std::size_t editDistance(const std::string& a, const std::string& b) {

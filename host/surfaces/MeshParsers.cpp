@@ -28,28 +28,28 @@ public:
   bool next() {
     if (rest.empty()) return false;
     const std::size_t end = std::min(rest.find('\n'), rest.size());
-    line = rest.substr(0, end);
+    line_ = rest.substr(0, end);
     rest.remove_prefix(std::min(end + 1, rest.size()));
-    ++number;
+    ++number_;
     return true;
   }
 
   /// The next word of the line; empty at its end.
   std::string_view word() {
-    line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
-    const std::size_t end = std::min(line.find_first_of(blanks), line.size());
-    const std::string_view found = line.substr(0, end);
-    line.remove_prefix(end);
+    line_.remove_prefix(std::min(line_.find_first_not_of(blanks), line_.size()));
+    const std::size_t end = std::min(line_.find_first_of(blanks), line_.size());
+    const std::string_view found = line_.substr(0, end);
+    line_.remove_prefix(end);
     return found;
   }
 
-  std::string at(const std::string& what) const { return "line " + std::to_string(number) + ' ' + what; }
+  std::string at(const std::string& what) const { return "line " + std::to_string(number_) + ' ' + what; }
 
   std::string_view rest;
 
 private:
-  std::string_view line;
-  std::size_t number = 0;
+  std::string_view line_;
+  std::size_t number_ = 0;
 };
 
 template <typename Number>
@@ -156,12 +156,12 @@ double fromBytes(std::array<char, 8> bytes, bool swap) {
 /// other, as words or as numbers of the byte order that the header names.
 class PlyReader {
 public:
-  PlyReader(std::string_view bytes, Mesh& target) : lines(bytes), mesh(target) {}
+  PlyReader(std::string_view bytes, Mesh& target) : lines_(bytes), mesh_(target) {}
 
   std::string read() {
-    if (!readHeader()) return fault;
-    for (const PlyElement& element : elements)
-      if (!readElement(element)) return fault;
+    if (!readHeader()) return fault_;
+    for (const PlyElement& element : elements_)
+      if (!readElement(element)) return fault_;
     return {};
   }
 
@@ -169,15 +169,15 @@ private:
   enum class Format : std::uint8_t { Unknown, Text, Little, Big };
 
   bool fail(std::string what) {
-    fault = std::move(what);
+    fault_ = std::move(what);
     return false;
   }
 
   bool readHeader() {
-    while (lines.next()) {
-      const std::string_view keyword = lines.word();
+    while (lines_.next()) {
+      const std::string_view keyword = lines_.word();
       if (keyword == "end_header") {
-        if (format == Format::Unknown) return fail("its header names no format");
+        if (format_ == Format::Unknown) return fail("its header names no format");
         return true;
       }
       if (keyword == "format" && !readFormat()) return false;
@@ -188,54 +188,54 @@ private:
   }
 
   bool readFormat() {
-    const std::string_view name = lines.word();
-    format = name == "ascii"                  ? Format::Text
-             : name == "binary_little_endian" ? Format::Little
-             : name == "binary_big_endian"    ? Format::Big
-                                              : Format::Unknown;
-    return format != Format::Unknown || fail(lines.at("names the unknown format " + shown(name)));
+    const std::string_view name = lines_.word();
+    format_ = name == "ascii"                  ? Format::Text
+              : name == "binary_little_endian" ? Format::Little
+              : name == "binary_big_endian"    ? Format::Big
+                                               : Format::Unknown;
+    return format_ != Format::Unknown || fail(lines_.at("names the unknown format " + shown(name)));
   }
 
   bool readElementLine() {
-    PlyElement element{lines.word(), 0, {}};
-    const std::string_view word = lines.word();
+    PlyElement element{lines_.word(), 0, {}};
+    const std::string_view word = lines_.word();
     const auto count = numberOf<std::uint64_t>(word);
-    if (!count) return fail(noNumber(lines, word));
+    if (!count) return fail(noNumber(lines_, word));
     element.count = *count;
-    elements.push_back(element);
+    elements_.push_back(element);
     return true;
   }
 
   bool readPropertyLine() {
-    if (elements.empty()) return fail(lines.at("has a property that belongs to no element"));
+    if (elements_.empty()) return fail(lines_.at("has a property that belongs to no element"));
     PlyProperty property;
-    std::string_view type = lines.word();
+    std::string_view type = lines_.word();
     if (type == "list") {
-      type = lines.word();
+      type = lines_.word();
       property.count = plyType(type);
-      if (!property.count) return fail(lines.at("has the unknown type " + shown(type)));
-      type = lines.word();
+      if (!property.count) return fail(lines_.at("has the unknown type " + shown(type)));
+      type = lines_.word();
     }
     property.type = plyType(type);
-    if (!property.type) return fail(lines.at("has the unknown type " + shown(type)));
-    property.name = lines.word();
-    elements.back().properties.push_back(property);
+    if (!property.type) return fail(lines_.at("has the unknown type " + shown(type)));
+    property.name = lines_.word();
+    elements_.back().properties.push_back(property);
     return true;
   }
 
   bool readElement(const PlyElement& element) {
     if (element.properties.empty()) return true;
     // Every value takes a byte at least, so a count that the bytes can't hold is told before any work.
-    if (element.count > lines.rest.size())
+    if (element.count > lines_.rest.size())
       return fail("it announces " + std::to_string(element.count) + " of the element " + shown(element.name) +
                   ", more than it has bytes for");
     const bool isVertex = element.name == "vertex";
     std::array<std::size_t, 3> axes{};
     if (isVertex && !findAxes(element, axes)) return false;
     for (std::uint64_t i = 0; i < element.count; ++i) {
-      if (format == Format::Text && !nextTextRow()) return failShort();
+      if (format_ == Format::Text && !nextTextRow()) return failShort();
       if (!readRow(element)) return false;
-      if (isVertex) mesh.vertices.push_back({row[axes[0]], row[axes[1]], row[axes[2]]});
+      if (isVertex) mesh_.vertices.push_back({row_[axes[0]], row_[axes[1]], row_[axes[2]]});
     }
     return true;
   }
@@ -253,8 +253,8 @@ private:
 
   /// Empty lines and comments between rows are passed over.
   bool nextTextRow() {
-    while (lines.next()) {
-      Lines ahead = lines;
+    while (lines_.next()) {
+      Lines ahead = lines_;
       const std::string_view word = ahead.word();
       if (!word.empty() && word != "comment") return true;
     }
@@ -262,11 +262,11 @@ private:
   }
 
   bool readRow(const PlyElement& element) {
-    row.assign(element.properties.size(), 0);
+    row_.assign(element.properties.size(), 0);
     for (std::size_t i = 0; i < element.properties.size(); ++i) {
       const PlyProperty& property = element.properties[i];
       if (!property.count) {
-        if (!readNumber(*property.type, row[i])) return false;
+        if (!readNumber(*property.type, row_[i])) return false;
         continue;
       }
       const bool corners =
@@ -281,34 +281,34 @@ private:
     if (!readNumber(*property.count, length)) return false;
     // In text the list ends with its line at the latest.
     if (!(length >= 0) || length >= noVertex ||
-        (format != Format::Text && length > static_cast<double>(lines.rest.size())))
+        (format_ != Format::Text && length > static_cast<double>(lines_.rest.size())))
       return fail("a list in it announces a length that it has no bytes for");
-    list.clear();
+    list_.clear();
     for (auto i = static_cast<std::uint64_t>(length); i > 0; --i) {
       double value = 0;
       if (!readNumber(*property.type, value)) return false;
       if (corners)
-        list.push_back(value >= 0 && value < noVertex ? static_cast<std::uint32_t>(value) : noVertex);
+        list_.push_back(value >= 0 && value < noVertex ? static_cast<std::uint32_t>(value) : noVertex);
     }
-    if (corners) addFan(mesh, list);
+    if (corners) addFan(mesh_, list_);
     return true;
   }
 
   bool readNumber(const PlyTypeName& type, double& value) {
-    if (format != Format::Text) return readBinary(type, value);
-    const std::string_view word = lines.word();
+    if (format_ != Format::Text) return readBinary(type, value);
+    const std::string_view word = lines_.word();
     const auto number = numberOf<double>(word);
-    if (!number) return fail(noNumber(lines, word));
+    if (!number) return fail(noNumber(lines_, word));
     value = *number;
     return true;
   }
 
   bool readBinary(const PlyTypeName& type, double& value) {
-    if (lines.rest.size() < type.bytes) return failShort();
+    if (lines_.rest.size() < type.bytes) return failShort();
     std::array<char, 8> bytes{};
-    std::copy_n(lines.rest.data(), type.bytes, bytes.data());
-    lines.rest.remove_prefix(type.bytes);
-    const bool swap = (format == Format::Big) != (std::endian::native == std::endian::big);
+    std::copy_n(lines_.rest.data(), type.bytes, bytes.data());
+    lines_.rest.remove_prefix(type.bytes);
+    const bool swap = (format_ == Format::Big) != (std::endian::native == std::endian::big);
     switch (type.type) {
     case PlyType::I8: value = fromBytes<std::int8_t>(bytes, swap); break;
     case PlyType::U8: value = fromBytes<std::uint8_t>(bytes, swap); break;
@@ -324,13 +324,13 @@ private:
 
   bool failShort() { return fail("it ends before everything that its header announces was there"); }
 
-  Lines lines;
-  Mesh& mesh;
-  Format format = Format::Unknown;
-  std::vector<PlyElement> elements;
-  std::vector<double> row;
-  std::vector<std::uint32_t> list;
-  std::string fault;
+  Lines lines_;
+  Mesh& mesh_;
+  Format format_ = Format::Unknown;
+  std::vector<PlyElement> elements_;
+  std::vector<double> row_;
+  std::vector<std::uint32_t> list_;
+  std::string fault_;
 };
 
 std::uint32_t littleWord(std::string_view bytes, std::size_t offset) {

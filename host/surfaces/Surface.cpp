@@ -46,18 +46,18 @@ Surface::Surface(const Mesh& mesh) {
   for (const auto& vertex : mesh.vertices)
     if (usable(vertex)) largest = std::max({largest, std::abs(vertex[0]), std::abs(vertex[1])});
   // The file's decimals and the points' scaled integers each come within one unit in the last place.
-  rounding = 4 * largest * std::numeric_limits<double>::epsilon();
+  rounding_ = 4 * largest * std::numeric_limits<double>::epsilon();
 
-  triangles.reserve(mesh.triangles.size());
+  triangles_.reserve(mesh.triangles.size());
   for (const auto& corners : mesh.triangles) addTriangle(mesh, corners);
-  if (triangles.empty()) return;
+  if (triangles_.empty()) return;
   constexpr double infinity = std::numeric_limits<double>::infinity();
-  bounds = {infinity, infinity, -infinity, -infinity};
-  for (const Triangle& t : triangles) {
-    bounds[0] = std::min(bounds[0], t.ax);
-    bounds[1] = std::min({bounds[1], t.ay, t.by, t.cy});
-    bounds[2] = std::max(bounds[2], t.cx);
-    bounds[3] = std::max({bounds[3], t.ay, t.by, t.cy});
+  bounds_ = {infinity, infinity, -infinity, -infinity};
+  for (const Triangle& t : triangles_) {
+    bounds_[0] = std::min(bounds_[0], t.ax);
+    bounds_[1] = std::min({bounds_[1], t.ay, t.by, t.cy});
+    bounds_[2] = std::max(bounds_[2], t.cx);
+    bounds_[3] = std::max({bounds_[3], t.ay, t.by, t.cy});
   }
   buildIndex();
 }
@@ -72,8 +72,8 @@ bool Surface::addTriangle(const Mesh& mesh, const std::array<std::uint32_t, 3>& 
                                  std::abs(v[1][0] - v[0][0]) + std::abs(v[1][1] - v[0][1]),
                                  std::abs(v[2][0] - v[1][0]) + std::abs(v[2][1] - v[1][1])});
   // A wall written in decimals is not exactly upright: an area that rounding alone can make is none.
-  if (std::abs(area) <= reach * rounding) return false;
-  triangles.push_back({v[0][0], v[0][1], v[0][2], v[1][0], v[1][1], v[1][2], v[2][0], v[2][1], v[2][2]});
+  if (std::abs(area) <= reach * rounding_) return false;
+  triangles_.push_back({v[0][0], v[0][1], v[0][2], v[1][0], v[1][1], v[1][2], v[2][0], v[2][1], v[2][2]});
   return true;
 }
 
@@ -86,9 +86,9 @@ std::uint64_t Surface::Level::placeOf(std::uint64_t column, std::uint64_t row) c
 /// Calls `visit` with the place of every cell that the triangle may reach into.
 template <typename Visit>
 void Surface::visitCells(const Triangle& t, const Level& level, Visit&& visit) const {
-  const double slack = rounding + level.cell * 1e-6;
-  const auto column = [&](double x) { return cellIndex(x - bounds[0], level.perCell, level.columns); };
-  const auto row = [&](double y) { return cellIndex(y - bounds[1], level.perCell, level.rows); };
+  const double slack = rounding_ + level.cell * 1e-6;
+  const auto column = [&](double x) { return cellIndex(x - bounds_[0], level.perCell, level.columns); };
+  const auto row = [&](double y) { return cellIndex(y - bounds_[1], level.perCell, level.rows); };
   const std::uint64_t lastColumn = column(t.cx + slack);
   const std::uint64_t firstRow = row(std::min({t.ay, t.by, t.cy}) - slack);
   const std::uint64_t lastRow = row(std::max({t.ay, t.by, t.cy}) + slack);
@@ -101,8 +101,8 @@ void Surface::visitCells(const Triangle& t, const Level& level, Visit&& visit) c
   };
   for (std::uint64_t r = firstRow; r <= lastRow; ++r)
     for (std::uint64_t c = column(t.ax - slack); c <= lastColumn; ++c) {
-      const double x = bounds[0] + (static_cast<double>(c) + 0.5) * level.cell;
-      const double y = bounds[1] + (static_cast<double>(r) + 0.5) * level.cell;
+      const double x = bounds_[0] + (static_cast<double>(c) + 0.5) * level.cell;
+      const double y = bounds_[1] + (static_cast<double>(r) + 0.5) * level.cell;
       if (outside(t.ax, t.ay, t.cx, t.cy, turn, x, y) || outside(t.ax, t.ay, t.bx, t.by, -turn, x, y) ||
           outside(t.bx, t.by, t.cx, t.cy, -turn, x, y))
         continue;
@@ -116,7 +116,7 @@ void Surface::makeLevels(std::span<const std::uint8_t> levelOf, std::span<const 
   for (const std::uint8_t level : levelOf) ++held[level];
   std::size_t places = 0;
   for (std::size_t i = 0; i < cellSizes.size(); ++i) {
-    Level& level = levels.emplace_back();
+    Level& level = levels_.emplace_back();
     level.places = 0;
     level.firstPlace = places;
     if (held[i] == 0) continue;
@@ -125,26 +125,27 @@ void Surface::makeLevels(std::span<const std::uint8_t> levelOf, std::span<const 
     // Cells farther out than this lie beyond what a double tells apart; they share the last one.
     constexpr double mostCells = 1U << 30U;
     level.columns =
-        static_cast<std::uint64_t>(std::min((bounds[2] - bounds[0]) * level.perCell, mostCells)) + 1;
-    level.rows = static_cast<std::uint64_t>(std::min((bounds[3] - bounds[1]) * level.perCell, mostCells)) + 1;
+        static_cast<std::uint64_t>(std::min((bounds_[2] - bounds_[0]) * level.perCell, mostCells)) + 1;
+    level.rows =
+        static_cast<std::uint64_t>(std::min((bounds_[3] - bounds_[1]) * level.perCell, mostCells)) + 1;
     level.places = std::min(level.columns * level.rows, 8 * held[i] + 8);
     level.shared = level.places < level.columns * level.rows;
     places += level.places;
   }
-  placeStarts.assign(places + 1, 0);
+  placeStarts_.assign(places + 1, 0);
 }
 
 void Surface::buildIndex() {
   const auto extent = [](const Triangle& t) {
     return std::max(t.cx - t.ax, std::max({t.ay, t.by, t.cy}) - std::min({t.ay, t.by, t.cy}));
   };
-  std::vector<double> extents(triangles.size());
-  std::transform(triangles.begin(), triangles.end(), extents.begin(), extent);
+  std::vector<double> extents(triangles_.size());
+  std::transform(triangles_.begin(), triangles_.end(), extents.begin(), extent);
   std::vector<double> sorted = extents;
   const auto middle = sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() / 2);
   std::nth_element(sorted.begin(), middle, sorted.end());
 
-  const double whole = std::max(bounds[2] - bounds[0], bounds[3] - bounds[1]);
+  const double whole = std::max(bounds_[2] - bounds_[0], bounds_[3] - bounds_[1]);
   std::array<double, levelCount> cells{};
   for (int i = 0; i < levelCount; ++i)
     cells[static_cast<std::size_t>(i)] = std::max(
@@ -152,8 +153,8 @@ void Surface::buildIndex() {
   cells.back() = std::max(cells.back(), whole);
 
   // Beginning and end of a triangle may both lie in the midst of a cell, so it may reach over one cell more.
-  std::vector<std::uint8_t> levelOf(triangles.size());
-  for (std::size_t i = 0; i < triangles.size(); ++i)
+  std::vector<std::uint8_t> levelOf(triangles_.size());
+  for (std::size_t i = 0; i < triangles_.size(); ++i)
     levelOf[i] = static_cast<std::uint8_t>(
         std::find_if(cells.begin(), cells.end() - 1,
                      [&](double cell) { return extents[i] <= cell * (cellsPerSide - 1.01); }) -
@@ -161,19 +162,19 @@ void Surface::buildIndex() {
   makeLevels(levelOf, cells);
 
   // Count, add up, fill: the starts first hold the ends, and filling moves each back to its beginning.
-  for (std::size_t i = 0; i < triangles.size(); ++i)
-    visitCells(triangles[i], levels[levelOf[i]], [&](std::uint64_t place) { ++placeStarts[place]; });
+  for (std::size_t i = 0; i < triangles_.size(); ++i)
+    visitCells(triangles_[i], levels_[levelOf[i]], [&](std::uint64_t place) { ++placeStarts_[place]; });
   std::uint32_t total = 0;
-  for (std::uint32_t& start : placeStarts) start = total += start;
-  entries.resize(total);
-  for (std::size_t i = triangles.size(); i-- > 0;)
-    visitCells(triangles[i], levels[levelOf[i]],
-               [&](std::uint64_t place) { entries[--placeStarts[place]] = static_cast<std::uint32_t>(i); });
-  std::erase_if(levels, [](const Level& level) { return level.places == 0; });
+  for (std::uint32_t& start : placeStarts_) start = total += start;
+  entries_.resize(total);
+  for (std::size_t i = triangles_.size(); i-- > 0;)
+    visitCells(triangles_[i], levels_[levelOf[i]],
+               [&](std::uint64_t place) { entries_[--placeStarts_[place]] = static_cast<std::uint32_t>(i); });
+  std::erase_if(levels_, [](const Level& level) { return level.places == 0; });
 }
 
 bool Surface::heightAt(const Triangle& t, double x, double y, double& height) const {
-  if (x < t.ax - rounding || x > t.cx + rounding) return false;
+  if (x < t.ax - rounding_ || x > t.cx + rounding_) return false;
   // The three areas that the point cuts the triangle into, signed by the way the corners turn.
   double a = side(t.bx, t.by, t.cx, t.cy, x, y);
   double b = -side(t.ax, t.ay, t.cx, t.cy, x, y);
@@ -183,9 +184,9 @@ bool Surface::heightAt(const Triangle& t, double x, double y, double& height) co
     b = -b;
     c = -c;
   }
-  if (a < -rounding * (t.cx - t.bx + std::abs(t.cy - t.by)) ||
-      b < -rounding * (t.cx - t.ax + std::abs(t.cy - t.ay)) ||
-      c < -rounding * (t.bx - t.ax + std::abs(t.by - t.ay)))
+  if (a < -rounding_ * (t.cx - t.bx + std::abs(t.cy - t.by)) ||
+      b < -rounding_ * (t.cx - t.ax + std::abs(t.cy - t.ay)) ||
+      c < -rounding_ * (t.bx - t.ax + std::abs(t.by - t.ay)))
     return false;
   a = std::max(a, 0.0);
   b = std::max(b, 0.0);
@@ -195,15 +196,15 @@ bool Surface::heightAt(const Triangle& t, double x, double y, double& height) co
 }
 
 std::uint64_t Surface::placeAt(const Level& level, double x, double y) const {
-  return level.placeOf(cellIndex(x - bounds[0], level.perCell, level.columns),
-                       cellIndex(y - bounds[1], level.perCell, level.rows));
+  return level.placeOf(cellIndex(x - bounds_[0], level.perCell, level.columns),
+                       cellIndex(y - bounds_[1], level.perCell, level.rows));
 }
 
 /// Takes into `best`, NaN at first, the smallest distance to the sheets of one place.
 void Surface::searchPlace(std::uint64_t place, double x, double y, double z, double& best) const {
-  for (std::uint32_t i = placeStarts[place]; i < placeStarts[place + 1]; ++i) {
+  for (std::uint32_t i = placeStarts_[place]; i < placeStarts_[place + 1]; ++i) {
     double height = 0;
-    if (!heightAt(triangles[entries[i]], x, y, height)) continue;
+    if (!heightAt(triangles_[entries_[i]], x, y, height)) continue;
     if (!(std::abs(z - height) >= std::abs(best))) best = z - height;
   }
 }
@@ -217,7 +218,7 @@ double Surface::verticalDistance(double x, double y, double z) const {
 void Surface::verticalDistances(std::span<const double> x, std::span<const double> y,
                                 std::span<const double> z, std::span<double> out) const {
   std::fill(out.begin(), out.end(), std::numeric_limits<double>::quiet_NaN());
-  if (triangles.empty()) return;
+  if (triangles_.empty()) return;
   // As many as a core has requests to memory under way.
   constexpr std::size_t ahead = 32;
   std::array<std::uint64_t, ahead> places{};
@@ -225,18 +226,18 @@ void Surface::verticalDistances(std::span<const double> x, std::span<const doubl
   for (std::size_t start = 0; start < out.size(); start += ahead) {
     std::size_t count = 0;
     for (std::size_t i = start; i < std::min(start + ahead, out.size()); ++i)
-      if (x[i] >= bounds[0] - rounding && x[i] <= bounds[2] + rounding && y[i] >= bounds[1] - rounding &&
-          y[i] <= bounds[3] + rounding)
+      if (x[i] >= bounds_[0] - rounding_ && x[i] <= bounds_[2] + rounding_ &&
+          y[i] >= bounds_[1] - rounding_ && y[i] <= bounds_[3] + rounding_)
         asked[count++] = i;
-    for (const Level& level : levels) {
+    for (const Level& level : levels_) {
       for (std::size_t k = 0; k < count; ++k) {
         places[k] = placeAt(level, x[asked[k]], y[asked[k]]);
-        __builtin_prefetch(&placeStarts[places[k]]);
+        __builtin_prefetch(&placeStarts_[places[k]]);
       }
-      for (std::size_t k = 0; k < count; ++k) __builtin_prefetch(entries.data() + placeStarts[places[k]]);
+      for (std::size_t k = 0; k < count; ++k) __builtin_prefetch(entries_.data() + placeStarts_[places[k]]);
       for (std::size_t k = 0; k < count; ++k)
-        for (std::uint32_t i = placeStarts[places[k]]; i < placeStarts[places[k] + 1]; ++i) {
-          const Triangle* triangle = &triangles[entries[i]];
+        for (std::uint32_t i = placeStarts_[places[k]]; i < placeStarts_[places[k] + 1]; ++i) {
+          const Triangle* triangle = &triangles_[entries_[i]];
           __builtin_prefetch(triangle);
           __builtin_prefetch(&triangle->cz);
         }

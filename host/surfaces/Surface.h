@@ -41,10 +41,10 @@ public:
                          std::span<double> out) const;
 
   /// How many triangles bear a height.
-  std::size_t size() const { return triangles.size(); }
+  std::size_t size() const { return triangles_.size(); }
 
   /// The surface's box in plan: lowest x and y, highest x and y. Only for surfaces that are not empty.
-  const std::array<double, 4>& planBounds() const { return bounds; }
+  const std::array<double, 4>& planBounds() const { return bounds_; }
 
 private:
   /// Corners sorted by x, then y: an edge shared by two triangles then runs the same way in both, so that
@@ -76,12 +76,12 @@ private:
   void searchPlace(std::uint64_t place, double x, double y, double z, double& best) const;
   bool heightAt(const Triangle& triangle, double x, double y, double& height) const;
 
-  std::vector<Triangle> triangles;
-  std::vector<Level> levels;
-  std::vector<std::uint32_t> placeStarts; ///< For each place of each level, where its entries begin.
-  std::vector<std::uint32_t> entries;     ///< Positions in `triangles`.
-  std::array<double, 4> bounds{};
-  double rounding = 0; ///< How far apart two spellings of one coordinate may lie.
+  std::vector<Triangle> triangles_;
+  std::vector<Level> levels_;
+  std::vector<std::uint32_t> placeStarts_; ///< For each place of each level, where its entries begin.
+  std::vector<std::uint32_t> entries_;     ///< Positions in `triangles_`.
+  std::array<double, 4> bounds_{};
+  double rounding_ = 0; ///< How far apart two spellings of one coordinate may lie.
 };
 
 } // namespace Zamt::Host

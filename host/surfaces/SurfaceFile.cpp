@@ -130,8 +130,8 @@ std::shared_ptr<const Surface> SurfaceCache::load(const std::string& path, std::
   const std::uintmax_t size = std::filesystem::file_size(path, error);
   const auto changed =
       error ? std::filesystem::file_time_type() : std::filesystem::last_write_time(path, error);
-  const auto known = entries.find(path);
-  if (!error && known != entries.end() && known->second.size == size && known->second.changed == changed)
+  const auto known = entries_.find(path);
+  if (!error && known != entries_.end() && known->second.size == size && known->second.changed == changed)
     return known->second.surface;
   Mesh mesh;
   if (!readMesh(path, mesh, problem)) return nullptr;
@@ -140,7 +140,7 @@ std::shared_ptr<const Surface> SurfaceCache::load(const std::string& path, std::
     problem = sentence(path, "none of its triangles covers an area in plan");
     return nullptr;
   }
-  entries[path] = {size, changed, surface};
+  entries_[path] = {size, changed, surface};
   return surface;
 }
 

@@ -37,7 +37,7 @@ private:
     std::filesystem::file_time_type changed;
     std::shared_ptr<const Surface> surface;
   };
-  std::map<std::string, Entry> entries;
+  std::map<std::string, Entry> entries_;
 };
 
 } // namespace Zamt::Host

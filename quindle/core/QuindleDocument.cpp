@@ -106,7 +106,9 @@ QuindleValue& QuindleValue::operator=(QuindleValue&& other) noexcept {
   return *this;
 }
 
-QuindleValue::~QuindleValue() { tree::destroyChildren(*this); }
+QuindleValue::~QuindleValue() {
+  if (tree::hasChildren(*this)) tree::destroyChildren(*this);
+}
 
 QuindleExpr::QuindleExpr(const QuindleExpr& other) { tree::copy(other, *this); }
 
@@ -117,7 +119,9 @@ QuindleExpr& QuindleExpr::operator=(QuindleExpr&& other) noexcept {
   return *this;
 }
 
-QuindleExpr::~QuindleExpr() { tree::destroyChildren(*this); }
+QuindleExpr::~QuindleExpr() {
+  if (tree::hasChildren(*this)) tree::destroyChildren(*this);
+}
 
 QuindleStep::QuindleStep(const QuindleStep& other) { tree::copy(other, *this); }
 
@@ -128,7 +132,9 @@ QuindleStep& QuindleStep::operator=(QuindleStep&& other) noexcept {
   return *this;
 }
 
-QuindleStep::~QuindleStep() { tree::destroyChildren(*this); }
+QuindleStep::~QuindleStep() {
+  if (tree::hasChildren(*this)) tree::destroyChildren(*this);
+}
 
 QuindleValue QuindleValue::number(double value) {
   QuindleValue made;

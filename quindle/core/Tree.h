@@ -26,25 +26,42 @@ void eachFieldPair(From& from, Node& to, const Visit& visit) {
   visitAll(std::make_index_sequence<std::tuple_size_v<decltype(targets)>>());
 }
 
+/// Whether any list of `node` holds a child.
+template <class Node>
+bool hasChildren(const Node& node) {
+  const auto isFilled = []<class Field>(const Field& field) {
+    if constexpr (isChildList<Node, Field>) return !field.empty();
+    return false;
+  };
+  return std::apply([&](const auto&... field) { return (isFilled(field) || ...); }, Node::fieldsOf(node));
+}
+
+/// Copies everything of a record but its children.
+template <class Node>
+void copyOwnFields(const Node& from, Node& to) {
+  eachFieldPair(from, to, []<class Field>(const Field& original, Field& copied) {
+    if constexpr (!isChildList<Node, Field>) copied = original;
+  });
+}
+
 /// Makes `to`, a new record, a deep copy of `from`; for the copy constructor of a record.
 template <class Node>
 void copy(const Node& from, Node& to) {
-  std::vector<std::pair<const Node*, Node*>> pending;
-  const auto copyOne = [&pending](const Node& source, Node& target) {
-    eachFieldPair(source, target, [&pending]<class Field>(const Field& original, Field& copied) {
-      if constexpr (isChildList<Node, Field>) {
-        copied.resize(original.size());
-        for (std::size_t i = 0; i < original.size(); ++i) pending.emplace_back(&original[i], &copied[i]);
-      } else {
-        copied = original;
-      }
-    });
-  };
-  copyOne(from, to);
+  copyOwnFields(from, to);
+  if (!hasChildren(from)) return;
+  std::vector<std::pair<const Node*, Node*>> pending{{&from, &to}};
   while (!pending.empty()) {
     const auto [source, target] = pending.back();
     pending.pop_back();
-    copyOne(*source, *target);
+    eachFieldPair(*source, *target, [&pending]<class Field>(const Field& originals, Field& copies) {
+      if constexpr (isChildList<Node, Field>) {
+        copies.resize(originals.size());
+        for (std::size_t i = 0; i < originals.size(); ++i) {
+          copyOwnFields(originals[i], copies[i]);
+          if (hasChildren(originals[i])) pending.emplace_back(&originals[i], &copies[i]);
+        }
+      }
+    });
   }
 }
 

@@ -1,6 +1,7 @@
 #include "files/readTextFile.h"
 #include "files/replaceFile.h"
 #include "quindle/check/checkQuindle.h"
+#include "quindle/core/commaList.h"
 #include "quindle/library/QuindleFiles.h"
 #include "quindle/library/QuindleLibrary.h"
 #include "quindle/library/entryNames.h"
@@ -22,11 +23,9 @@ QuindleLibrary scanned(const std::vector<std::string>& searchPath) {
 }
 
 std::string knownQuindleNames(const QuindleLibrary& library) {
-  std::string names;
-  for (const QuindleLibraryEntry* const entry : library.search({})) {
-    if (!names.empty()) names += ", ";
-    names += displayName(*entry);
-  }
+  const std::string names =
+      commaList(library.search({}),
+                [](const QuindleLibraryEntry* entry) -> const std::string& { return displayName(*entry); });
   return names.empty() ? " There are none at all." : " There is: " + names + ".";
 }
 

@@ -1,6 +1,7 @@
 #include "quindle/plan/QuindlePlanNode.h"
 
 #include "quindle/core/Tree.h"
+#include "quindle/core/commaList.h"
 #include "quindle/plan/combinedCost.h"
 
 namespace Zamt {
@@ -23,12 +24,8 @@ std::uint32_t conditionCost(const QuindlePlanNode& node) {
 
 std::string conditionText(const QuindlePlanNode& node) {
   if (node.kind != Kind::Condition || !node.operation) return "?";
-  std::string out = (node.negated ? "not " : "") + node.operation->name + '(';
-  for (const QuindleExpr& argument : node.arguments) {
-    if (&argument != node.arguments.data()) out += ", ";
-    out += argument.toSource();
-  }
-  return out += ')';
+  return (node.negated ? "not " : "") + node.operation->name + '(' +
+         commaList(node.arguments, &QuindleExpr::toSource) + ')';
 }
 
 } // namespace
@@ -44,7 +41,9 @@ QuindlePlanNode& QuindlePlanNode::operator=(QuindlePlanNode&& other) noexcept {
   return *this;
 }
 
-QuindlePlanNode::~QuindlePlanNode() { tree::destroyChildren(*this); }
+QuindlePlanNode::~QuindlePlanNode() {
+  if (tree::hasChildren(*this)) tree::destroyChildren(*this);
+}
 
 std::uint32_t QuindlePlanNode::cost() const {
   return tree::fold(*this, members, conditionCost,

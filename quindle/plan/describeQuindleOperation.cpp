@@ -1,3 +1,4 @@
+#include "quindle/core/commaList.h"
 #include "quindle/plan/QuindleOperation.h"
 #include "quindle/plan/conditionCosts.h"
 
@@ -13,12 +14,10 @@ std::string necessity(const QuindleOpParam& param) {
 
 /// The condition as a line of a listing: how it is called and what it keeps.
 std::string listingLine(const QuindleOperation& operation) {
-  std::string out = operation.name + '(';
-  for (const QuindleOpParam& param : operation.params) {
-    if (&param != operation.params.data()) out += ", ";
-    out += param.required ? param.name : '[' + param.name + ']';
-  }
-  return out + ")  -  " + operation.summary + '\n';
+  const auto listed = [](const QuindleOpParam& param) {
+    return param.required ? param.name : '[' + param.name + ']';
+  };
+  return operation.name + '(' + commaList(operation.params, listed) + ")  -  " + operation.summary + '\n';
 }
 
 } // namespace

@@ -1,4 +1,6 @@
 #include "quindle/plan/QuindlePlanNode.h"
+
+#include "quindle/core/commaList.h"
 #include "quindle/plan/combinedCost.h"
 
 #include <algorithm>
@@ -31,16 +33,6 @@ QuindleExpr number(double value) { return literal(QuindleValue::number(value)); 
 
 bool isNumber(const QuindleExpr& expr) {
   return expr.kind == Kind::Literal && expr.value.kind == QuindleValue::Kind::Number;
-}
-
-template <class Named>
-std::string joinedNames(const std::vector<Named>& list) {
-  std::string out;
-  for (const Named& item : list) {
-    if (!out.empty()) out += ", ";
-    out += item.name;
-  }
-  return out;
 }
 
 /// Where errors go: a Diag, and the file that they are in. The name is a copy, as the caller's may be that of
@@ -93,7 +85,7 @@ private:
     const QuindleOpParam* const param = operation_.findParam(name);
     if (!param) {
       fail("\"" + operation_.name + "\" has no argument called \"" + name +
-           "\". It takes: " + joinedNames(operation_.params) + ".");
+           "\". It takes: " + commaList(operation_.params, &QuindleOpParam::name) + ".");
       return;
     }
     const auto index = static_cast<std::size_t>(param - operation_.params.data());
@@ -127,8 +119,8 @@ private:
 bool planCall(const QuindleExpr& call, QuindlePlanNode& node, const Faults& faults) {
   node.operation = findQuindleOperation(call.name);
   if (!node.operation)
-    return faults.report(call, "There is no condition called \"" + call.name +
-                                   "\". The ones there are: " + joinedNames(allQuindleOperations()) + ".");
+    return faults.report(call, "There is no condition called \"" + call.name + "\". The ones there are: " +
+                                   commaList(allQuindleOperations(), &QuindleOperation::name) + ".");
   node.line = call.line;
   return CallArguments(call, *node.operation, faults).place(node.arguments);
 }

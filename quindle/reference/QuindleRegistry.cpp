@@ -1,5 +1,6 @@
 #include "quindle/reference/QuindleRegistry.h"
 
+#include "quindle/core/AsciiText.h"
 #include "quindle/plan/QuindleOperation.h"
 #include "quindle/reference/maturity.h"
 
@@ -41,12 +42,8 @@ constexpr std::size_t longestSummary = 100;
 /// How many actions out of reach a listing names.
 constexpr std::size_t mostNamed = 3;
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
-bool isWordByte(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || isDigit(c) || c == '_'; }
-
 bool isWord(const std::string& text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), isWordByte);
+  return !text.empty() && std::all_of(text.begin(), text.end(), isNameByte);
 }
 
 /// A "call" begins with one identifier, while the action behind its dot may be quoted.

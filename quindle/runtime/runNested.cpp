@@ -1,3 +1,4 @@
+#include "quindle/core/commaList.h"
 #include "quindle/plan/evaluateQuindleExpr.h"
 #include "quindle/runtime/Run.h"
 
@@ -18,9 +19,7 @@ std::string quotedRun(const std::string& caller, const std::string& target) {
 
 std::string parameterList(const QuindleDocument& doc) {
   if (doc.params.empty()) return "none at all.";
-  std::string list;
-  for (const QuindleParam& param : doc.params) list += (list.empty() ? "" : ", ") + param.name;
-  return list + ".";
+  return commaList(doc.params, &QuindleParam::name) + ".";
 }
 
 } // namespace

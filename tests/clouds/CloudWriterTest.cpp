@@ -100,7 +100,11 @@ TEST_F(CloudWriterTest, ANewClassNameMovesThePointsAndChangesNothingElse) {
       EXPECT_EQ(numberAt<std::uint64_t>(after, 235), numberAt<std::uint64_t>(before, 235) + added);
       after.replace(235, 8, before, 235, 8);
     }
-    if (before[25] >= 3) after.replace(227, 8, before, 227, 8);
+    if (before[25] >= 3) {
+      const auto packets = numberAt<std::uint64_t>(before, 227); // where those of waveforms start; 0 for none
+      EXPECT_EQ(numberAt<std::uint64_t>(after, 227), packets == 0 ? 0 : packets + added);
+      after.replace(227, 8, before, 227, 8);
+    }
     EXPECT_EQ(numberAt<std::uint32_t>(after, 96), numberAt<std::uint32_t>(before, 96) + added);
     after.replace(96, 8, before, 96, 8); // start of the points and number of records
     EXPECT_TRUE(after.erase(after.find("Kiosk") - 1 - 54, added) == before);

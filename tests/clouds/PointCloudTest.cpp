@@ -36,6 +36,7 @@ protected:
       point.position = {static_cast<double>(i), 2, -3};
       point.classification = static_cast<std::uint8_t>(200 + i);
       point.scanAngle = -12;
+      point.numberOfReturns = 5;
       point.extra[0] = 0.5 * static_cast<double>(i);
     };
     std::string error;
@@ -105,6 +106,13 @@ TEST_F(PointCloudTest, ExtraBytesAgreeWithANaiveDecoding) {
   }
 }
 
+TEST_F(PointCloudTest, ACountThatOnlyOlderReadersKnowIsTaken) {
+  std::string bytes = readFile(soundFile());
+  putNumber(bytes, 107, std::uint32_t{10});
+  putNumber(bytes, 247, std::uint64_t{0});
+  EXPECT_EQ(openWell(write("old.las", bytes))->size(), 10U);
+}
+
 TEST_F(PointCloudTest, ScaleOffsetAndMissingValuesOfExtraBytesApplyOnlyWhereFlagged) {
   std::string bytes = readFile(soundFile());
   const std::size_t entry = 375 + 54;
@@ -123,6 +131,7 @@ TEST_F(PointCloudTest, WhatTheBuilderWroteIsReadAndChangedClassesShowEverywhere)
   const auto file = openWell(soundFile());
   ASSERT_TRUE(file);
   EXPECT_DOUBLE_EQ(readField(*file, "ScanAngle")[0], -12);
+  EXPECT_EQ(readField(*file, "NumberOfReturns")[0], 5);
   EXPECT_EQ(file->classNames().at(0).name, "Noise");
   for (const auto& cloud : {file, Testing::asArrays(*file)}) {
     BlockReader reader(*cloud);

@@ -1,5 +1,7 @@
 #include "tests/session/scenes.h"
 
+#include "sorbine/ValuePool.h"
+
 namespace Zamt::Testing {
 namespace {
 
@@ -50,6 +52,28 @@ TEST_F(MaskedLabelsTest, WhatCannotBeSelectedIsAProblemInWordsAndNotAZero) {
   };
   for (const auto& [condition, sentence] : cases)
     EXPECT_EQ(said("select " + condition + "\nclassify into \"Water\""), lead + sentence + "\n");
+}
+
+TEST_F(MaskedLabelsTest, WhereClassesAreSingledOutOneWithoutANameIsNotAmongThem) {
+  said("create e = \"Edit/MaskedLabels\"\ncreate f = \"Lattix/Field\"\n"
+       "set f.fieldname = \"Classification@Classification\"\nconnect f.grid <- Cloud\n"
+       "connect e.labelfield <- f.field");
+  constexpr std::uint8_t nameless = 77;
+  setClasses(*scene.grid()->cloud, nameless, [](std::uint64_t point) { return point % 3 == 0; });
+  const std::uint64_t ground = countsOf(*scene.grid()->cloud)[2];
+  LabelSet labels;
+  for (const std::int32_t number : {2, 5, 23}) labels.labels[number].flags["editable"] = number == 2;
+  labels.selections["Assign"] = 23;
+  TolvenQuindleOps ops(std::make_shared<ValuePool>());
+  Diag diag;
+  const auto editor = Host::MaskedLabels::all().at(0);
+  ASSERT_TRUE(ops.setParam(editor->name(), "labels", VValueTrait<LabelSet>::Text(labels), diag) &&
+              ops.fireAction(editor->name(), "select", diag))
+      << diag.format();
+  ops.settle();
+  EXPECT_GT(ground, 0U);
+  EXPECT_EQ(editor->change().modified, ground);
+  EXPECT_EQ(editor->change().from[nameless], 0U);
 }
 
 TEST_F(MaskedLabelsTest, AClassThatTheFormatCannotHoldIsRefusedBeforeAnythingIsCounted) {

@@ -13,6 +13,16 @@ TEST(diagnoseQuindle, TellsFaultsOfTextDocumentAndPlansInThisOrder) {
       {"quindle \"D\" { description \"d\" on run { select vertical() } }", ""},
       {"quindle \"D\" { on run { select Ground\nlet x 3 } }",
        "f:2:7: error: Expected \"=\" but found the number 3."},
+      {"quindle \"D\" { on run { select a < 1 && b < 2\nselect !c\n} }",
+       "f:1:37: error: Expected a step but found \"&\".\n"
+       "f:1:37: note: Write \"and\" where other languages have \"&&\".\n"
+       "f:2:8: error: Expected a step but found \"!\".\n"
+       "f:2:8: note: Write \"not\" where other languages have \"!\"."},
+      {"quindle \"D\" { on run { select a = 1 }\n category = \"c\" }",
+       "f:1:33: error: Expected a step but found \"=\".\n"
+       "f:1:33: note: A comparison is written \"==\", and behind the name of an argument stands \":\".\n"
+       "f:2:11: error: Expected the category in quotes but found \"=\".\n"
+       "f:2:11: error: Expected a setting, a parameter or a trigger, but found \"=\"."},
       {"quindle \"D\" { description \"d\" on run { if true {\nselect Ground } else { for each a in b {\n"
        "select Ground } } } on load {\nselect Ground\nrun \"D\"() } }",
        "f:5: error: This Quindle runs itself, which would never stop.\nf:2:8: " + bare + "\nf:3:8: " + bare +

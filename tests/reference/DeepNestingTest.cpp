@@ -54,6 +54,9 @@ void takesAllPasses(const Nesting& nesting) {
   const QuindleDocument document = read;
   read = {};
   EXPECT_NE(explainQuindle(document, {}), "");
+  Diag advice;
+  adviseQuindle(document, advice);
+  EXPECT_EQ(advice.errorCount, 0U);
   for (QuindlePlannedSelect& select : planQuindle(document, diag)) {
     const QuindlePlanNode plan = select.plan;
     select.plan = {};

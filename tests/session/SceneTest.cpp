@@ -1,5 +1,9 @@
 #include "tests/session/scenes.h"
 
+#include <atomic>
+#include <set>
+#include <thread>
+
 namespace Zamt::Testing {
 namespace {
 
@@ -92,12 +96,16 @@ TEST_F(HostSceneTest, ARunComesToTheSameOnAnyFormatAndWritesWhatItChanged) {
   const std::string file = sample(60000);
   Diag diag;
   open(file, doc);
+  ASSERT_TRUE(scene.addDisplay(diag)) << diag.format();
   const std::vector<std::string> report = run(doc);
   EXPECT_NE(report, std::vector<std::string>{"0"});
-  ASSERT_TRUE(scene.writeCloud(path("out.las"), diag)) << diag.format();
+  ASSERT_TRUE(scene.writeCloud(path("out.las"), diag) && scene.savePicture(path("las.png"), diag))
+      << diag.format();
   open(write("lake.arrays", std::string(arraysOf) + file), doc);
   EXPECT_EQ(run(doc), report);
-  ASSERT_TRUE(scene.writeCloud(path("out.classes"), diag)) << diag.format();
+  ASSERT_TRUE(scene.writeCloud(path("out.classes"), diag) && scene.savePicture(path("arrays.png"), diag))
+      << diag.format();
+  EXPECT_TRUE(readFile(path("las.png")) == readFile(path("arrays.png")));
   std::string classes;
   open(path("out.las"), doc);
   for (const double number : readField(*scene.grid()->cloud, "Classification"))
@@ -122,6 +130,29 @@ TEST_F(HostSceneTest, EveryRealFileIsClassifiedAndASecondRunChangesNothing) {
     ++written;
   }
   EXPECT_GE(written, 20);
+}
+
+TEST_F(SceneTest, ASecondSceneWaitsUntilTheFirstIsGone) {
+  const QuindleDocument doc =
+      parsedRun("select class(\"Ground\")\nclassify into \"Water\"\nreport \"{selected}\"",
+                "param cloud : Grid = active");
+  const std::string file = sample();
+  std::atomic<int> inside{0};
+  std::set<std::string> reports;
+  const auto preview = [&] {
+    Host::Scene mine{goOn};
+    EXPECT_EQ(++inside, 1);
+    QuindleRunResult own;
+    Diag diag;
+    EXPECT_TRUE(mine.openCloud(file, doc, diag) && mine.run(doc, {}, true, own, diag)) << diag.format();
+    reports.insert(own.report.begin(), own.report.end());
+    --inside;
+  };
+  std::vector<std::thread> threads;
+  threads.reserve(4);
+  for (int i = 0; i < 4; ++i) threads.emplace_back(preview);
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(reports.size(), 1U);
 }
 
 } // namespace

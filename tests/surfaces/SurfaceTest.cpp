@@ -111,6 +111,21 @@ TEST(Surface, AgreesWithBruteForceOnTrianglesOfEveryShape) {
   EXPECT_GT(expectAgrees(mesh, Surface(mesh), points, 1e-5), 1000);
 }
 
+TEST(Surface, ItsOuterEdgeReachesAsFarAsTwoSpellingsOfACoordinateLieApart) {
+  constexpr double low = 447455.577;
+  constexpr double high = 447456.577;
+  Mesh mesh;
+  addQuad(mesh, {low, low, 1}, {high, low, 1}, {high, high, 1}, {low, high, 1});
+  const Surface surface(mesh);
+  const double middle = (low + high) / 2;
+  for (const double edge : {low, high})
+    for (const double outwards : {std::nextafter(edge, 2 * edge - middle), edge + (edge - middle) * 1e-6}) {
+      const bool reached = std::abs(outwards - edge) < 1e-9;
+      EXPECT_EQ(std::isnan(surface.verticalDistance(outwards, middle, 3)), !reached) << edge;
+      EXPECT_EQ(std::isnan(surface.verticalDistance(middle, outwards, 3)), !reached) << edge;
+    }
+}
+
 TEST(Surface, TheSheetNearestInHeightCountsAndWallsDoNot) {
   Mesh mesh;
   addQuad(mesh, {0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0});

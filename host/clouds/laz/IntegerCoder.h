@@ -20,7 +20,8 @@ public:
   }
 
   /// The number, which is `real` when encoding. Only its lowest `Width` bits count; of 32 bits all do.
-  [[gnu::always_inline]] std::uint32_t code(Coder& coder, std::uint32_t predicted, std::uint32_t real, unsigned context) {
+  [[gnu::always_inline]] std::uint32_t code(Coder& coder, std::uint32_t predicted, std::uint32_t real,
+                                            unsigned context) {
     if constexpr (Coder::encodes) {
       encode(coder, difference(real - predicted), context);
       return real;
@@ -51,8 +52,9 @@ private:
     model.prepare(k < 8 ? 1U << k : 256);
     std::uint32_t place = coder.preparedSymbol(model);
     if (k > 8) place = place << (k - 8) | coder.raw(k - 8);
-    // the upper half of the class holds the positive differences
-    return place >> (k - 1) ? place + 1 : place + 1 - (1U << k);
+    // The upper half of the class holds the positive differences; no branch, since half of them are.
+    const std::uint32_t isPositive = place >> (k - 1);
+    return place + 1 - ((1U << k) & (isPositive - 1));
   }
 
   [[gnu::always_inline]] void encode(Coder& coder, std::int32_t d, unsigned context) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -14,20 +13,24 @@ public:
 
   void push(std::int32_t x) {
     const std::int32_t middle = sorted[2];
-    const unsigned first = dropsLargest ? 0 : 1;
+    const unsigned first = 1 - dropsLargest;
+    const std::array<std::int32_t, 4> kept{sorted[first], sorted[first + 1], sorted[first + 2],
+                                           sorted[first + 3]};
     std::int32_t carried = x;
-    std::array<std::int32_t, 4> kept{sorted[first], sorted[first + 1], sorted[first + 2], sorted[first + 3]};
     for (unsigned i = 4; i > 0; --i) {
-      sorted[i] = std::max(kept[i - 1], carried);
-      carried = std::min(kept[i - 1], carried);
+      // by arithmetic, since a compiler makes branches of a maximum that can't be guessed
+      const std::int32_t isLess = -static_cast<std::int32_t>(kept[i - 1] < carried);
+      const std::int32_t difference = (kept[i - 1] ^ carried) & isLess;
+      sorted[i] = kept[i - 1] ^ difference;
+      carried ^= difference;
     }
     sorted[0] = carried;
-    dropsLargest = dropsLargest ? x < middle : x <= middle;
+    dropsLargest = (x < middle ? 1U : 0U) | ((1 - dropsLargest) & (x == middle ? 1U : 0U));
   }
 
 private:
   std::array<std::int32_t, 5> sorted{};
-  bool dropsLargest = true;
+  unsigned dropsLargest = 1; ///< Or 0.
 };
 
 } // namespace Zamt::Host::Laz

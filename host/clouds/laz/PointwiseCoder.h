@@ -33,7 +33,7 @@ public:
     medianY = {};
   }
 
-  void code(Coder& coder, const std::byte* last, std::byte* now) {
+  [[gnu::always_inline]] void code(Coder& coder, const std::byte* last, std::byte* now) {
     unsigned wanted = 0;
     if constexpr (Coder::encodes) wanted = differences(last, now);
     const unsigned changed = coder.symbol(changes, wanted);
@@ -71,12 +71,13 @@ private:
   }
 
   template <std::size_t Models>
-  static unsigned codeByte(Coder& coder, std::array<ByteModel, Models>& models, const std::byte* last,
-                           const std::byte* now, std::size_t at) {
+  [[gnu::always_inline]] static unsigned codeByte(Coder& coder, std::array<ByteModel, Models>& models,
+                                                  const std::byte* last, const std::byte* now,
+                                                  std::size_t at) {
     return coder.symbol(models[byteAt(last, at)], Coder::encodes ? byteAt(now, at) : 0U);
   }
 
-  void codeIntensity(Coder& coder, unsigned changed, unsigned map, std::byte* now) {
+  [[gnu::always_inline]] void codeIntensity(Coder& coder, unsigned changed, unsigned map, std::byte* now) {
     std::uint16_t& intensity = lastIntensity[map];
     if (changed & IntensityDiffers)
       intensity = static_cast<std::uint16_t>(
@@ -84,7 +85,8 @@ private:
     store(now + 12, intensity);
   }
 
-  void codeBytes(Coder& coder, unsigned changed, unsigned direction, const std::byte* last, std::byte* now) {
+  [[gnu::always_inline]] void codeBytes(Coder& coder, unsigned changed, unsigned direction,
+                                        const std::byte* last, std::byte* now) {
     unsigned classByte = byteAt(last, 15);
     unsigned angle = byteAt(last, 16);
     unsigned user = byteAt(last, 17);
@@ -101,7 +103,8 @@ private:
     store(now + 18, source);
   }
 
-  void codePosition(Coder& coder, const ReturnContext& returns, const std::byte* last, std::byte* now) {
+  [[gnu::always_inline]] void codePosition(Coder& coder, const ReturnContext& returns, const std::byte* last,
+                                           std::byte* now) {
     const auto codeAxis = [&](auto& numbers, MovingMedian& median, unsigned context, std::size_t at) {
       const auto from = load<std::uint32_t>(last + at);
       const std::uint32_t d = numbers.code(coder, static_cast<std::uint32_t>(median.median()),
@@ -160,7 +163,7 @@ public:
   }
 
   /// False when the stream has ended before the point.
-  bool code(Coder& coder, const std::byte* last, std::byte* now) {
+  [[gnu::always_inline]] bool code(Coder& coder, const std::byte* last, std::byte* now) {
     if (!coder.proceed()) return false;
     point.code(coder, last, now);
     if (timeAt) {

@@ -30,8 +30,8 @@ public:
     return enterTail(0);
   }
 
-  /// Where to go on from `at`, which is beyond the limit. Still beyond it when the bytes have ended. By value,
-  /// so that what a decoder keeps in registers need not have an address.
+  /// Where to go on from `at`, which is beyond the limit. Still beyond it when the bytes have ended. By
+  /// value, so that what a decoder keeps in registers need not have an address.
   [[gnu::noinline]] Place moveOn(Place beyond) {
     if (inTail) return beyond;
     return enterTail(static_cast<std::size_t>(beyond.at - whole.data()));
@@ -153,8 +153,8 @@ private:
   /// branch: how many it takes can't be guessed.
   template <unsigned Most = 2>
   [[gnu::always_inline]] void renormalise() {
-    unsigned bytes = (length < 1U << 24 ? 1U : 0U) + (length < 1U << 16 ? 1U : 0U);
-    if constexpr (Most == 3) bytes += length < 1U << 8 ? 1 : 0;
+    unsigned bytes = isBelow<24>(length) + isBelow<16>(length);
+    if constexpr (Most == 3) bytes += isBelow<8>(length);
     const unsigned bits = 8 * bytes;
     const std::uint64_t next = loadBigEndian(place.at);
     value = value << bits | static_cast<std::uint32_t>(next >> (32 - bits));

@@ -135,8 +135,8 @@ private:
 
   template <unsigned Most = 2>
   [[gnu::always_inline]] void renormalise() {
-    unsigned bytes = (length < 1U << 24 ? 1U : 0U) + (length < 1U << 16 ? 1U : 0U);
-    if constexpr (Most == 3) bytes += length < 1U << 8 ? 1 : 0;
+    unsigned bytes = isBelow<24>(length) + isBelow<16>(length);
+    if constexpr (Most == 3) bytes += isBelow<8>(length);
     storeBigEndian(at, base);
     at += bytes;
     base <<= 8 * bytes;

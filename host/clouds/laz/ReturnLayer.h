@@ -34,13 +34,14 @@ public:
     used = 0;
     current = first.channel & 3U;
     select(current, first);
-    const unsigned returns = table[first.returns].place | table[first.returns].level << 3U;
-    return static_cast<PointContext>(returns | current << 6 | 1U << 15);
+    const unsigned place = table[first.returns].place;
+    const unsigned level = table[first.returns].level;
+    return static_cast<PointContext>(place | level << 3 | current << 6 | 1U << 15);
   }
 
   /// Codes one point and gives its context. X and Y are left out, without losing step, unless `WithXy`.
   template <bool WithXy>
-  PointContext code(Coder& coder, Point& now) {
+  [[gnu::always_inline]] PointContext code(Coder& coder, Point& now) {
     Channel& before = *channels[current];
     unsigned wanted = 0;
     if constexpr (Coder::encodes) wanted = differences(now);
@@ -66,7 +67,7 @@ public:
       now = channel.last;
     }
     return static_cast<PointContext>(
-        meaning.place | newTime << 2 | meaning.level << 3 | current << 6 |
+        unsigned{meaning.place} | newTime << 2 | unsigned{meaning.level} << 3 | current << 6 |
         contextOfZ(meaning.single, kx, channel.ys.k()) << 8 | (changed & AngleDiffers ? 1U << 13 : 0U) |
         (changed & SourceDiffers ? 1U << 14 : 0U) | (changed & ChannelDiffers ? 1U << 15 : 0U));
   }
@@ -116,11 +117,11 @@ private:
   };
 
   /// Makes a channel the current one; one that is not used yet starts with `point`.
-  void select(unsigned channel, const Point& point) {
+  [[gnu::noinline]] void select(unsigned channel, Point point) {
     current = channel;
     if (used >> channel & 1) return;
     used |= 1U << channel;
-    if (!channels[channel]) channels[channel] = std::make_unique<Channel>();
+    if (!channels[channel]) channels[channel] = std::make_unique_for_overwrite<Channel>();
     channels[channel]->seed(point);
     channels[channel]->last.channel = static_cast<std::uint8_t>(channel);
   }
@@ -137,7 +138,8 @@ private:
            (now.returns >> 4 != last.returns >> 4 ? unsigned{CountDiffers} : 0U);
   }
 
-  static unsigned codeReturns(Coder& coder, Channel& channel, unsigned changed, unsigned now) {
+  [[gnu::always_inline]] static unsigned codeReturns(Coder& coder, Channel& channel, unsigned changed,
+                                                     unsigned now) {
     const unsigned lastNumber = channel.last.returns & 15U;
     unsigned count = channel.last.returns >> 4U;
     if (changed & CountDiffers) count = coder.symbol(channel.counts[count], now >> 4);
@@ -154,8 +156,8 @@ private:
   }
 
   template <bool WithXy, class Numbers>
-  static void codeAxis(Coder& coder, Numbers& numbers, MovingMedian& median, unsigned context,
-                       std::uint32_t& last, std::uint32_t now) {
+  [[gnu::always_inline]] static void codeAxis(Coder& coder, Numbers& numbers, MovingMedian& median,
+                                              unsigned context, std::uint32_t& last, std::uint32_t now) {
     if constexpr (WithXy) {
       const std::uint32_t d =
           numbers.code(coder, static_cast<std::uint32_t>(median.median()), now - last, context);

@@ -36,7 +36,7 @@ public:
   std::uint64_t last() const { return sequences[current].time; }
 
   /// The time, which is `time` when encoding. Layers code only times that differ from `last`.
-  std::uint64_t code(Coder& coder, std::uint64_t time) {
+  [[gnu::always_inline]] std::uint64_t code(Coder& coder, std::uint64_t time) {
     if constexpr (Coder::encodes) {
       write(coder, time);
     } else {
@@ -63,7 +63,8 @@ private:
     unsigned extremes = 0; ///< Steps in a row that it did not predict.
   };
 
-  std::int32_t codeStep(Coder& coder, std::int32_t factor, std::int32_t real, unsigned context) {
+  [[gnu::always_inline]] std::int32_t codeStep(Coder& coder, std::int32_t factor, std::int32_t real,
+                                               unsigned context) {
     const auto predicted =
         static_cast<std::uint32_t>(factor) * static_cast<std::uint32_t>(sequences[current].step);
     return static_cast<std::int32_t>(steps.code(coder, predicted, static_cast<std::uint32_t>(real), context));
@@ -81,7 +82,7 @@ private:
     }
   }
 
-  void codeFirstStep(Coder& coder, std::int32_t real) {
+  [[gnu::always_inline]] void codeFirstStep(Coder& coder, std::int32_t real) {
     const std::int32_t step = codeStep(coder, 0, real, 0);
     sequences[current].step = step;
     sequences[current].extremes = 0;
@@ -89,7 +90,7 @@ private:
   }
 
   /// A step whose quotient by the expected one has the given symbol.
-  void codeMultiple(Coder& coder, unsigned symbol, std::int32_t real) {
+  [[gnu::always_inline]] void codeMultiple(Coder& coder, unsigned symbol, std::int32_t real) {
     struct Way {
       std::int32_t factor;
       unsigned context;
@@ -108,7 +109,7 @@ private:
     if (symbol == 1) sequences[current].extremes = 0;
   }
 
-  void codeFresh(Coder& coder, std::uint64_t real) {
+  [[gnu::always_inline]] void codeFresh(Coder& coder, std::uint64_t real) {
     const auto upper = static_cast<std::uint32_t>(last() >> 32);
     const std::uint64_t high = steps.code(coder, upper, static_cast<std::uint32_t>(real >> 32), 8);
     const std::uint32_t low = coder.raw(32, static_cast<std::uint32_t>(real));
@@ -118,7 +119,7 @@ private:
   }
 
   /// One symbol and what it asks for. True if it only changed the sequence, so that the time follows.
-  bool readChange(Coder& coder) {
+  [[gnu::always_inline]] bool readChange(Coder& coder) {
     const bool hasStep = sequences[current].step != 0;
     const unsigned symbol = hasStep ? coder.symbol(multiples) : coder.symbol(starts);
     const unsigned fresh = hasStep ? symbols.freshBehind : symbols.fresh;

@@ -23,6 +23,13 @@ void store(std::byte* at, T value) {
   std::memcpy(at, &value, sizeof(T));
 }
 
+/// 1 if a number is below 2^Bits, otherwise 0. By arithmetic, since a compiler makes a branch of a comparison
+/// that can't be guessed here.
+template <unsigned Bits>
+std::uint32_t isBelow(std::uint32_t number) {
+  return static_cast<std::uint32_t>((std::uint64_t{number} - (1U << Bits)) >> 63);
+}
+
 /// Four bytes as a number, the most significant first.
 inline std::uint32_t loadBigEndian(const std::byte* at) { return __builtin_bswap32(load<std::uint32_t>(at)); }
 

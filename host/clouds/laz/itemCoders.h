@@ -19,7 +19,7 @@ public:
 
   static unsigned clamp(int value) { return static_cast<unsigned>(std::clamp(value, 0, 255)); }
 
-  static unsigned code(Coder& coder, Model& model, unsigned expected, unsigned real) {
+  [[gnu::always_inline]] static unsigned code(Coder& coder, Model& model, unsigned expected, unsigned real) {
     return (expected + coder.symbol(model, (real - expected) & 255)) & 255;
   }
 };

@@ -23,7 +23,7 @@ public:
     numbers.reset();
   }
   Value last() const { return last_; }
-  Value code(Coder& coder, PointContext context, Value value) {
+  [[gnu::always_inline]] Value code(Coder& coder, PointContext context, Value value) {
     std::uint32_t& expected = byLevel[levelOf(context)];
     expected = numbers.code(coder, expected, value, contextOfZ(context));
     return last_ = expected;
@@ -44,7 +44,7 @@ public:
     for (auto& model : models) model.reset();
   }
   Value last() const { return last_; }
-  Value code(Coder& coder, PointContext context, Value value) {
+  [[gnu::always_inline]] Value code(Coder& coder, PointContext context, Value value) {
     const unsigned single = placeOf(context) == 3 ? 1 : 0;
     return last_ = static_cast<Value>(coder.symbol(models[2 * (last_ & 31U) + single], value));
   }
@@ -64,7 +64,7 @@ public:
     for (auto& model : models) model.reset();
   }
   Value last() const { return last_; }
-  Value code(Coder& coder, PointContext context, Value value) {
+  [[gnu::always_inline]] Value code(Coder& coder, PointContext context, Value value) {
     const unsigned flags = coder.symbol(models[packed(last_)], packed(value));
     return last_ = static_cast<Value>((flags & 15) | channelOf(context) << 4 | flags >> 4 << 6);
   }
@@ -85,7 +85,7 @@ public:
     numbers.reset();
   }
   Value last() const { return last_; }
-  Value code(Coder& coder, PointContext context, Value value) {
+  [[gnu::always_inline]] Value code(Coder& coder, PointContext context, Value value) {
     const unsigned place = placeOf(context);
     std::uint16_t& expected = byReturn[2 * place + timeDiffers(context)];
     return last_ = expected = static_cast<Value>(numbers.code(coder, expected, value, place));
@@ -106,7 +106,7 @@ public:
     numbers.reset();
   }
   Value last() const { return last_; }
-  Value code(Coder& coder, PointContext context, Value value) {
+  [[gnu::always_inline]] Value code(Coder& coder, PointContext context, Value value) {
     if (angleDiffers(context))
       last_ = static_cast<Value>(numbers.code(coder, last_, value, timeDiffers(context)));
     return last_;
@@ -126,7 +126,7 @@ public:
     for (auto& model : models) model.reset();
   }
   Value last() const { return last_; }
-  Value code(Coder& coder, PointContext, Value value) {
+  [[gnu::always_inline]] Value code(Coder& coder, PointContext, Value value) {
     return last_ = static_cast<Value>(coder.symbol(models[last_ >> 2], value));
   }
 
@@ -144,7 +144,7 @@ public:
     numbers.reset();
   }
   Value last() const { return last_; }
-  Value code(Coder& coder, PointContext context, Value value) {
+  [[gnu::always_inline]] Value code(Coder& coder, PointContext context, Value value) {
     if (sourceDiffers(context)) last_ = static_cast<Value>(numbers.code(coder, last_, value, 0));
     return last_;
   }
@@ -160,7 +160,7 @@ public:
   using Value = std::uint64_t;
   void seed(Value value) { times.reset(value); }
   Value last() const { return times.last(); }
-  Value code(Coder& coder, PointContext context, Value value) {
+  [[gnu::always_inline]] Value code(Coder& coder, PointContext context, Value value) {
     return timeDiffers(context) ? times.code(coder, value) : times.last();
   }
 
@@ -173,7 +173,7 @@ template <class Coder>
 class ExtraByteCoder {
 public:
   void reset() { model.reset(); }
-  void code(Coder& coder, const std::uint8_t& last, std::uint8_t& now) {
+  [[gnu::always_inline]] void code(Coder& coder, const std::uint8_t& last, std::uint8_t& now) {
     now = static_cast<std::uint8_t>(ByteDifferences<Coder>::code(coder, model, last, now));
   }
 
@@ -192,7 +192,7 @@ public:
     select(channelOf(context), first);
   }
 
-  Value code(Coder& coder, PointContext context, Value value) {
+  [[gnu::always_inline]] Value code(Coder& coder, PointContext context, Value value) {
     if (channelOf(context) != current) [[unlikely]]
       select(channelOf(context), layer->last());
     return layer->code(coder, context, value);
@@ -201,7 +201,7 @@ public:
 private:
   [[gnu::noinline]] void select(unsigned channel, Value last) {
     current = channel;
-    if (!layers[channel]) layers[channel] = std::make_unique<Layer>();
+    if (!layers[channel]) layers[channel] = std::make_unique_for_overwrite<Layer>();
     layer = layers[channel].get();
     if ((used >> channel & 1) == 0) layer->seed(last);
     used |= 1U << channel;
@@ -229,7 +229,7 @@ public:
     enter(current, first);
   }
 
-  Value code(Coder& coder, PointContext context, Value value) {
+  [[gnu::always_inline]] Value code(Coder& coder, PointContext context, Value value) {
     const unsigned given = odd && !channelDiffers(context) ? 0 : channelOf(context);
     if (given != current) [[unlikely]]
       change(given);
@@ -246,7 +246,7 @@ private:
   };
 
   void enter(unsigned given, const Value& last) {
-    if (!channels[given]) channels[given] = std::make_unique<Channel>();
+    if (!channels[given]) channels[given] = std::make_unique_for_overwrite<Channel>();
     channel = channels[given].get();
     if ((used >> given & 1) == 0) {
       channel->item.reset();

@@ -133,14 +133,14 @@ std::string listed(const Table& table) {
 class ExpressionCompiler {
 public:
   ExpressionCompiler(std::string_view source, std::span<const ExpressionName> known)
-      : text(source), names(known) {}
+      : text_(source), names_(known) {}
 
   std::optional<Expression> compile(std::string& problem) {
-    while (fault.empty() && skipBlanks()) wantsValue ? readValue() : readOperator();
-    if (fault.empty()) finish();
-    if (fault.empty()) return std::move(result);
-    problem = "The expression " + quoted(text) + " can't be used: at character " +
-              std::to_string(faultAt + 1) + ", " + fault;
+    while (fault_.empty() && skipBlanks()) wantsValue_ ? readValue() : readOperator();
+    if (fault_.empty()) finish();
+    if (fault_.empty()) return std::move(result_);
+    problem = "The expression " + quoted(text_) + " can't be used: at character " +
+              std::to_string(faultAt_ + 1) + ", " + fault_;
     return std::nullopt;
   }
 
@@ -161,63 +161,64 @@ private:
   using Step = Expression::Step;
 
   void fail(std::size_t where, std::string what) {
-    if (!fault.empty()) return;
-    fault = std::move(what);
-    faultAt = where;
+    if (!fault_.empty()) return;
+    fault_ = std::move(what);
+    faultAt_ = where;
   }
 
   bool skipBlanks() {
-    while (at < text.size() && std::string_view(" \t\r\n").find(text[at]) != std::string_view::npos) ++at;
-    return at < text.size();
+    while (at_ < text_.size() && std::string_view(" \t\r\n").find(text_[at_]) != std::string_view::npos)
+      ++at_;
+    return at_ < text_.size();
   }
 
   bool accept(std::string_view symbol) {
-    if (!text.substr(at).starts_with(symbol)) return false;
-    at += symbol.size();
+    if (!text_.substr(at_).starts_with(symbol)) return false;
+    at_ += symbol.size();
     return true;
   }
 
   std::string_view wordAt(std::size_t start) const {
     std::size_t end = start;
-    while (end < text.size() && (isLetter(text[end]) || (end > start && isDigit(text[end])))) ++end;
-    return text.substr(start, end - start);
+    while (end < text_.size() && (isLetter(text_[end]) || (end > start && isDigit(text_[end])))) ++end;
+    return text_.substr(start, end - start);
   }
 
   void readValue() {
-    const std::size_t start = at;
-    const char c = text[at];
+    const std::size_t start = at_;
+    const char c = text_[at_];
     if (isDigit(c) || c == '.') return readNumber();
     if (isLetter(c)) return readWord();
     if (c == '\'') return readQuotedName();
-    if (accept("(")) return waiting.push_back({Waiting::Kind::Parenthesis, start});
-    if (accept("-")) return waiting.push_back({Waiting::Kind::Minus, start});
+    if (accept("(")) return waiting_.push_back({Waiting::Kind::Parenthesis, start});
+    if (accept("-")) return waiting_.push_back({Waiting::Kind::Minus, start});
     if (accept("+")) return;
-    fail(start, "a value is missing in front of " + quoted(text.substr(at, 1)) +
+    fail(start, "a value is missing in front of " + quoted(text_.substr(at_, 1)) +
                     ". Write a field, a number or a parenthesis there.");
   }
 
   void readNumber() {
     double value = 0;
-    const char* end = text.data() + text.size();
-    const auto read = std::from_chars(text.data() + at, end, value);
-    const auto length = static_cast<std::size_t>(read.ptr - (text.data() + at));
+    const char* end = text_.data() + text_.size();
+    const auto read = std::from_chars(text_.data() + at_, end, value);
+    const auto length = static_cast<std::size_t>(read.ptr - (text_.data() + at_));
     if (read.ec != std::errc{} ||
-        (at + length < text.size() && (isLetter(text[at + length]) || text[at + length] == '.')))
-      return fail(at, "there is no number that can be read. Write it as in 12, 0.5 or 1e-3.");
-    at += length;
+        (at_ + length < text_.size() && (isLetter(text_[at_ + length]) || text_[at_ + length] == '.')))
+      return fail(at_, "there is no number that can be read. Write it as in 12, 0.5 or 1e-3.");
+    at_ += length;
     pushConstant(value);
   }
 
   void readWord() {
-    const std::size_t start = at;
-    const std::string_view word = wordAt(at);
-    at += word.size();
-    if (word == "not") return waiting.push_back({Waiting::Kind::Not, start});
+    const std::size_t start = at_;
+    const std::string_view word = wordAt(at_);
+    at_ += word.size();
+    if (word == "not") return waiting_.push_back({Waiting::Kind::Not, start});
     if (word == "and" || word == "or")
       return fail(start, "a value is missing in front of " + quoted(word) +
                              ". Write a field, a number or a parenthesis there.");
     const bool blank = skipBlanks();
-    if (blank && text[at] == '(') return readCall(start, word);
+    if (blank && text_[at_] == '(') return readCall(start, word);
     if (const ExpressionName* known = findName(word)) return readComponent(start, *known);
     for (const Constant& constant : constants)
       if (constant.name == word) return pushConstant(constant.value);
@@ -229,34 +230,34 @@ private:
   }
 
   void readQuotedName() {
-    const std::size_t start = at;
-    const std::size_t end = text.find('\'', at + 1);
+    const std::size_t start = at_;
+    const std::size_t end = text_.find('\'', at_ + 1);
     if (end == std::string_view::npos)
       return fail(start, "a quoted field name has no end. Write a single quote behind the name.");
-    const std::string_view name = text.substr(at + 1, end - at - 1);
-    at = end + 1;
+    const std::string_view name = text_.substr(at_ + 1, end - at_ - 1);
+    at_ = end + 1;
     if (const ExpressionName* known = findName(name)) return readComponent(start, *known);
     failUnknown(start, name);
   }
 
   void failUnknown(std::size_t where, std::string_view name) {
     fail(where, "there is no field called " + quoted(name) +
-                    (names.empty() ? "." : ". The fields are " + listed(names) + "."));
+                    (names_.empty() ? "." : ". The fields are " + listed(names_) + "."));
   }
 
   const ExpressionName* findName(std::string_view name) const {
-    const auto found = std::find_if(names.begin(), names.end(),
+    const auto found = std::find_if(names_.begin(), names_.end(),
                                     [&](const ExpressionName& known) { return known.name == name; });
-    return found == names.end() ? nullptr : &*found;
+    return found == names_.end() ? nullptr : &*found;
   }
 
   void readComponent(std::size_t start, const ExpressionName& name) {
     unsigned component = 0;
-    if (skipBlanks() && text[at] == '[') {
-      ++at;
+    if (skipBlanks() && text_[at_] == '[') {
+      ++at_;
       skipBlanks();
-      const auto read = std::from_chars(text.data() + at, text.data() + text.size(), component);
-      at = static_cast<std::size_t>(read.ptr - text.data());
+      const auto read = std::from_chars(text_.data() + at_, text_.data() + text_.size(), component);
+      at_ = static_cast<std::size_t>(read.ptr - text_.data());
       skipBlanks();
       if (read.ec != std::errc{} || component >= name.components || !accept("]"))
         return failComponent(start, name);
@@ -280,43 +281,44 @@ private:
     if (found == functions.end())
       return fail(start, "there is no function called " + quoted(name) + ". The functions are " +
                              listed(functions) + ".");
-    ++at;
-    waiting.push_back({Waiting::Kind::Call, start, nullptr, found});
+    ++at_;
+    waiting_.push_back({Waiting::Kind::Call, start, nullptr, found});
   }
 
   void readOperator() {
-    const std::size_t start = at;
+    const std::size_t start = at_;
     if (accept(")")) return close(start);
     if (accept(",")) return nextArgument(start);
-    const std::string_view word = wordAt(at);
+    const std::string_view word = wordAt(at_);
     for (const Operator& op : operators) {
-      if (isLetter(op.spelling[0]) ? word != op.spelling : !text.substr(at).starts_with(op.spelling))
+      if (isLetter(op.spelling[0]) ? word != op.spelling : !text_.substr(at_).starts_with(op.spelling))
         continue;
-      at += op.spelling.size();
+      at_ += op.spelling.size();
       return pushOperator(start, op);
     }
     if (accept("="))
       return fail(start, "\"=\" would set a value, and an expression only asks. Write == to compare.");
-    fail(start, "an operator is missing in front of " + quoted(word.empty() ? text.substr(at, 1) : word) +
+    fail(start, "an operator is missing in front of " + quoted(word.empty() ? text_.substr(at_, 1) : word) +
                     ". Join values with +, <, and, or and their like.");
   }
 
   void pushOperator(std::size_t start, const Operator& op) {
     // Only what groups from the right leaves its equals waiting.
-    while (!waiting.empty() && !waiting.back().opens() &&
-           (waiting.back().rank() > op.rank || (waiting.back().rank() == op.rank && op.rank != powerRank))) {
-      if (op.rank == compareRank && waiting.back().rank() == compareRank)
+    while (
+        !waiting_.empty() && !waiting_.back().opens() &&
+        (waiting_.back().rank() > op.rank || (waiting_.back().rank() == op.rank && op.rank != powerRank))) {
+      if (op.rank == compareRank && waiting_.back().rank() == compareRank)
         return fail(start, "a comparison is compared again. Compare two values at a time and join the "
                            "comparisons with and.");
       emitWaiting();
     }
-    waiting.push_back({Waiting::Kind::Operator, start, &op});
-    wantsValue = true;
+    waiting_.push_back({Waiting::Kind::Operator, start, &op});
+    wantsValue_ = true;
   }
 
   void emitWaiting() {
-    const Waiting top = waiting.back();
-    waiting.pop_back();
+    const Waiting top = waiting_.back();
+    waiting_.pop_back();
     if (top.kind == Waiting::Kind::Not)
       pushUnary(eachOne<[](double a) { return holds(a) ? 0.0 : 1.0; }>);
     else if (top.kind == Waiting::Kind::Minus)
@@ -326,27 +328,27 @@ private:
   }
 
   void emitToOpening() {
-    while (!waiting.empty() && !waiting.back().opens()) emitWaiting();
+    while (!waiting_.empty() && !waiting_.back().opens()) emitWaiting();
   }
 
   void close(std::size_t start) {
     emitToOpening();
-    if (waiting.empty())
+    if (waiting_.empty())
       return fail(start, "a \")\" closes nothing. Take it away, or write the \"(\" that it belongs to.");
-    const Waiting opening = waiting.back();
-    waiting.pop_back();
+    const Waiting opening = waiting_.back();
+    waiting_.pop_back();
     if (opening.kind == Waiting::Kind::Call) finishCall(opening);
   }
 
   void nextArgument(std::size_t start) {
     emitToOpening();
-    if (waiting.empty() || waiting.back().kind != Waiting::Kind::Call)
+    if (waiting_.empty() || waiting_.back().kind != Waiting::Kind::Call)
       return fail(start, "a comma stands outside of a function. Write numbers with a point, as in 0.5.");
-    Waiting& call = waiting.back();
+    Waiting& call = waiting_.back();
     ++call.arguments;
     // Worked on as they come, so that a long list of arguments needs no more columns than a short one.
     if (call.function->many && call.arguments > 2) pushBinary(call.function->two);
-    wantsValue = true;
+    wantsValue_ = true;
   }
 
   void finishCall(const Waiting& call) {
@@ -363,45 +365,45 @@ private:
   }
 
   void finish() {
-    if (wantsValue)
-      return fail(at, "a value is missing at the end. Write a field, a number or a parenthesis there.");
+    if (wantsValue_)
+      return fail(at_, "a value is missing at the end. Write a field, a number or a parenthesis there.");
     emitToOpening();
-    if (!waiting.empty())
-      fail(waiting.back().at, "a parenthesis is not closed. Write the \")\" that belongs to it.");
+    if (!waiting_.empty())
+      fail(waiting_.back().at, "a parenthesis is not closed. Write the \")\" that belongs to it.");
   }
 
   void pushColumn(const Step& step) {
-    result.steps.push_back(step);
-    result.depth = std::max(result.depth, ++height);
-    wantsValue = false;
+    result_.steps_.push_back(step);
+    result_.depth_ = std::max(result_.depth_, ++height_);
+    wantsValue_ = false;
   }
 
   void pushConstant(double value) { pushColumn({Step::Kind::Constant, 0, value}); }
 
   void pushInput(const ExpressionName& name, unsigned component) {
-    const ExpressionInput input{static_cast<std::size_t>(&name - names.data()), component};
-    const auto found = std::find(result.needed.begin(), result.needed.end(), input);
-    const auto position = static_cast<std::size_t>(found - result.needed.begin());
-    if (found == result.needed.end()) result.needed.push_back(input);
+    const ExpressionInput input{static_cast<std::size_t>(&name - names_.data()), component};
+    const auto found = std::find(result_.needed_.begin(), result_.needed_.end(), input);
+    const auto position = static_cast<std::size_t>(found - result_.needed_.begin());
+    if (found == result_.needed_.end()) result_.needed_.push_back(input);
     pushColumn({Step::Kind::Input, position});
   }
 
-  void pushUnary(UnaryColumn apply) { result.steps.push_back({Step::Kind::Unary, 0, 0, apply}); }
+  void pushUnary(UnaryColumn apply) { result_.steps_.push_back({Step::Kind::Unary, 0, 0, apply}); }
 
   void pushBinary(BinaryColumn apply) {
-    result.steps.push_back({Step::Kind::Binary, 0, 0, nullptr, apply});
-    --height;
+    result_.steps_.push_back({Step::Kind::Binary, 0, 0, nullptr, apply});
+    --height_;
   }
 
-  std::string_view text;
-  std::span<const ExpressionName> names;
-  std::size_t at = 0;
-  bool wantsValue = true;
-  std::vector<Waiting> waiting;
-  std::size_t height = 0;
-  Expression result;
-  std::string fault;
-  std::size_t faultAt = 0;
+  std::string_view text_;
+  std::span<const ExpressionName> names_;
+  std::size_t at_ = 0;
+  bool wantsValue_ = true;
+  std::vector<Waiting> waiting_;
+  std::size_t height_ = 0;
+  Expression result_;
+  std::string fault_;
+  std::size_t faultAt_ = 0;
 };
 
 std::optional<Expression> Expression::compile(std::string_view text, std::span<const ExpressionName> names,
@@ -412,15 +414,15 @@ std::optional<Expression> Expression::compile(std::string_view text, std::span<c
 std::size_t Expression::columnLength() const {
   constexpr std::size_t longest = 512;    // Four columns fit the nearest cache.
   constexpr std::size_t values = 262'144; // What all columns hold together, where the nesting allows it.
-  return std::clamp<std::size_t>(values / std::max<std::size_t>(depth, 1), 1, longest);
+  return std::clamp<std::size_t>(values / std::max<std::size_t>(depth_, 1), 1, longest);
 }
 
 void Expression::evaluate(std::span<const std::span<const double>> columns, std::vector<double>& scratch,
                           std::span<double> out) const {
   const std::size_t count = out.size();
-  if (scratch.size() < depth * count) scratch.resize(depth * count);
+  if (scratch.size() < depth_ * count) scratch.resize(depth_ * count);
   double* top = scratch.data();
-  for (const Step& step : steps) switch (step.kind) {
+  for (const Step& step : steps_) switch (step.kind) {
     case Step::Kind::Constant:
       std::fill_n(top, count, step.constant);
       top += count;

@@ -39,7 +39,7 @@ public:
                                            std::string& problem);
 
   /// The values it needs, each once.
-  const std::vector<ExpressionInput>& inputs() const { return needed; }
+  const std::vector<ExpressionInput>& inputs() const { return needed_; }
 
   /// How many points `evaluate` works on at once, at most: fewer for deeply nested expressions, so that the
   /// columns in between stay in proportion to the text.
@@ -65,9 +65,9 @@ private:
     BinaryColumn binary = nullptr;
   };
 
-  std::vector<ExpressionInput> needed;
-  std::vector<Step> steps; ///< In postfix order.
-  std::size_t depth = 0;   ///< Columns that are needed at once.
+  std::vector<ExpressionInput> needed_;
+  std::vector<Step> steps_; ///< In postfix order.
+  std::size_t depth_ = 0;   ///< Columns that are needed at once.
 };
 
 } // namespace Zamt::Host

@@ -30,6 +30,10 @@ public:
   }
 
   bool good() const { return error.empty(); }
+  /// Where the chunk table is, behind all chunks.
+  std::size_t tableAt() const {
+    return chunks.chunks.empty() ? chunks.end - 8 : chunks.chunks.back().offset + chunks.chunks.back().size;
+  }
   std::span<const std::byte> chunk(const LazChunk& chunk) const {
     return std::span(bytes).subspan(chunk.offset, chunk.size);
   }

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "files/Stop.h"
+#include "host/objects/MaskedLabels.h"
+#include "host/session/Progress.h"
+#include "quindle/core/Diag.h"
+#include "quindle/core/QuindleDocument.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Zamt::Host {
+
+/// One cloud of a job.
+struct JobCloud {
+  std::string file;
+  std::string output; ///< Where it is written; empty for a preview, which writes no cloud.
+};
+
+/// A Quindle, and what it is to be run on.
+struct Job {
+  QuindleDocument document;
+  std::map<std::string, std::string> values; ///< Of its parameters, as the user wrote them.
+  std::string region;                        ///< The text of one to keep to; empty for everywhere.
+  std::string classes;                       ///< The only ones whose points may change; empty for all.
+  unsigned threads = 0;                      ///< 0 for as many as the machine has.
+  std::vector<JobCloud> clouds;
+  std::string picture; ///< A PNG file to draw a preview into; empty for none.
+};
+
+/// What the run on one cloud came to.
+struct Outcome {
+  std::string cloud;
+  bool preview = false;
+  std::string output; ///< What was written or drawn; empty for nothing.
+  bool ok = false;
+  std::vector<std::string> report;
+  std::vector<ClassChange> changes;
+  std::map<std::uint8_t, std::string> classNames; ///< Of the classes that points come from.
+};
+
+/// Who is told what a job does.
+struct JobWatch {
+  const Stop& stop;  ///< Once this is requested the job ends, and the cloud at hand is not written.
+  Progress progress; ///< May be null.
+  /// Takes what came of each cloud, in their order, as soon as it is there.
+  std::function<void(Outcome, Diag)> finished;
+};
+
+/// Runs a Quindle on each cloud in turn, or previews it. A cloud that fails is not written, and the next ones
+/// still run. False with a sentence in `problem`, and nothing done, when the region can't be used.
+bool runClouds(const Job& job, const JobWatch& watch, std::string& problem);
+
+} // namespace Zamt::Host

@@ -1,0 +1,21 @@
+#include "host/verbs/Data.h"
+
+namespace Zamt::Host {
+
+Data::Data() : value(nullptr) {}
+Data::Data(bool truth) : value(truth) {}
+Data::Data(double number) : value(number) {}
+Data::Data(const char* text) : value(std::string(text)) {}
+Data::Data(std::string_view text) : value(std::string(text)) {}
+Data::Data(std::string text) : value(std::move(text)) {}
+Data::Data(List list) : value(std::move(list)) {}
+Data::Data(Fields fields) : value(std::move(fields)) {}
+Data::Data(Value&& made) : value(std::move(made)) {}
+
+Data::Data(const Data& other) = default;
+Data::Data(Data&& other) noexcept = default;
+Data& Data::operator=(const Data& other) = default;
+Data& Data::operator=(Data&& other) noexcept = default;
+Data::~Data() = default;
+
+} // namespace Zamt::Host

@@ -1,0 +1,146 @@
+#include "host/clouds/cloudInfo.h"
+#include "host/clouds/openCloud.h"
+#include "host/verbs/options.h"
+#include "host/verbs/texts.h"
+#include "host/verbs/verbs.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+
+namespace Zamt::Host {
+
+namespace {
+
+/// A cloud and what it holds.
+struct Inspected {
+  std::string path;
+  CloudInfo info;
+};
+
+bool inspect(const std::string& path, const Stop& stop, CloudInfo& info, Diag& diag) {
+  std::string problem;
+  const std::shared_ptr<PointCloud> cloud = openCloud(path, problem);
+  if (cloud && inspectCloud(*cloud, stop, info, problem)) return true;
+  diag.error(problem, path);
+  return false;
+}
+
+/// "uint16", or "float[3]" for several components.
+std::string typeText(const FieldRange& field) {
+  const std::string name = nameOfType(field.type);
+  return field.components == 1 ? name : fmt::format("{}[{}]", name, field.components);
+}
+
+/// With the digits that the type means, without those that only rounding brings.
+std::string valueText(const FieldRange& field, double value) {
+  if (!field.hasValues) return "-";
+  return field.type == FieldType::F32 ? fmt::format("{:.7g}", value) : fmt::format("{:.12g}", value);
+}
+
+std::string fieldsText(const CloudInfo& info) {
+  std::size_t names = 5;
+  std::size_t types = 4;
+  for (const FieldRange& field : info.fields) {
+    names = std::max(names, field.name.size());
+    types = std::max(types, typeText(field).size());
+  }
+  std::string text =
+      fmt::format("  {:<{}}  {:<{}}  {:>20}  {:>20}\n", "field", names, "type", types, "lowest", "highest");
+  for (const FieldRange& field : info.fields)
+    text += fmt::format("  {:<{}}  {:<{}}  {:>20}  {:>20}\n", field.name, names, typeText(field), types,
+                        valueText(field, field.low), valueText(field, field.high));
+  return text;
+}
+
+std::string classesText(const CloudInfo& info) {
+  if (info.classes.empty()) return {};
+  std::string text = fmt::format("  {:>5}  {:>15}  {}\n", "class", "points", "name");
+  for (const ClassCount& entry : info.classes)
+    text += fmt::format("  {:>5}  {:>15}  {}\n", entry.number, grouped(entry.points),
+                        entry.name.empty() ? "-" : entry.name);
+  return text;
+}
+
+std::string infoText(const Inspected& cloud) {
+  const CloudInfo& info = cloud.info;
+  std::string text = fmt::format("{}: LAS 1.{}, point format {}, {}\n", cloud.path, info.versionMinor,
+                                 info.pointFormat, countOf(info.points, "point"));
+  if (!info.bounds.empty())
+    for (std::size_t axis = 0; axis < 3; ++axis)
+      text += fmt::format("  {}  {:.12g} .. {:.12g}\n", "xyz"[axis], info.bounds.low[axis],
+                          info.bounds.high[axis]);
+  return text + fieldsText(info) + classesText(info);
+}
+
+Data endOf(const FieldRange& field, double end) {
+  if (!field.hasValues) return {};
+  return end;
+}
+
+Data fieldData(const FieldRange& field) {
+  return Fields{{"name", field.name},
+                {"type", nameOfType(field.type)},
+                {"components", field.components},
+                {"low", endOf(field, field.low)},
+                {"high", endOf(field, field.high)}};
+}
+
+Data classData(const ClassCount& entry) {
+  return Fields{{"number", entry.number}, {"name", entry.name}, {"points", entry.points}};
+}
+
+Data boundsData(const Bounds& bounds) {
+  if (bounds.empty()) return {};
+  return Fields{{"low", Data::list(bounds.low)}, {"high", Data::list(bounds.high)}};
+}
+
+Data infoData(const Inspected& cloud) {
+  const CloudInfo& info = cloud.info;
+  return Fields{{"file", cloud.path},
+                {"version", fmt::format("1.{}", info.versionMinor)},
+                {"pointFormat", info.pointFormat},
+                {"points", info.points},
+                {"bounds", boundsData(info.bounds)},
+                {"fields", Data::list(info.fields, fieldData)},
+                {"classes", Data::list(info.classes, classData)}};
+}
+
+Answer showInfo(const Request& request, const Context& context) {
+  Answer answer;
+  for (const std::string& path : request.texts("cloud")) {
+    if (context.stop.requested()) break;
+    Inspected cloud{path, {}};
+    Diag diag;
+    const bool good = inspect(path, context.stop, cloud.info, diag);
+    if (!good) answer.status = Status::Failed;
+    context.deliver(answer, good ? partOf(std::move(diag), std::move(cloud), infoText, infoData)
+                                 : Part{std::move(diag), {}, {}, {}});
+  }
+  if (context.stop.requested()) answer.status = Status::Failed;
+  return answer;
+}
+
+} // namespace
+
+Verb infoVerb() {
+  return {
+      .name = "info",
+      .summary = "Show what clouds hold. Fields come with their ranges, classes with their counts.",
+      .footer = "Example:\n  quindle info lake.las",
+      .options = {{.name = "cloud",
+                   .kind = Option::Kind::Texts,
+                   .help = "The clouds: LAS files.",
+                   .placeholder = "CLOUD",
+                   .argument = true,
+                   .required = true},
+                  jsonOption("Print JSON: \"clouds\" with file, version, pointFormat, points, bounds (low, "
+                             "high), fields (name, type, components, low, high) and classes (number, name, "
+                             "points) of each, and \"diagnostics\".")},
+      .listName = "clouds",
+      .run = showInfo};
+}
+
+} // namespace Zamt::Host
