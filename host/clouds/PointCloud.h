@@ -38,6 +38,9 @@ public:
   /// The field that holds the class; what is read from it are the classes as changed.
   const Field& classField() const { return about_.fields[about_.classField]; }
 
+  /// How the points are compressed, if they are.
+  std::optional<Compression> compression() const { return format_->compression(); }
+
   /// How formats call a component of a field of this cloud.
   ColumnKey keyOf(const Field& field, unsigned component = 0) const {
     return {static_cast<std::size_t>(&field - about_.fields.data()), component};

@@ -110,7 +110,7 @@ std::vector<Option> jobOptions() {
       quindleArgument(),
       {.name = "cloud",
        .kind = Option::Kind::Texts,
-       .help = "The clouds: LAS files, each worked on by itself.",
+       .help = "The clouds: LAS or LAZ files, each worked on by itself.",
        .placeholder = "CLOUD",
        .argument = true,
        .required = true},

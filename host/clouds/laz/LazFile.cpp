@@ -1,5 +1,7 @@
 #include "host/clouds/laz/LazFile.h"
 
+#include "host/clouds/laz/PointLayers.h"
+
 #include <algorithm>
 
 namespace Zamt::Host {
@@ -13,6 +15,25 @@ std::uint32_t countOfEvlrs(const LasFile& file) {
 }
 
 } // namespace
+
+Compression LazFile::compression() const {
+  Compression all;
+  all.compressor =
+      std::string(copc ? "COPC" : "LAZ") + (coding.isLayered() ? ", layered" : ", point by point");
+  all.chunks = chunks.chunks.size();
+  for (std::size_t layer = 0; layer < coding.layerCount(); ++layer)
+    if (const std::string name = Laz::layerName(layer, coding);
+        all.layers.empty() || all.layers.back().name != name)
+      all.layers.push_back({name, 0});
+  for (std::size_t number = 0; number < chunks.chunks.size(); ++number) {
+    all.bytes += chunks.chunks[number].size;
+    Laz::LayeredChunk head;
+    if (!coding.isLayered() || !Laz::readLayeredChunk(coding, chunk(number), head)) continue;
+    for (std::size_t layer = 0; layer < head.layers.size(); ++layer)
+      all.layers[std::min(layer, all.layers.size() - 1)].bytes += head.layers[layer].size();
+  }
+  return all;
+}
 
 std::size_t LazFile::keptFrom() const {
   if (chunks.fromTable) return static_cast<std::size_t>(chunks.end);

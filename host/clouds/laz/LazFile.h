@@ -20,6 +20,8 @@ struct LazFile : LasFile {
     return bytes().subspan(static_cast<std::size_t>(place.offset), static_cast<std::size_t>(place.size));
   }
 
+  Compression compression() const;
+
   /// Where the bytes behind the points start that are kept when the points are written anew. A file without a
   /// table that can be used may end in anything, except that EVLRs which are all sound are what they seem.
   std::size_t keptFrom() const;

@@ -54,6 +54,7 @@ public:
   }
 
   std::string_view ending() const override { return file_.copc ? ".copc.laz" : ".laz"; }
+  std::optional<Compression> compression() const override { return file_.compression(); }
   const LasSource* source() const override { return this; }
 
   const LasFile& file() const override { return file_; }

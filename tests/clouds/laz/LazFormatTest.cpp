@@ -1,4 +1,4 @@
-#include "host/clouds/laz/LasCompatibility.h"
+#include "host/clouds/las/LasCompatibility.h"
 #include "host/clouds/laz/LazChunks.h"
 
 #include <cstring>
