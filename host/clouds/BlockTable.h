@@ -31,6 +31,13 @@ public:
     return static_cast<std::size_t>(starts_[block + 1] - starts_[block]);
   }
 
+  /// The block with the point of that number, which is less than `points()`.
+  std::size_t holding(std::uint64_t point) const {
+    return static_cast<std::size_t>(std::upper_bound(starts_.begin(), starts_.end(), point) -
+                                    starts_.begin()) -
+           1;
+  }
+
   /// Short blocks are put together in groups, each of which is worth a task of its own: a file may hold
   /// millions of blocks of one point.
   std::size_t groups() const { return groups_.size() - 1; }

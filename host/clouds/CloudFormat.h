@@ -11,12 +11,17 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Zamt::Host {
+
+class LasSource;
 
 /// What a file says of its points. Never changes once the file is open.
 struct CloudDescription {
@@ -28,6 +33,19 @@ struct CloudDescription {
   std::vector<ClassName> classNames; ///< Those the file brings, in number order.
   BlockTable blocks;
   std::vector<Bounds> boxes; ///< Of each block, where the file says so and can be trusted; else empty.
+};
+
+/// How the points of a file are compressed.
+struct Compression {
+  struct Layer {
+    std::string name;
+    std::uint64_t bytes = 0;
+  };
+  std::string compressor;
+  std::uint64_t chunks = 0;
+  std::uint64_t bytes = 0; ///< Of all chunks.
+  std::vector<Layer>
+      layers; ///< What these are made of, in the order of the file; none if they are of one piece.
 };
 
 /// One component of a field, by its place among the fields.
@@ -81,6 +99,15 @@ public:
             "\" by themselves. Convert the cloud to LAS first.";
     return false;
   }
+
+  /// How names of files of this format end, beginning with a point; empty if that is of no matter.
+  virtual std::string_view ending() const { return {}; }
+
+  /// How the points are compressed, if they are. Looks at every chunk.
+  virtual std::optional<Compression> compression() const { return {}; }
+
+  /// What writers of other formats need of a file that is laid out as LAS; null for any other.
+  virtual const LasSource* source() const { return nullptr; }
 };
 
 } // namespace Zamt::Host

@@ -1,6 +1,7 @@
 #include "host/clouds/PointCloud.h"
 
 #include "host/clouds/BlockReader.h"
+#include "host/clouds/writeCloud.h"
 
 #include <algorithm>
 #include <utility>
@@ -36,7 +37,7 @@ void PointCloud::setClass(BlockReader& reader, std::span<const std::uint32_t> in
 
 bool PointCloud::write(const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
                        std::string& error) const {
-  return format_->write(classes_, addedNames, path, stop, error);
+  return writeCloud(*format_, path_, classes_, addedNames, path, stop, error);
 }
 
 bool PointCloud::extract(const PointMask& kept, const std::string& path, const Stop& stop,

@@ -38,6 +38,9 @@ public:
   /// The field that holds the class; what is read from it are the classes as changed.
   const Field& classField() const { return about_.fields[about_.classField]; }
 
+  /// How the points are compressed, if they are.
+  std::optional<Compression> compression() const { return format_->compression(); }
+
   /// How formats call a component of a field of this cloud.
   ColumnKey keyOf(const Field& field, unsigned component = 0) const {
     return {static_cast<std::size_t>(&field - about_.fields.data()), component};
@@ -54,7 +57,7 @@ public:
   /// then tells.
   void setClass(BlockReader& reader, std::span<const std::uint32_t> indices, std::uint8_t number);
 
-  /// Writes the file with its classes as changed to `path`, as `CloudFormat::write` does.
+  /// Writes the file with its classes as changed to `path`, as `writeCloud` does.
   bool write(const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
              std::string& error) const;
 

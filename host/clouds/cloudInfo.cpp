@@ -84,7 +84,7 @@ std::vector<ColumnKey> allColumns(const PointCloud& cloud) {
 } // namespace
 
 bool inspectCloud(const PointCloud& cloud, const Stop& stop, CloudInfo& info, std::string& problem) {
-  info = {cloud.versionMinor(), cloud.pointFormat(), cloud.size(), {}, {}, {}};
+  info = {cloud.versionMinor(), cloud.pointFormat(), cloud.size(), cloud.compression(), {}, {}, {}};
   tbb::enumerable_thread_specific<Tally> tallies([&cloud] { return Tally(cloud.fields().size()); });
   const auto visit = [&tallies](BlockReader& block) { tallyBlock(block, tallies.local()); };
   if (!forEachBlock(cloud, allColumns(cloud), stop, visit, problem)) return false;

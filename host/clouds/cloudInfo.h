@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,7 @@ struct CloudInfo {
   unsigned versionMinor = 0;
   unsigned pointFormat = 0;
   std::uint64_t points = 0;
+  std::optional<Compression> compression; ///< How the file stores the points, unless just as they are.
   Bounds bounds;                   ///< Of the points themselves, not what the header says; world units.
   std::vector<FieldRange> fields;  ///< In the order of the file.
   std::vector<ClassCount> classes; ///< Those that occur, in number order.

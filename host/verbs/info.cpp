@@ -64,10 +64,21 @@ std::string classesText(const CloudInfo& info) {
   return text;
 }
 
+std::string compressionText(const Compression& compression) {
+  std::string text = fmt::format("  {}: {}, {}\n", compression.compressor,
+                                 countOf(compression.chunks, "chunk"), countOf(compression.bytes, "byte"));
+  if (compression.layers.empty()) return text;
+  text += fmt::format("  {:<13}  {:>15}\n", "layer", "bytes");
+  for (const Compression::Layer& layer : compression.layers)
+    text += fmt::format("  {:<13}  {:>15}\n", layer.name, grouped(layer.bytes));
+  return text;
+}
+
 std::string infoText(const Inspected& cloud) {
   const CloudInfo& info = cloud.info;
   std::string text = fmt::format("{}: LAS 1.{}, point format {}, {}\n", cloud.path, info.versionMinor,
                                  info.pointFormat, countOf(info.points, "point"));
+  if (info.compression) text += compressionText(*info.compression);
   if (!info.bounds.empty())
     for (std::size_t axis = 0; axis < 3; ++axis)
       text += fmt::format("  {}  {:.12g} .. {:.12g}\n", "xyz"[axis], info.bounds.low[axis],
@@ -92,6 +103,18 @@ Data classData(const ClassCount& entry) {
   return Fields{{"number", entry.number}, {"name", entry.name}, {"points", entry.points}};
 }
 
+Data layerData(const Compression::Layer& layer) {
+  return Fields{{"name", layer.name}, {"bytes", layer.bytes}};
+}
+
+Data compressionData(const std::optional<Compression>& compression) {
+  if (!compression) return {};
+  return Fields{{"compressor", compression->compressor},
+                {"chunks", compression->chunks},
+                {"bytes", compression->bytes},
+                {"layers", Data::list(compression->layers, layerData)}};
+}
+
 Data boundsData(const Bounds& bounds) {
   if (bounds.empty()) return {};
   return Fields{{"low", Data::list(bounds.low)}, {"high", Data::list(bounds.high)}};
@@ -103,6 +126,7 @@ Data infoData(const Inspected& cloud) {
                 {"version", fmt::format("1.{}", info.versionMinor)},
                 {"pointFormat", info.pointFormat},
                 {"points", info.points},
+                {"compression", compressionData(info.compression)},
                 {"bounds", boundsData(info.bounds)},
                 {"fields", Data::list(info.fields, fieldData)},
                 {"classes", Data::list(info.classes, classData)}};
@@ -126,21 +150,21 @@ Answer showInfo(const Request& request, const Context& context) {
 } // namespace
 
 Verb infoVerb() {
-  return {
-      .name = "info",
-      .summary = "Show what clouds hold. Fields come with their ranges, classes with their counts.",
-      .footer = "Example:\n  quindle info lake.las",
-      .options = {{.name = "cloud",
-                   .kind = Option::Kind::Texts,
-                   .help = "The clouds: LAS files.",
-                   .placeholder = "CLOUD",
-                   .argument = true,
-                   .required = true},
-                  jsonOption("Print JSON: \"clouds\" with file, version, pointFormat, points, bounds (low, "
-                             "high), fields (name, type, components, low, high) and classes (number, name, "
-                             "points) of each, and \"diagnostics\".")},
-      .listName = "clouds",
-      .run = showInfo};
+  return {.name = "info",
+          .summary = "Show what clouds hold. Fields come with their ranges, classes with their counts.",
+          .footer = "Example:\n  quindle info lake.las",
+          .options = {{.name = "cloud",
+                       .kind = Option::Kind::Texts,
+                       .help = "The clouds: LAS or LAZ files.",
+                       .placeholder = "CLOUD",
+                       .argument = true,
+                       .required = true},
+                      jsonOption("Print JSON: \"clouds\" with file, version, pointFormat, points, "
+                                 "compression (compressor, chunks, bytes, layers), bounds (low, high), "
+                                 "fields (name, type, components, low, high) and classes (number, name, "
+                                 "points) of each, and \"diagnostics\".")},
+          .listName = "clouds",
+          .run = showInfo};
 }
 
 } // namespace Zamt::Host

@@ -138,7 +138,7 @@ Data outcomeData(const Outcome& outcome) {
 std::vector<Option> cloudOptions() {
   return {{.name = "cloud",
            .kind = Option::Kind::Texts,
-           .help = "The clouds: LAS files, each worked on by itself.",
+           .help = "The clouds: LAS or LAZ files, each worked on by itself.",
            .placeholder = "CLOUD",
            .argument = true,
            .required = true},

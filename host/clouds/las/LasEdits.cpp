@@ -51,9 +51,14 @@ std::uint64_t LasEdits::movedPoints(std::size_t pointOffset) const {
 
 bool LasEdits::isKept(std::uint64_t place) const {
   return std::ranges::none_of(edits_, [&](const Edit& edit) {
-    const bool isReplaced = !edit.ofPoints && edit.added == edit.removed;
-    return !isReplaced && edit.at <= place && place - edit.at < edit.removed;
+    return edit.ofPoints && edit.at <= place && place - edit.at < edit.removed;
   });
+}
+
+bool LasEdits::writeTo(std::span<const std::byte> input, AtomicFile& file, std::string& error) const {
+  for (const LasStretch stretch : kept(0, input.size()))
+    if (!file.write(moved(stretch.from), input.subspan(stretch.from, stretch.size), error)) return false;
+  return writeAdded(file, error);
 }
 
 std::vector<LasStretch> LasEdits::kept(std::size_t from, std::size_t to) const {

@@ -34,16 +34,21 @@ public:
   /// once; what is inserted at `from` comes before them.
   void replacePoints(std::size_t from, std::size_t to, std::uint64_t size);
 
-  /// Where a byte of the input that is kept, or the end of the input, is in the output.
+  /// Where a byte of the input that is kept, or the end of the input, is in the output; of a byte that is
+  /// left out, where the next one that is kept.
   std::uint64_t moved(std::uint64_t place) const;
 
   /// Where the points start in the output, if they start at `pointOffset` in the input.
   std::uint64_t movedPoints(std::size_t pointOffset) const;
 
+  /// Whether a place is not among the points that were replaced.
   bool isKept(std::uint64_t place) const;
 
   /// What is kept of the input between two places, in order, in pieces that are worth a task of their own.
   std::vector<LasStretch> kept(std::size_t from, std::size_t to) const;
+
+  /// Writes everything but the points that are replaced. False with a sentence in `error`.
+  bool writeTo(std::span<const std::byte> input, AtomicFile& file, std::string& error) const;
 
   /// Writes the bytes that are inserted, and those that replace others. False with a sentence in `error`.
   bool writeAdded(AtomicFile& file, std::string& error) const;

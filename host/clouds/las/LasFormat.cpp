@@ -4,6 +4,7 @@
 #include "host/clouds/las/LasWriter.h"
 #include "host/clouds/las/extractLas.h"
 
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -36,7 +37,24 @@ private:
   std::vector<std::uint8_t> classes_; ///< Of points that say them in two places.
 };
 
-class LasFormat : public CloudFormat {
+class LasRecordReader : public RecordReader {
+public:
+  LasRecordReader(const LasFile& file, const BlockTable& blocks) : file_(file), blocks_(blocks) {}
+
+  bool read(std::size_t block, std::size_t from, std::span<std::byte> records,
+            std::string& /*problem*/) override {
+    const LasLayout& layout = file_.layout;
+    const std::uint64_t start = layout.pointOffset + (blocks_.first(block) + from) * layout.recordLength;
+    std::memcpy(records.data(), file_.bytes().data() + start, records.size());
+    return true;
+  }
+
+private:
+  const LasFile& file_;
+  const BlockTable& blocks_;
+};
+
+class LasFormat : public CloudFormat, public LasSource {
 public:
   explicit LasFormat(LasFile file) : file_(std::move(file)), about_(describe(file_.layout)) {
     about_.blocks = BlockTable::even(file_.layout.points);
@@ -56,6 +74,26 @@ public:
   bool extract(const PointMask& kept, const std::string& path, const Stop& stop,
                std::string& error) const override {
     return extractLas(file_, about_.blocks, kept, path, stop, error);
+  }
+
+  std::string_view ending() const override { return ".las"; }
+  const LasSource* source() const override { return this; }
+
+  const LasFile& file() const override { return file_; }
+  const BlockTable& blocks() const override { return about_.blocks; }
+  LasStretch pointData() const override {
+    return {file_.layout.pointOffset,
+            static_cast<std::size_t>(file_.layout.points) * file_.layout.recordLength};
+  }
+  /// A record that says that the points are not compressed.
+  void removeOwnRecords(LasEdits& edits) const override {
+    const LasRecord* const record = file_.layout.findRecord(compressionUserId, compressionId);
+    if (!record || record->extended) return;
+    edits.remove(record->head, record->data + record->length - record->head);
+    edits.countVlrs(-1);
+  }
+  std::unique_ptr<RecordReader> makeRecordReader() const override {
+    return std::make_unique<LasRecordReader>(file_, about_.blocks);
   }
 
 private:

@@ -14,8 +14,6 @@ namespace {
 
 constexpr unsigned highestFormat = 10;
 constexpr std::uint8_t compressedFormat = 0xC0; ///< Either of these bits of the format marks a LAZ file.
-constexpr const char* compressionUserId = "laszip encoded";
-constexpr std::uint16_t compressionId = 22204;
 constexpr std::size_t waveformSize = 29;
 
 /// Bytes from the start of an entry of the extra bytes record to its parts.

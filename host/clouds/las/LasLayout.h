@@ -72,6 +72,9 @@ inline constexpr std::size_t evlrHead = 60;
 inline constexpr std::size_t recordIdAt = 18;     ///< Of a VLR or EVLR head.
 inline constexpr std::size_t recordLengthAt = 20; ///< Likewise.
 inline constexpr const char* specUserId = "LASF_Spec";
+/// Of the record that says how points are compressed, if they are.
+inline constexpr const char* compressionUserId = "laszip encoded";
+inline constexpr std::uint16_t compressionId = 22204;
 inline constexpr std::uint16_t classLookupId = 0;
 inline constexpr std::uint16_t extraBytesId = 4;
 inline constexpr std::size_t classEntrySize = 1 + longestClassName; ///< u8 number, char[15] name.

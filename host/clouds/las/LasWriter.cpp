@@ -1,10 +1,10 @@
 #include "host/clouds/las/LasWriter.h"
 
 #include "files/AtomicFile.h"
-#include "host/clouds/las/LasCompatibility.h"
 #include "host/clouds/las/LasEdits.h"
 #include "host/clouds/las/classNameRecord.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <mutex>
@@ -55,14 +55,7 @@ void patchBlock(const Source& source, const Piece& piece, std::vector<std::byte>
   const LasLayout& layout = source.input.layout;
   buffer.resize(piece.stretch.size);
   std::memcpy(buffer.data(), &source.input.bytes()[piece.stretch.from], piece.stretch.size);
-  std::byte* record = buffer.data();
-  for (const std::uint8_t number : source.changed.of(*piece.block)) {
-    if (layout.pointFormat < 6)
-      setPointwiseClass(record, layout.secondClassAt, number);
-    else
-      record[layout.classAt] = static_cast<std::byte>(number);
-    record += layout.recordLength;
-  }
+  setClasses(layout, buffer, source.changed.of(*piece.block));
 }
 
 /// Writes one piece; `buffer` is room to change it in.
@@ -90,7 +83,67 @@ bool writePieces(const Source& source, AtomicFile& file, std::string& error) {
   return !failed;
 }
 
+/// Where points that are stored otherwise go in a LAS file.
+struct Target {
+  AtomicFile& file;
+  std::uint64_t points; ///< Where they start.
+};
+
+/// Writes the records of a block; `buffer` is room for some of them.
+bool writeBlock(const LasSource& source, const ClassOverlay& changed, std::size_t block, RecordReader& reader,
+                std::vector<std::byte>& buffer, const Target& target, std::string& error) {
+  constexpr std::size_t pointsAtOnce = 4096;
+  const std::size_t length = source.file().layout.recordLength;
+  buffer.resize(pointsAtOnce * length);
+  const std::size_t count = source.blocks().count(block);
+  for (std::size_t from = 0; from < count; from += pointsAtOnce) {
+    const auto records = std::span(buffer).first(std::min(pointsAtOnce, count - from) * length);
+    const std::uint64_t to = target.points + (source.blocks().first(block) + from) * length;
+    if (!readChanged(source, changed, reader, block, from, records, error)) return false;
+    if (!target.file.write(to, records, error)) return false;
+  }
+  return true;
+}
+
+bool writeBlocks(const LasSource& source, const ClassOverlay& changed, const Target& target,
+                 std::string& error) {
+  struct Local {
+    std::unique_ptr<RecordReader> reader;
+    std::vector<std::byte> buffer;
+  };
+  tbb::enumerable_thread_specific<Local> locals([&] { return Local{source.makeRecordReader(), {}}; });
+  std::atomic<bool> failed{false};
+  std::mutex firstError;
+  tbb::parallel_for(std::size_t{0}, source.blocks().size(), [&](std::size_t block) {
+    if (failed) return;
+    Local& local = locals.local();
+    std::string problem;
+    if (writeBlock(source, changed, block, *local.reader, local.buffer, target, problem)) return;
+    const std::lock_guard lock(firstError);
+    if (!failed.exchange(true)) error = problem;
+  });
+  return !failed;
+}
+
 } // namespace
+
+bool writeAsLas(const LasSource& source, const ClassOverlay& changed,
+                const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
+                std::string& error) {
+  const LasFile& input = source.file();
+  const LasLayout& layout = input.layout;
+  LasEdits edits;
+  if (!enterClassNames(input, addedNames, edits, error)) return false;
+  source.removeOwnRecords(edits);
+  replaceNumber(edits, HeaderAt::pointFormat, static_cast<std::uint8_t>(layout.pointFormat));
+  const LasStretch old = source.pointData();
+  edits.replacePoints(old.from, old.from + old.size, layout.points * layout.recordLength);
+  if (!moveHeaderPlaces(input.bytes(), layout, input.path, edits, error)) return false;
+  const auto file = AtomicFile::create(path, error, &stop);
+  return file && file->reserve(edits.moved(input.bytes().size()), error) &&
+         writeBlocks(source, changed, {*file, edits.movedPoints(layout.pointOffset)}, error) &&
+         edits.writeTo(input.bytes(), *file, error) && file->commit(error);
+}
 
 bool writeLas(const LasFile& input, const BlockTable& blocks, const ClassOverlay& changed,
               const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,

@@ -3,6 +3,7 @@
 #include "files/Stop.h"
 #include "host/clouds/ClassOverlay.h"
 #include "host/clouds/las/LasFile.h"
+#include "host/clouds/las/LasSource.h"
 
 #include <string>
 #include <vector>
@@ -15,5 +16,11 @@ namespace Zamt::Host {
 bool writeLas(const LasFile& input, const BlockTable& blocks, const ClassOverlay& changed,
               const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
               std::string& error);
+
+/// Writes the points of a file of another format, with their classes as changed, as LAS. All records stay but
+/// those that only mean something to that format.
+bool writeAsLas(const LasSource& source, const ClassOverlay& changed,
+                const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
+                std::string& error);
 
 } // namespace Zamt::Host

@@ -39,7 +39,11 @@ class HierarchyReader {
 public:
   HierarchyReader(const LasFile& file, const LasRecord& record, std::span<const LazChunk> chunks,
                   CopcIndex& index)
-      : file_(file), record_(record), chunks_(chunks), index_(index), entriesLeft_(record.length / entrySize) {
+      : file_(file),
+        record_(record),
+        chunks_(chunks),
+        index_(index),
+        entriesLeft_(record.length / entrySize) {
     for (std::size_t i = 0; i < chunks.size(); ++i) chunkAt_.emplace(chunks[i].offset, i);
   }
 

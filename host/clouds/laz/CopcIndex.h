@@ -17,13 +17,15 @@ namespace Zamt::Host {
 // COPC 1.0 is LAZ with the points sorted into the nodes of an octree, one chunk for each node with points.
 //
 //   info        the first VLR, "copc" 1 with 160 bytes: f64 centre x, y, z and half edge of the root's cube,
-//               f64 spacing of its points; u64 offset and u64 size of the root page; f64 least and greatest GPS
-//               time; zeros
-//   hierarchy   an EVLR, "copc" 1000. Its data are pages of entries of 32 bytes: i32 level, x, y, z; u64 offset;
+//               f64 spacing of its points; u64 offset and u64 size of the root page; f64 least and greatest
+//               GPS time; zeros
+//   hierarchy   an EVLR, "copc" 1000. Its data are pages of entries of 32 bytes: i32 level, x, y, z; u64
+//   offset;
 //               i32 size; i32 points. With points it tells of the chunk of the node; without any it only
 //               says that nodes are below it; with -1 it tells of the page with the node and those below.
 //
-// A node is a cube with edge 2 * half / 2^level. Its corner is that of the root's cube, moved by x, y, z edges.
+// A node is a cube with edge 2 * half / 2^level. Its corner is that of the root's cube, moved by x, y, z
+// edges.
 
 inline constexpr const char* copcUserId = "copc";
 inline constexpr std::uint16_t copcInfoId = 1;
@@ -40,9 +42,9 @@ struct CopcNode {
 struct CopcIndex {
   std::array<double, 3> centre{};
   double half = 0;
-  std::size_t info = 0;            ///< The place of the info among the records of the layout,
-  std::size_t hierarchy = 0;       ///< and that of the hierarchy.
-  std::vector<CopcNode> nodes;     ///< One for each chunk, in the order of the chunks.
+  std::size_t info = 0;           ///< The place of the info among the records of the layout,
+  std::size_t hierarchy = 0;      ///< and that of the hierarchy.
+  std::vector<CopcNode> nodes;    ///< One for each chunk, in the order of the chunks.
   std::vector<std::size_t> pages; ///< The places of entries that tell of other pages.
 
   /// The cube of a node in world units, a little enlarged: stored coordinates are rounded.

@@ -46,19 +46,6 @@ LazColumn behind(LazColumn column, std::size_t count) {
   return column.at ? LazColumn{column.at + count * column.stride, column.stride} : column;
 }
 
-std::string layerName(std::size_t layer, const LazFormat& format) {
-  constexpr std::array<const char*, firstItemLayer> names{"returns",   "heights",       "classes",
-                                                          "flags",     "intensities",   "angles",
-                                                          "user data", "point sources", "GPS times"};
-  if (layer < firstItemLayer) return names[layer];
-  switch (format.parts[layer - firstItemLayer + firstItemPart].kind) {
-  case LazPartKind::Colour: return "colours";
-  case LazPartKind::Infrared: return "infrared";
-  case LazPartKind::WavePacket: return "wave packets";
-  default: return "extra bytes";
-  }
-}
-
 } // namespace
 
 /// Chunks in one stream. Points are decoded as whole records, a few at a time, of which the columns are then

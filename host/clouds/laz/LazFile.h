@@ -19,6 +19,15 @@ struct LazFile : LasFile {
     const LazChunk& place = chunks.chunks[number];
     return bytes().subspan(static_cast<std::size_t>(place.offset), static_cast<std::size_t>(place.size));
   }
+
+  Compression compression() const;
+
+  /// Where the bytes behind the points start that are kept when the points are written anew. A file without a
+  /// table that can be used may end in anything, except that EVLRs which are all sound are what they seem.
+  std::size_t keptFrom() const;
+
+  /// Has the header count no EVLRs when those it counts are not kept.
+  void uncountLostRecords(LasEdits& edits) const;
 };
 
 } // namespace Zamt::Host

@@ -56,8 +56,7 @@ public:
     const Slot& slot = slots_[place.slot];
     column = {slot.values.data() + place.offset, slot.stride, field.type, field.shift, field.bits};
     if (key.field == file_.layout.classField && file_.layout.secondClassAt) {
-      classes_ =
-          compatibleClasses(slot.values.data(), points(), slot.stride, *file_.layout.secondClassAt);
+      classes_ = compatibleClasses(slot.values.data(), points(), slot.stride, *file_.layout.secondClassAt);
       column = {std::as_bytes(std::span(classes_)).data(), 1, FieldType::U8};
     }
     return true;
@@ -136,7 +135,7 @@ private:
   LazDecoder decoder_;
   std::vector<LazColumn> columns_;
   std::vector<Slot> slots_;
-  std::vector<Place> places_; ///< Of three components of each field; empty if there is one slot.
+  std::vector<Place> places_;         ///< Of three components of each field; empty if there is one slot.
   std::vector<std::uint8_t> classes_; ///< Of points that say them in two places.
   std::size_t block_ = ~std::size_t{0};
 };

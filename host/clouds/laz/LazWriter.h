@@ -2,6 +2,7 @@
 
 #include "files/Stop.h"
 #include "host/clouds/ClassOverlay.h"
+#include "host/clouds/las/LasSource.h"
 #include "host/clouds/laz/LazFile.h"
 
 #include <string>
@@ -14,5 +15,11 @@ namespace Zamt::Host {
 /// follows: the chunk table, records behind the points, waveforms, the COPC index.
 bool writeLaz(const LazFile& input, const ClassOverlay& changed, const std::vector<ClassName>& addedNames,
               const std::string& path, const Stop& stop, std::string& error);
+
+/// Writes the points of a file of another format, with their classes as changed, as LAZ. All records stay but
+/// those that only mean something to that format.
+bool writeAsLaz(const LasSource& source, const ClassOverlay& changed,
+                const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
+                std::string& error);
 
 } // namespace Zamt::Host

@@ -1,5 +1,7 @@
 #include "host/clouds/laz/PointLayers.h"
 
+#include <array>
+
 namespace Zamt::Host::Laz {
 
 bool readLayeredChunk(const LazFormat& format, std::span<const std::byte> bytes, LayeredChunk& chunk) {
@@ -18,6 +20,19 @@ bool readLayeredChunk(const LazFormat& format, std::span<const std::byte> bytes,
   }
   chunk.size = at;
   return true;
+}
+
+std::string layerName(std::size_t layer, const LazFormat& format) {
+  constexpr std::array<const char*, firstItemLayer> names{"returns",   "heights",       "classes",
+                                                          "flags",     "intensities",   "angles",
+                                                          "user data", "point sources", "GPS times"};
+  if (layer < firstItemLayer) return names[layer];
+  switch (format.parts[layer - firstItemLayer + firstItemPart].kind) {
+  case LazPartKind::Colour: return "colours";
+  case LazPartKind::Infrared: return "infrared";
+  case LazPartKind::WavePacket: return "wave packets";
+  default: return "extra bytes";
+  }
 }
 
 } // namespace Zamt::Host::Laz

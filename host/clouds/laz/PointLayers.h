@@ -7,6 +7,7 @@
 #include "host/clouds/laz/layers.h"
 
 #include <optional>
+#include <string>
 #include <vector>
 
 // A chunk of points of formats 6 to 10:
@@ -36,6 +37,9 @@ struct LayeredChunk {
 
 /// Reads the head of the chunk that these bytes start with. False when it does not lie within them.
 bool readLayeredChunk(const LazFormat& format, std::span<const std::byte> bytes, LayeredChunk& chunk);
+
+/// What a layer holds: "classes". All extra bytes have the same name.
+std::string layerName(std::size_t layer, const LazFormat& format);
 
 /// The coders of all layers of a point.
 template <class Coder>

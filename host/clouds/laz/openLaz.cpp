@@ -1,5 +1,7 @@
 #include "host/clouds/laz/openLaz.h"
 
+#include "host/clouds/las/LasSource.h"
+#include "host/clouds/laz/LazDecoder.h"
 #include "host/clouds/laz/LazReader.h"
 #include "host/clouds/laz/LazWriter.h"
 
@@ -9,7 +11,29 @@ namespace Zamt::Host {
 
 namespace {
 
-class LazCloud : public CloudFormat {
+class LazRecordReader : public RecordReader {
+public:
+  explicit LazRecordReader(const LazFile& file) : file_(file), decoder_(file.coding) {}
+
+  bool read(std::size_t block, std::size_t from, std::span<std::byte> records,
+            std::string& problem) override {
+    const LazChunk& chunk = file_.chunks.chunks[block];
+    const std::vector<LazColumn> columns = recordColumns(file_.coding, records.data());
+    const std::size_t count = records.size() / file_.coding.recordLength;
+    std::string damage;
+    if ((from != 0 || decoder_.begin(file_.chunk(block), chunk.points, columns, false, damage)) &&
+        decoder_.next(count, columns, damage) && (from + count < chunk.points || decoder_.finish(damage)))
+      return true;
+    problem = chunkDamaged(file_.path, block, chunk.offset, damage);
+    return false;
+  }
+
+private:
+  const LazFile& file_;
+  LazDecoder decoder_;
+};
+
+class LazCloud : public CloudFormat, public LasSource {
 public:
   explicit LazCloud(LazFile file) : file_(std::move(file)), about_(describe(file_.layout)) {
     std::vector<std::uint64_t> starts{0};
@@ -29,6 +53,35 @@ public:
     return writeLaz(file_, changed, addedNames, path, stop, error);
   }
 
+  std::string_view ending() const override { return file_.copc ? ".copc.laz" : ".laz"; }
+  std::optional<Compression> compression() const override { return file_.compression(); }
+  const LasSource* source() const override { return this; }
+
+  const LasFile& file() const override { return file_; }
+  const BlockTable& blocks() const override { return about_.blocks; }
+  LasStretch pointData() const override {
+    return {file_.layout.pointOffset, file_.keptFrom() - file_.layout.pointOffset};
+  }
+  std::unique_ptr<RecordReader> makeRecordReader() const override {
+    return std::make_unique<LazRecordReader>(file_);
+  }
+
+  /// The LAZ record, and of COPC what tells of its chunks.
+  void removeOwnRecords(LasEdits& edits) const override {
+    const auto remove = [&](std::size_t number) {
+      const LasRecord& record = file_.layout.records[number];
+      edits.remove(record.head, record.data + record.length - record.head);
+      if (!record.extended) edits.countVlrs(-1);
+    };
+    remove(file_.lazRecord);
+    file_.uncountLostRecords(edits);
+    if (!file_.copc) return;
+    remove(file_.copc->info);
+    remove(file_.copc->hierarchy);
+    const auto evlrs = readAt<std::uint32_t>(&file_.bytes()[HeaderAt::evlrCount]);
+    replaceNumber(edits, HeaderAt::evlrCount, evlrs - 1);
+  }
+
 private:
   LazFile file_;
   CloudDescription about_;
@@ -37,7 +90,7 @@ private:
 /// Finds the chunks once the frame is read.
 bool readChunks(LazFile& file, std::string& error) {
   const LasLayout& layout = file.layout;
-  const LasRecord* const record = layout.findRecord(lazUserId, lazRecordId);
+  const LasRecord* const record = layout.findRecord(compressionUserId, compressionId);
   if (!record || record->extended) {
     error = "\"" + file.path +
             "\" is compressed but has no LAZ record, so that its points can't be read. Convert it with the "
@@ -67,6 +120,11 @@ std::unique_ptr<const CloudFormat> openLaz(std::unique_ptr<MappedFile> file, con
   if (!readFrame(laz.bytes(), path, laz.layout, error) || !readChunks(laz, error)) return nullptr;
   readFields(laz.bytes(), laz.chunks.end, laz.layout);
   if (isCopc(laz.layout)) {
+    if (!laz.chunks.fromTable) {
+      error = "The chunk table of \"" + path +
+              "\" is damaged, which COPC can't do without. Fetch the file again from where it came.";
+      return nullptr;
+    }
     CopcIndex index;
     if (!readCopcIndex(laz, laz.chunks.chunks, index, error)) return nullptr;
     laz.copc = std::move(index);

@@ -151,8 +151,8 @@ TEST_F(LazCloudTest, ANewClassNameMovesAllPlacesWithIt) {
     if (file.sum.empty()) continue;
     SCOPED_TRACE(name);
     const Laz::LazFile before = Laz::decodeLaz(readFile(file.path));
-    const std::string output = edited(
-        file.path, [](std::uint64_t i) { return i % 5 == 0; }, {{newClass, "Kiosk"}});
+    const std::string output =
+        edited(file.path, [](std::uint64_t i) { return i % 5 == 0; }, {{newClass, "Kiosk"}});
     const Laz::LazFile after = Laz::decodeLaz(output);
     EXPECT_TRUE(after.points == expectedPoints(before, [](std::uint64_t i) { return i % 5 == 0; }));
     const auto again = open(path("out.laz"));
@@ -167,9 +167,115 @@ TEST_F(LazCloudTest, ANewClassNameMovesAllPlacesWithIt) {
   }
 }
 
+std::size_t lengthAt(const std::string& bytes, std::size_t record, std::size_t head) {
+  return head == 54 ? numberAt<std::uint16_t>(bytes, record + 20)
+                    : static_cast<std::size_t>(numberAt<std::uint64_t>(bytes, record + 20));
+}
+
+/// The user ids and ids of all records, but for the one of the compressor and those of COPC.
+std::string recordsOf(const std::string& bytes) {
+  std::string all;
+  std::size_t at = numberAt<std::uint16_t>(bytes, 94);
+  const auto add = [&](std::size_t head) {
+    const std::string record = bytes.substr(at, 20) + bytes.substr(at + head, lengthAt(bytes, at, head));
+    if (record.compare(2, 14, "laszip encoded") != 0 && record.compare(2, 5, std::string("copc", 5)) != 0)
+      all += record;
+    at += head + lengthAt(bytes, at, head);
+  };
+  for (std::uint32_t i = 0; i < numberAt<std::uint32_t>(bytes, 100); ++i) add(54);
+  if (bytes[25] < 4) return all;
+  at = numberAt<std::uint64_t>(bytes, 235);
+  for (std::uint32_t i = 0; i < numberAt<std::uint32_t>(bytes, 243); ++i) add(60);
+  return all;
+}
+
+TEST_F(LazCloudTest, ConvertedFilesKeepTheirPointsAndRecords) {
+  const auto third = [](std::uint64_t i) { return i % 3 == 0; };
+  for (const auto& [name, file] : files) {
+    if (file.sum.empty()) continue;
+    SCOPED_TRACE(name);
+    const std::string input = readFile(file.path);
+    const Laz::LazFile before = Laz::decodeLaz(input);
+    const std::string points = expectedPoints(before, third);
+    const std::string las = edited(file.path, third, {}, "out.las");
+    EXPECT_EQ(las[104], static_cast<char>(before.format));
+    EXPECT_TRUE(las.substr(numberAt<std::uint32_t>(las, 96), points.size()) == points);
+    const std::string laz = edited(path("out.las"), third, {}, "back.LAZ");
+    const Laz::LazFile again = Laz::decodeLaz(laz);
+    EXPECT_TRUE(again.points == points);
+    EXPECT_TRUE(again.tableUsed);
+    if (before.tableUsed) {
+      EXPECT_TRUE(recordsOf(las) == recordsOf(input));
+      EXPECT_TRUE(recordsOf(laz) == recordsOf(input));
+    }
+    // what only compression needs comes and goes without a trace
+    EXPECT_TRUE(edited(path("back.LAZ"), third, {}, "again.las") == las);
+  }
+}
+
+TEST_F(LazCloudTest, OnlyACopcFileIsWrittenAsOne) {
+  const auto none = [](std::uint64_t) { return false; };
+  const std::string copc = files.at("copc_pf7.copc.laz").path;
+  EXPECT_TRUE(edited(copc, none, {}, "a.copc.laz") == readFile(copc));
+  EXPECT_TRUE(edited(copc, none, {}, "a.laz") == readFile(copc));
+  edited(copc, none, {}, "a.las");
+  for (const std::string& other : {path("a.las"), files.at("pf7_variable.laz").path}) {
+    EXPECT_FALSE(open(other)->write({}, path("b.copc.laz"), goOn, error));
+    EXPECT_EQ(error, "\"" + path("b.copc.laz") + "\" can't be written from \"" + other +
+                         "\", whose points are not sorted into the tree of a COPC file. Let the name end in "
+                         ".laz instead.");
+  }
+  EXPECT_EQ(names(), (std::set<std::string>{"a.copc.laz", "a.las", "a.laz"}));
+}
+
+TEST_F(LazCloudTest, ADamagedTreeIsRefused) {
+  const std::string sound = readFile(files.at("copc_pf7_pages.copc.laz").path);
+  const auto page = numberAt<std::uint64_t>(sound, 429 + 40);
+  std::size_t link = page; // the entry of the other page
+  while (numberAt<std::int32_t>(sound, link + 28) != -1) link += 32;
+  const std::string start = "The COPC index of \"" + path("bad.laz") + "\" is damaged: ";
+  const std::string entry = "the entry at byte " + std::to_string(page) + " ";
+  const auto whyNot = [&](std::size_t at, auto value) {
+    std::string bytes = sound;
+    putNumber(bytes, at, value);
+    EXPECT_FALSE(Host::openCloud(write("bad.laz", bytes), error));
+    EXPECT_THAT(error, ::testing::StartsWith(start));
+    return error.substr(start.size(), error.find(". Fetch") - start.size());
+  };
+  const std::string at = "the page at byte " + std::to_string(page);
+  EXPECT_EQ(whyNot(429 + 40, sound.size()),
+            "the page at byte " + std::to_string(sound.size()) + " does not lie within the hierarchy");
+  EXPECT_EQ(whyNot(429 + 48, std::uint64_t{33}), at + " does not lie within the hierarchy");
+  EXPECT_EQ(whyNot(429 + 24, std::nan("")), "its cube is none");
+  EXPECT_EQ(whyNot(page, 31), entry + "is of no level that can be");
+  EXPECT_EQ(whyNot(page + 4, 1), entry + "is of no node of its level");
+  EXPECT_EQ(whyNot(page + 16, std::uint64_t{7}), entry + "tells of no chunk");
+  EXPECT_EQ(whyNot(page + 24, 7), entry + "contradicts its chunk");
+  EXPECT_THAT(whyNot(page + 28, 0), HasSubstr("it tells of 64 of 65 chunks"));
+  EXPECT_THAT(whyNot(link + 16, page), HasSubstr("tells of a chunk that another one tells of"));
+}
+
+TEST_F(LazCloudTest, BoxesOfATreeHoldItsPoints) {
+  for (const std::string name : {"copc_pf7.copc.laz", "copc_pf7_big.copc.laz", "copc_pf7_small.copc.laz"}) {
+    const auto cloud = open(files.at(name).path);
+    const auto positions = positionsOf(*cloud);
+    Host::BlockReader reader(*cloud);
+    for (std::size_t block = 0; block < cloud->blocks().size(); ++block) {
+      reader.moveTo(block);
+      const Host::Bounds box = reader.bounds();
+      for (std::size_t i = 0; i < reader.size(); ++i)
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+          const double value = positions[reader.first() + i][axis];
+          ASSERT_TRUE(box.low[axis] <= value && value <= box.high[axis]) << name << " block " << block;
+        }
+    }
+  }
+}
+
 TEST_F(LazCloudTest, OtherReadersAgreeOnWhatIsWritten) {
-  for (const std::string name : {"pf1.laz", "pf3_chunks.laz", "pf6_evlr.laz", "pf7_variable.laz", "pf8_extra3.laz",
-                                 "copc_pf7.copc.laz", "copc_pf7_pages.copc.laz", "copc_pf7_big.copc.laz"}) {
+  for (const std::string name :
+       {"pf1.laz", "pf3_chunks.laz", "pf6_evlr.laz", "pf7_variable.laz", "pf8_extra3.laz",
+        "copc_pf7.copc.laz", "copc_pf7_pages.copc.laz", "copc_pf7_big.copc.laz"}) {
     SCOPED_TRACE(name);
     const auto third = [](std::uint64_t i) { return i % 3 == 0; };
     const std::string output = edited(files.at(name).path, third, {{newClass, "Kiosk"}}, "out." + name);
