@@ -12,9 +12,9 @@ const Program& quindleProgram() {
     auto made = std::make_unique<Program>(Program{
         .name = "quindle",
         .version = "quindle " QUINDLE_VERSION,
-        .description =
-            "Runs Quindles on LAS and LAZ files. A Quindle is a small program in a text file: it selects points of a "
-            "cloud by conditions and puts them into classes.",
+        .description = "Runs Quindles on LAS and LAZ files. A Quindle is a small program in a text file: it "
+                       "selects points of a "
+                       "cloud by conditions and puts them into classes.",
         .footer = "\"quindle help COMMAND\" shows one command, \"quindle help\" lists topics as well.\n"
                   "Example:\n  quindle sample lake.las && quindle info lake.las",
         .help =

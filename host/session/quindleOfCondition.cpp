@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <optional>
@@ -65,10 +66,28 @@ bool takeOneCondition(QuindleDocument& document) {
          steps[1].kind == QuindleStep::Kind::Classify;
 }
 
+/// Leaves out what is said of the text around a condition. A fault that shows only there has its cause at the
+/// end of the condition.
+void keepWithin(const std::string& condition, Diag& diag) {
+  const auto lines = static_cast<std::int32_t>(std::count(condition.begin(), condition.end(), '\n')) + 1;
+  const std::size_t lastLine = condition.rfind('\n') + 1; // 0 where there is no line end
+  Diag within;
+  for (const Diag::Entry& entry : diag.entries)
+    if (entry.line > linesBefore && entry.line <= linesBefore + lines)
+      within.at(entry.severity, entry.message, entry.file, entry.line, entry.column);
+  if (within.errorCount == 0)
+    within.at(
+        Diag::Severity::Error,
+        "This is no whole condition: something is missing at its end, or a bracket closes what was never "
+        "opened.",
+        conditionLabel, linesBefore + lines, static_cast<std::int32_t>(condition.size() - lastLine) + 1);
+  diag = std::move(within);
+}
+
 /// Says above the last step that its class is to be another.
 void addComment(QuindleDocument& document) {
   QuindleStep comment;
-  comment.comment = "Change the class to the one that they belong to.";
+  comment.comment = "Change the class to the one that these points belong to.";
   std::vector<QuindleStep>& steps = document.triggers[0].steps;
   steps.insert(steps.end() - 1, std::move(comment));
 }
@@ -209,7 +228,9 @@ bool quindleOfCondition(const std::string& condition, const std::string& classNa
                         Diag& diag) {
   Diag found;
   bool good = diagnoseQuindle(textAround(condition, className), conditionLabel, document, found);
-  if (good && !takeOneCondition(document)) {
+  if (!good) {
+    keepWithin(condition, found);
+  } else if (!takeOneCondition(document)) {
     found.clear();
     found.at(Diag::Severity::Error,
              "This is more than one condition. Write one, its parts joined by \"and\" and \"or\".",

@@ -25,11 +25,7 @@ Option conditionArgument() {
 }
 
 Part quindlePart(const QuindleDocument& document) {
-  return partOf(
-      {}, writeQuindle(document), [](const std::string& text) { return text; },
-      [](const std::string& text) -> Data {
-        return Fields{{"quindle", text}};
-      });
+  return {{}, [text = writeQuindle(document)] { return text; }, {}, {}};
 }
 
 std::string selectedText(const Selected& selected) {
@@ -52,10 +48,12 @@ struct Total {
   std::vector<Selected> clouds;
   std::uint64_t points = 0;
   std::uint64_t kept = 0;
+  std::uint64_t good = 0; ///< Of the clouds.
 
   void add(Selected selected) {
     points += selected.points;
     kept += selected.kept;
+    good += selected.ok ? 1 : 0;
     clouds.push_back(std::move(selected));
   }
 };
@@ -64,7 +62,7 @@ struct Total {
 std::string totalText(const Total& total) {
   if (total.clouds.size() == 1) return selectedText(total.clouds[0]);
   return fmt::format("in all: {} of {} in {}\n", grouped(total.kept), countOf(total.points, "point"),
-                     countOf(total.clouds.size(), "cloud"));
+                     countOf(total.good, "cloud"));
 }
 
 Data totalData(const Total& total) {
@@ -84,7 +82,8 @@ std::vector<Option> oneLineOptions(std::vector<Option> between, std::vector<Opti
   for (Option& option : more) options.push_back(std::move(option));
   options.push_back({.name = "quindle",
                      .kind = Option::Kind::Flag,
-                     .help = "Print the Quindle that this is, for a file of your own, and do nothing else."});
+                     .help = "Print the Quindle that this is, for a file of your own, and do nothing else.",
+                     .excludes = {"json"}});
   return options;
 }
 

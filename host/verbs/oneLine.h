@@ -27,6 +27,6 @@ Answer selectPoints(const Job& job, const Context& context, Answer answer);
 /// What the JSON of those holds.
 inline constexpr const char* selectedJsonHelp =
     "Print JSON: \"clouds\" with file, ok, points, counted and output of each, \"points\" and \"counted\" of "
-    "all, or with --quindle \"quindle\", and \"diagnostics\".";
+    "all, and \"diagnostics\".";
 
 } // namespace Zamt::Host

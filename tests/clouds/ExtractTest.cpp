@@ -35,10 +35,9 @@ std::string headOf(const std::string& bytes, const Places& places) {
   std::string head = bytes.substr(0, places.start);
   std::fill_n(head.begin() + 107, 24, '\0');
   std::fill_n(head.begin() + 179, 48, '\0');
-  if (places.isLong) {
-    std::fill_n(head.begin() + 227, 16, '\0');
-    std::fill_n(head.begin() + 247, 128, '\0');
-  }
+  if (bytes[25] >= 3) std::fill_n(head.begin() + 227, 8, '\0');
+  if (places.isLong) std::fill_n(head.begin() + 235, 8, '\0');
+  if (places.isLong) std::fill_n(head.begin() + 247, 128, '\0');
   return head;
 }
 

@@ -39,7 +39,7 @@ TEST(QuindleOfCondition, TurnsNumbersIntoParametersAndLeavesClassesAndTexts) {
       {"field(\"Echo Width\", 1, 2, 0)", "leastEcho_Width : Number = 1\nmostEcho_Width : Number = 2\n"
                                          "field(\"Echo Width\", leastEcho_Width, mostEcho_Width, 0)"},
       {"class(6) or class(\"Ground, 7\") or expr(\"z > 3\") or within(\"1 2 3\", 4)",
-       "radius : Number = 4\nclass(6) or class(\"Ground, 7\") or expr(\"z > 3\") or within((1, 2, 3), "
+       "radius : Number = 4\nclass(6) or class(\"Ground, 7\") or expr(\"z > 3\") or within(\"1 2 3\", "
        "radius)"},
       {"below(water, 0.1) and inside(tile) and Z >= floor",
        "water : Surface = \ntile : Region = \nfloor : Number = \nmargin : Number = 0.1\n"
@@ -65,10 +65,10 @@ TEST(QuindleOfCondition, IsCanonicalAndReadsBack) {
 TEST(QuindleOfCondition, FaultsStandAtTheirPlaceInTheCondition) {
   const std::pair<const char*, const char*> cases[] = {
       {"Z > 3 and\n clas(\"Ground\")", "condition:2:2: error: There is no condition called \"clas\"."},
-      {"Z >", "condition:"},
-      {"", "condition:"},
-      {"Z > 1 } on key \"k\" { select Z > 2", "condition:"},
-      {"Z > 1 } } quindle \"b\" { on run {", "condition:"},
+      {"Z >", "condition:1:4: error: This is no whole condition:"},
+      {"", "condition:1:1: error: This is no whole condition:"},
+      {"Z > 1 } on key \"k\" { select Z > 2", "condition:1:"},
+      {"Z > 1 } } quindle \"b\" { on run {", "condition:1:"},
       {"Z > 1 select Z > 2", "condition:1:1: error: This is more than one condition."},
       {"Z > 1 classify into \"Rail\"", "condition:1:1: error: This is more than one condition."}};
   for (const auto& [condition, said] : cases)
