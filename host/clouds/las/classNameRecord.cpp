@@ -51,12 +51,12 @@ void enterNames(const std::vector<ClassName>& names, std::vector<std::byte>& ent
 /// The head of a lookup record that is added.
 std::vector<std::byte> newRecord(const std::vector<std::byte>& entries) {
   constexpr std::string_view description = "Classification lookup";
-  std::vector<std::byte> record(vlrHead);
+  std::vector<std::byte> record(vlrHead + entries.size());
   std::memcpy(record.data() + 2, specUserId, std::strlen(specUserId));
   writeAt(record.data() + recordIdAt, classLookupId);
   writeAt(record.data() + recordLengthAt, static_cast<std::uint16_t>(entries.size()));
   std::memcpy(record.data() + recordLengthAt + 2, description.data(), description.size());
-  record.insert(record.end(), entries.begin(), entries.end());
+  std::memcpy(record.data() + vlrHead, entries.data(), entries.size());
   return record;
 }
 

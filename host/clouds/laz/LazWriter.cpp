@@ -120,11 +120,11 @@ std::vector<LazChunk> evenChunks(std::uint64_t points, std::uint32_t chunkSize) 
 /// The LAZ record with its head.
 std::vector<std::byte> newLazRecord(const LazFormat& format) {
   const std::vector<std::byte> data = lazRecordOf(format);
-  std::vector<std::byte> record(vlrHead);
+  std::vector<std::byte> record(vlrHead + data.size());
   std::memcpy(record.data() + 2, lazUserId, std::strlen(lazUserId));
   writeAt(record.data() + recordIdAt, lazRecordId);
   writeAt(record.data() + recordLengthAt, static_cast<std::uint16_t>(data.size()));
-  record.insert(record.end(), data.begin(), data.end());
+  std::memcpy(record.data() + vlrHead, data.data(), data.size());
   return record;
 }
 
