@@ -89,8 +89,8 @@ QuindleDocument manyReferences(int count) {
   std::string params;
   std::string condition;
   for (int i = 0; i < count; i += 2) {
-    const std::string low = "p" + std::to_string(i);
-    const std::string high = "p" + std::to_string(i + 1);
+    const std::string low = 'p' + std::to_string(i);
+    const std::string high = 'p' + std::to_string(i + 1);
     params += "param " + low + " : Number = 0\nparam " + high + " : Number = 1\n";
     condition += (i == 0 ? "" : " and ") + ("field(\"A\", " + low) + ", " + high + ')';
   }
