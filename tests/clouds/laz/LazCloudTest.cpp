@@ -125,7 +125,8 @@ TEST_F(LazCloudTest, EveryFieldOfEveryFileReadsAsItDoesInLas) {
       for (unsigned component = 0; component < field.components; ++component) {
         const auto expected = readField(*plain, field.name, component);
         const auto found = readField(*compressed, field.name, component);
-        EXPECT_EQ(std::memcmp(expected.data(), found.data(), expected.size() * sizeof(double)), 0)
+        EXPECT_TRUE(expected.empty() ||
+                    std::memcmp(expected.data(), found.data(), expected.size() * sizeof(double)) == 0)
             << field.name; // the bits, since there are values that are no numbers
       }
   }
