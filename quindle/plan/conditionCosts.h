@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 
 /// @file
 /// The cost model of conditions: four classes, of which only the order matters. A dear condition sees what
