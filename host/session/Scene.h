@@ -88,8 +88,6 @@ private:
   bool compileCondition(const QuindleDocument& document, Diag& diag);
   bool bindCondition(const QuindleDocument& document, const std::map<std::string, std::string>& args,
                      Diag& diag);
-  bool checkValues(const QuindleDocument& document, const std::map<std::string, std::string>& values,
-                   Diag& diag) const;
   bool supply(const QuindleParam& param, std::map<std::string, std::string>& args, Diag& diag);
   bool makeField(const QuindleParam& param, const std::string& field, std::string& object, Diag& diag);
   bool makeRegion(const QuindleParam& param, const std::string& text, std::string& object, Diag& diag);
