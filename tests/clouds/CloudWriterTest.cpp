@@ -23,12 +23,6 @@ std::size_t classAt(const std::string& bytes, std::uint64_t point) {
 
 class CloudWriterTest : public Testing::CloudFiles {
 protected:
-  std::shared_ptr<PointCloud> open(const std::string& file) {
-    auto cloud = openCloud(file, error);
-    EXPECT_TRUE(cloud) << error;
-    return cloud;
-  }
-
   /// "in.las", of three blocks unless told otherwise.
   std::string built(std::uint64_t points = 2 * blockPoints + 5, unsigned format = 3,
                     const std::vector<ClassName>& classNames = {}) {
@@ -69,7 +63,7 @@ TEST_F(CloudWriterTest, OnlyTheClassBitsOfChangedPointsDiffer) {
   REQUIRE_REAL_CLOUDS();
   for (const std::string& file : realClouds()) {
     SCOPED_TRACE(file);
-    const auto cloud = open(file);
+    const auto cloud = openWell(file);
     if (!cloud) continue;
     std::string expected = readFile(file);
     EXPECT_TRUE(written(*cloud, {}) == expected);
@@ -87,12 +81,12 @@ TEST_F(CloudWriterTest, ANewClassNameMovesThePointsAndChangesNothingElse) {
   constexpr std::size_t added = 54 + 256 * 16;
   for (const std::string& file : realClouds()) {
     SCOPED_TRACE(file);
-    const auto cloud = open(file);
+    const auto cloud = openWell(file);
     if (!cloud) continue;
     const std::string before = readFile(file);
     std::string after = written(*cloud, {{29, "Kiosk"}});
     ASSERT_EQ(after.size(), before.size() + added);
-    const auto again = open(path("out.las"));
+    const auto again = openWell(path("out.las"));
     ASSERT_EQ(again->classNames().size(), 1U);
     EXPECT_EQ(again->classNames()[0].name, "Kiosk");
     EXPECT_EQ(Testing::countsOf(*again), Testing::countsOf(*cloud));
@@ -113,9 +107,9 @@ TEST_F(CloudWriterTest, ANewClassNameMovesThePointsAndChangesNothingElse) {
 
 TEST_F(CloudWriterTest, NamesGoIntoTheRecordThatIsThere) {
   const std::string before = readFile(built(5, 6, {{2, "Soil"}, {40, "Old"}}));
-  const auto after = written(*open(path("in.las")), {{40, "New"}, {0, "Zero"}, {41, "Exactly 15 byte"}});
+  const auto after = written(*openWell(path("in.las")), {{40, "New"}, {0, "Zero"}, {41, "Exactly 15 byte"}});
   EXPECT_EQ(after.size(), before.size());
-  const auto named = open(path("out.las"));
+  const auto named = openWell(path("out.las"));
   std::string read;
   for (const ClassName& entry : named->classNames()) read += std::to_string(entry.number) + entry.name + ";";
   EXPECT_EQ(read, "0Zero;2Soil;40New;41Exactly 15 byte;");
@@ -125,13 +119,13 @@ TEST_F(CloudWriterTest, NamesGoIntoTheRecordThatIsThere) {
   small.erase(375 + 54 + 32, std::size_t{254} * 16);
   putNumber(small, 375 + 20, std::uint16_t{32});
   putNumber(small, 96, std::uint32_t{375 + 54 + 32});
-  EXPECT_EQ(written(*open(write("small.las", small)), {{41, "Grown"}}).size(), before.size());
-  EXPECT_EQ(open(path("out.las"))->classNames().size(), 3U);
-  EXPECT_EQ(open(path("out.las"))->size(), 5U);
+  EXPECT_EQ(written(*openWell(write("small.las", small)), {{41, "Grown"}}).size(), before.size());
+  EXPECT_EQ(openWell(path("out.las"))->classNames().size(), 3U);
+  EXPECT_EQ(openWell(path("out.las"))->size(), 5U);
 }
 
 TEST_F(CloudWriterTest, WhatCannotBeWrittenEndsInASentenceAndLeavesTheOldFile) {
-  const auto cloud = open(built(5));
+  const auto cloud = openWell(built(5));
   write("out.las", "old");
   EXPECT_EQ(refusal(*cloud, {{5, "Sixteen bytes :-"}}, path("out.las")),
             "The class name \"Sixteen bytes :-\" is too long for a LAS file, which holds 15 bytes. Choose a "
@@ -153,12 +147,12 @@ TEST_F(CloudWriterTest, WritingOntoTheInputIsSafeAndKeepsPermissionsAndLinks) {
   const std::string file = built();
   ::chmod(file.c_str(), 0640);
   std::filesystem::create_symlink("in.las", path("link.las"));
-  const auto cloud = open(file);
+  const auto cloud = openWell(file);
   Testing::setClasses(*cloud, 6, [](std::uint64_t point) { return point % blockPoints == 0; });
   EXPECT_TRUE(cloud->write({{6, "House"}}, path("link.las"), Testing::goOn, error)) << error;
   EXPECT_EQ(Testing::positionsOf(*cloud)[1][0], 1); // the old file's bytes remain mapped
   EXPECT_TRUE(std::filesystem::is_symlink(path("link.las")));
-  EXPECT_EQ(Testing::countsOf(*open(file))[6], 3U);
+  EXPECT_EQ(Testing::countsOf(*openWell(file))[6], 3U);
   struct stat status {};
   ASSERT_EQ(::stat(file.c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 07777U, 0640U);
