@@ -161,24 +161,32 @@ TEST_F(CloudWriterTest, WritingOntoTheInputIsSafeAndKeepsPermissionsAndLinks) {
 
 TEST_F(CloudWriterTest, AFileThatMayNotGrowSoLargeEndsInASentence) {
   const std::string file = built();
-  const pid_t child = ::fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
-    const rlimit limit{4096, 4096};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-    const auto cloud = openCloud(file, error);
-    const bool refused = cloud && !cloud->write({}, path("out.las"), Testing::goOn, error);
-    ::_exit(refused &&
-                    error ==
-                        "\"" + path("out.las") +
-                            "\" would be larger than files may be here. Raise the limit or write elsewhere."
-                ? 0
-                : 1);
+  ASSERT_TRUE(open(file)->write({}, path("in.laz"), Testing::goOn, error)) << error;
+  const std::pair<std::string, std::string> writings[] = {
+      {"in.las", "out.las"}, {"in.las", "out.laz"}, {"in.laz", "out.laz"}, {"in.laz", "in.laz"}};
+  const std::string before = Testing::readFile(path("in.laz"));
+  for (const auto& [from, to] : writings) {
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      const rlimit limit{4096, 4096};
+      ::setrlimit(RLIMIT_FSIZE, &limit);
+      const auto cloud = openCloud(path(from), error);
+      Testing::setClasses(*cloud, 6, [](std::uint64_t) { return true; });
+      const bool refused = cloud && !cloud->write({}, path(to), Testing::goOn, error);
+      ::_exit(refused &&
+                      error ==
+                          "\"" + path(to) +
+                              "\" would be larger than files may be here. Raise the limit or write elsewhere."
+                  ? 0
+                  : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0) << from << " " << to;
   }
-  int status = 0;
-  ASSERT_EQ(::waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(names(), Names{"in.las"});
+  EXPECT_EQ(names(), (Names{"in.las", "in.laz"}));
+  EXPECT_TRUE(Testing::readFile(path("in.laz")) == before);
 }
 
 TEST_F(CloudWriterTest, ASignalHandlerCanRemoveWhatIsNotComplete) {

@@ -321,13 +321,15 @@ std::string truncationProblem(std::size_t size, const LasLayout& layout, const s
          " points but it holds only " + std::to_string(room) + ". Fetch the file again from where it came.";
 }
 
-/// Finds the second class of points of a compatible file.
-void findSecondClass(std::span<const std::byte> bytes, LasLayout& layout) {
+/// Finds what points of a compatible file have a second time.
+void findSecondFields(std::span<const std::byte> bytes, LasLayout& layout) {
   const LasRecord* const extra = layout.findSpecRecord(extraBytesId);
   if (layout.versionMinor >= 4 || !extra || !layout.findRecord(compatibleUserId, compatibleRecordId)) return;
   const auto found =
       findCompatibility(bytes.subspan(extra->data, extra->length), layout.pointFormat, layout.recordLength);
-  if (found) layout.secondClassAt = found->classAt;
+  if (!found) return;
+  layout.secondClassAt = found->classAt;
+  layout.moreReturnsAt = found->returnsAt;
 }
 
 } // namespace
@@ -383,7 +385,7 @@ void readFields(std::span<const std::byte> bytes, std::uint64_t pointsEnd, LasLa
   addStandardFields(bytes.data(), layout);
   addExtraFields(bytes, layout);
   readClassNames(bytes, layout);
-  findSecondClass(bytes, layout);
+  findSecondFields(bytes, layout);
 }
 
 bool readLayout(std::span<const std::byte> bytes, const std::string& path, LasLayout& layout,

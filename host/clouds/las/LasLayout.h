@@ -126,7 +126,8 @@ struct LasLayout {
   std::uint8_t classMask = 0; ///< and the bits of that byte which hold it; they are the lowest.
   /// Where points of a compatible file (see LasCompatibility) have their class a second time.
   std::optional<std::size_t> secondClassAt;
-  std::size_t classField = 0; ///< The place of the class in `fields`.
+  std::optional<std::size_t> moreReturnsAt; ///< Where those have what their return numbers lack.
+  std::size_t classField = 0;               ///< The place of the class in `fields`.
   std::vector<LasField> fields;
   std::vector<LasRecord> records; ///< Those that are sound: the first broken one ends the list.
   std::size_t vlrEnd = 0;         ///< Behind the last sound VLR.

@@ -207,6 +207,90 @@ TEST_F(LazCloudTest, ConvertedFilesKeepTheirPointsAndRecords) {
   }
 }
 
+/// Compares what a header says of the points with them.
+void expectTrueHeader(const std::string& bytes, const std::string& points) {
+  const bool isLong = (bytes[104] & 0x3F) >= 6;
+  const std::size_t length = numberAt<std::uint16_t>(bytes, 105);
+  std::array<std::uint64_t, 16> counts{points.size() / length};
+  std::array<std::int32_t, 6> ends{};
+  for (std::size_t at = 0; at < points.size(); at += length) {
+    const int number = points[at + 14] & (isLong ? 15 : 7);
+    if (number != 0) ++counts[static_cast<std::size_t>(number)];
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      const auto place = numberAt<std::int32_t>(points, at + 4 * axis);
+      ends[2 * axis] = at == 0 ? place : std::max(ends[2 * axis], place);
+      ends[2 * axis + 1] = at == 0 ? place : std::min(ends[2 * axis + 1], place);
+    }
+  }
+  for (std::size_t i = 0; i < 6; ++i)
+    EXPECT_EQ(numberAt<std::uint32_t>(bytes, 107 + 4 * i), isLong ? 0 : counts[i]);
+  for (std::size_t i = 0; bytes[25] >= 4 && i < 16; ++i)
+    EXPECT_EQ(numberAt<std::uint64_t>(bytes, 247 + 8 * i), counts[i]);
+  for (std::size_t i = 0; i < 6; ++i)
+    EXPECT_EQ(numberAt<double>(bytes, 179 + 8 * i), points.empty()
+                                                        ? 0
+                                                        : ends[i] * numberAt<double>(bytes, 131 + i / 2 * 8) +
+                                                              numberAt<double>(bytes, 155 + i / 2 * 8));
+}
+
+TEST_F(LazCloudTest, ExtractedPartsHaveTheirPointsAllRecordsAndAHeaderThatIsTrue) {
+  for (const auto& [name, file] : files) {
+    if (file.sum.empty()) continue;
+    const std::string input = readFile(file.path);
+    const Laz::LazFile before = Laz::decodeLaz(input);
+    for (const std::uint64_t step : {1, 3, 1000000}) { // the last one keeps the first point
+      SCOPED_TRACE(name + " " + std::to_string(step));
+      const auto cloud = open(file.path);
+      Host::PointMask kept(cloud->size());
+      std::string points;
+      for (std::uint64_t i = 0; i < cloud->size(); i += step) {
+        kept.set(i);
+        points.append(before.points, i * before.recordLength, before.recordLength);
+      }
+      EXPECT_TRUE(cloud->extract(kept, path("out.laz"), goOn, error)) << error;
+      EXPECT_TRUE(cloud->extract(kept, path("out.las"), goOn, error)) << error;
+      const auto las = open(path("out.las"));
+      EXPECT_TRUE(las->extract(Host::PointMask(las->size(), true), path("again.laz"), goOn, error)) << error;
+      for (const char* made : {"out.laz", "again.laz"}) {
+        const std::string bytes = readFile(path(made));
+        EXPECT_TRUE(Laz::decodeLaz(bytes).points == points) << made;
+        if (before.tableUsed) {
+          EXPECT_TRUE(isCompatible(before) || recordsOf(bytes) == recordsOf(input)) << made;
+        }
+        expectTrueHeader(bytes, points);
+      }
+      const std::string plain = readFile(path("out.las"));
+      EXPECT_TRUE(plain.substr(numberAt<std::uint32_t>(plain, 96), points.size()) == points);
+      expectTrueHeader(plain, points);
+      if (isCompatible(before)) {
+        EXPECT_EQ(numberAt<std::uint64_t>(plain, plain.find("lascompatible") - 2 + 54 + 28), kept.count());
+      }
+    }
+  }
+}
+
+TEST_F(LazCloudTest, AnExtractedPartOfACopcFileKeepsItsTree) {
+  for (const std::string name : {"copc_pf7.copc.laz", "copc_pf7_pages.copc.laz", "copc_pf7_big.copc.laz"}) {
+    SCOPED_TRACE(name);
+    const auto cloud = open(files.at(name).path);
+    const std::vector<double> times = readField(*cloud, "GpsTime");
+    Host::PointMask kept(cloud->size()); // all of the first half and nothing of the rest
+    for (std::uint64_t i = 0; i < cloud->size() / 2; ++i) kept.set(i);
+    ASSERT_TRUE(cloud->extract(kept, path(name), goOn, error)) << error;
+    const auto smaller = open(path(name));
+    EXPECT_EQ(smaller->size(), kept.count());
+    EXPECT_LT(smaller->blocks().size(), cloud->blocks().size());
+    const std::string bytes = readFile(path(name));
+    const auto [low, high] =
+        std::minmax_element(times.begin(), times.begin() + static_cast<int>(kept.count()));
+    EXPECT_EQ(numberAt<double>(bytes, 429 + 56), *low);
+    EXPECT_EQ(numberAt<double>(bytes, 429 + 64), *high);
+    EXPECT_EQ(npmVerdict(path(name)), plainVerdict(bytes));
+    EXPECT_FALSE(open(files.at("pf6.laz").path)->extract(kept, path("b.copc.laz"), goOn, error));
+    EXPECT_TRUE(error.ends_with("Let the name end in .laz instead.")) << error;
+  }
+}
+
 TEST_F(LazCloudTest, OnlyACopcFileIsWrittenAsOne) {
   const auto none = [](std::uint64_t) { return false; };
   const std::string copc = files.at("copc_pf7.copc.laz").path;
