@@ -125,7 +125,8 @@ parameters. The types:
   Surface   the path of a PLY, OBJ or STL file.
   File      a path.
   Class     the name of a class as "quindle info" writes it, or its
-            number; several are separated by commas.
+            number; several are separated by commas. See "quindle help
+            classes".
   Region    a region, see "quindle help regions". Brush is the same.
   Grid      the cloud. Leave it out: the cloud of the command is taken.
   Field     the field to change. Leave it out: only Classification,
@@ -145,6 +146,44 @@ not of the file of the Quindle.
 The class that points go to and its colour are no values to set. They are
 written in the Quindle, as in: classify into "Underwater" as 27 color (0.1,
 0.3, 0.7)
+)page";
+
+constexpr std::string_view classesBody =
+    R"page(A class has a number, which the points carry, and a name, which Quindles say.
+The clouds of one command share one table of names, so that a name is the same
+number in all of them. It is filled in this order:
+
+  1. What the files define, in their record of class names.
+  2. The standard's current table, for every point format: Ground is 2, Low
+     Noise 7, Rail 10. "quindle info" shows the names of what a cloud holds.
+  3. A new name in "classify into" gets the number behind the highest label:
+     64 or more, which the standard leaves to you. Points of the formats 0 to
+     5 hold classes up to 31 only, and there it is 23 or more. A number that
+     points are in already is passed over. The name goes into the files.
+
+"as" gives a new class its number. Where that is not what the standard says,
+and no file defines or uses the standard's class, the Quindle has its way, and
+a warning says what the standard makes of it.
+
+  classify into "Underwater" as 27
+  classify into "Rail" as 40        the standard has 10: a warning
+  classify into "Ground" as 40      refused where points are Ground
+
+Names of older tables of the standard are understood where a Quindle says
+them: "Low Point" is 7, "Model Key-point" 8 and "Overlap" 12. A name longer
+than 15 bytes is cut in the file, and found by its whole all the same.
+
+Nothing is done, and a sentence says why,
+
+  - where a Quindle says a class in which two of the files contradict each
+    other: one number under two names, or one name under two numbers. Files
+    may differ in any class that it does not say;
+  - where a Quindle, together with those that it runs, calls one number by two
+    names;
+  - where no number is left for a new name that all clouds can hold.
+
+  quindle count 'class("Low Noise")' lake.las
+  quindle classify 'Z > 440' into "High Noise" lake.las -o out.las
 )page";
 
 constexpr std::string_view outputBody =
@@ -229,12 +268,13 @@ nothing, "keys --free" with a key that is taken. Warnings and notes do not
 change the exit code.
 )page";
 
-constexpr std::array<HelpTopic, 8> topics{{
+constexpr std::array<HelpTopic, 9> topics{{
     {"start", "First steps: a cloud to play with, a preview, a run, a Quindle of your own", "EXAMPLES",
      startBody},
     {"collection", "Where Quindles are kept, and how one is found by name", "COLLECTION", collectionBody},
     {"regions", "How to say where to work: boxes, WKT, GeoJSON", "REGIONS", regionsBody},
     {"values", "How to give parameters their values with --set", "VALUES", valuesBody},
+    {"classes", "Which classes there are, and the numbers of new ones", "CLASSES", classesBody},
     {"output", "What is printed where, JSON, colour, and how files are written", "OUTPUT", outputBody},
     {"scripting", "Many clouds at once, shell scripts and editors", "SCRIPTING", scriptingBody},
     {"environment", "The environment variables that are read", "ENVIRONMENT", environmentBody},

@@ -3,6 +3,7 @@
 #include "host/clouds/ClassMoves.h"
 #include "host/objects/registerHostObjects.h"
 #include "host/objects/values.h"
+#include "host/session/ClassTable.h"
 #include "host/session/classNames.h"
 #include "host/views/renderCloud.h"
 
@@ -107,10 +108,21 @@ bool Scene::openCloud(const std::string& path, const QuindleDocument& document, 
     return false;
   }
   open->everything = VManagedObject::find<VObject>(brush_);
-  restoreClassNames(document, runtime_->resolver, *open);
+  if (!findLabels(document, *open->cloud, open->labels, diag)) return false;
   if (!(open->labels == compiledFor_)) forgetCompiled();
   compiledFor_ = open->labels;
   return true;
+}
+
+bool Scene::findLabels(const QuindleDocument& document, const PointCloud& cloud, LabelSet& labels,
+                       Diag& diag) {
+  if (labels_) {
+    labels = *labels_;
+    return true;
+  }
+  const auto findUse = [&](ClassUse& use) { return addClassUse(cloud, stop_, use); };
+  return makeClassTable({classesOf(cloud)}, saidClasses(document, {}, runtime_->resolver), findUse, labels,
+                        diag);
 }
 
 /// Programs are compiled with class numbers worked out from the classes of the data. With others they would

@@ -14,6 +14,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Zamt::Host {
@@ -40,8 +41,12 @@ public:
   /// called behind `setRegion` and before a cloud is opened; a class that a cloud lacks fails the run on it.
   void setClasses(const std::string& classes);
 
+  /// Sets the classes that all clouds offer from now on. Without this, each offers its own and those that the
+  /// standard has for it. To be called before a cloud is opened.
+  void setLabels(LabelSet labels) { labels_ = std::move(labels); }
+
   /// Opens the cloud at `path` in place of the one before. What was compiled stays, unless the new cloud
-  /// brings other classes, for which it was not made. False with an error in `diag` if it can't be used.
+  /// offers other classes, for which it was not made. False with an error in `diag` if it can't be used.
   bool openCloud(const std::string& path, const QuindleDocument& document, Diag& diag);
 
   /// Runs or previews `document` on the open cloud. `values` are parameter values as the user wrote them;
@@ -84,6 +89,7 @@ private:
     std::vector<QuindleBinding> bindings;
   };
 
+  bool findLabels(const QuindleDocument& document, const PointCloud& cloud, LabelSet& labels, Diag& diag);
   bool supplyAll(const QuindleDocument& document, std::map<std::string, std::string>& args, Diag& diag);
   bool compileCondition(const QuindleDocument& document, Diag& diag);
   bool bindCondition(const QuindleDocument& document, const std::map<std::string, std::string>& args,
@@ -104,6 +110,7 @@ private:
   std::string region_;                      ///< The name of the region's object; empty if none was named.
   std::string brush_;                       ///< What selections start from; empty for what the runtime finds.
   std::map<std::string, std::string> made_; ///< Objects made for parameter values, by what they stand for.
+  std::optional<LabelSet> labels_;          ///< Of `setLabels`.
   std::optional<Chain> chain_;              ///< Of `select`.
   LabelSet compiledFor_;                    ///< The classes that the cached programs were compiled with.
 };

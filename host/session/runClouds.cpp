@@ -1,9 +1,9 @@
 #include "host/session/runClouds.h"
 
 #include "host/clouds/ClassMoves.h"
-#include "host/clouds/StandardClasses.h"
 #include "host/objects/Grid.h"
 #include "host/session/JobScene.h"
+#include "host/session/cloudClasses.h"
 
 #include <set>
 #include <utility>
@@ -12,18 +12,14 @@ namespace Zamt::Host {
 
 namespace {
 
-std::string nameOf(const Grid& grid, std::uint8_t number) {
-  const auto label = grid.labels.labels.find(number);
-  return label == grid.labels.labels.end() ? nameOfClass(*grid.cloud, number) : label->second.name;
-}
-
 void collectNames(const Grid& grid, Outcome& outcome) {
   std::set<std::uint8_t> numbers;
   for (const ClassChange& change : outcome.changes)
     for (unsigned number = 0; number < change.from.size(); ++number)
       if (change.from[number] != 0) numbers.insert(static_cast<std::uint8_t>(number));
   for (const ClassMove& move : outcome.moves) numbers.insert({move.from, move.to});
-  for (const std::uint8_t number : numbers) outcome.classNames[number] = nameOf(grid, number);
+  for (const std::uint8_t number : numbers)
+    outcome.classNames[number] = nameOfClass(*grid.cloud, grid.labels, number);
 }
 
 /// The clouds of one job, in a scene that is ready for them.
@@ -94,7 +90,10 @@ private:
 bool runClouds(const Job& job, const JobWatch& watch, std::string& problem) {
   JobScene session(job, watch.stop);
   if (!session.prepare(problem)) return false;
-  JobRun(job, watch, session.scene()).runAll();
+  Diag diag;
+  const bool good = session.findClasses(diag);
+  if (watch.noticed && !diag.entries.empty()) watch.noticed(std::move(diag));
+  if (good) JobRun(job, watch, session.scene()).runAll();
   return true;
 }
 

@@ -30,6 +30,10 @@ bool selectOne(const Job& job, const JobCloud& cloud, Scene& scene, Selected& se
 bool selectClouds(const Job& job, const SelectWatch& watch, std::string& problem) {
   JobScene session(job, watch.stop);
   if (!session.prepare(problem)) return false;
+  Diag noticed;
+  const bool good = session.findClasses(noticed);
+  if (watch.noticed && !noticed.entries.empty()) watch.noticed(std::move(noticed));
+  if (!good) return true;
   for (std::size_t i = 0; i < job.clouds.size() && !watch.stop.requested(); ++i) {
     const JobCloud& cloud = job.clouds[i];
     if (watch.progress) watch.progress(cloud.file, i, job.clouds.size());

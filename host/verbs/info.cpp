@@ -1,5 +1,6 @@
 #include "host/clouds/cloudInfo.h"
 #include "host/clouds/openCloud.h"
+#include "host/session/cloudClasses.h"
 #include "host/verbs/options.h"
 #include "host/verbs/texts.h"
 #include "host/verbs/verbs.h"
@@ -18,13 +19,17 @@ namespace {
 struct Inspected {
   std::string path;
   CloudInfo info;
+  CloudClasses classes; ///< What it calls them.
 };
 
-bool inspect(const std::string& path, const Stop& stop, CloudInfo& info, Diag& diag) {
+bool inspect(const Stop& stop, Inspected& inspected, Diag& diag) {
   std::string problem;
-  const std::shared_ptr<PointCloud> cloud = openCloud(path, problem);
-  if (cloud && inspectCloud(*cloud, stop, info, problem)) return true;
-  diag.error(problem, path);
+  const std::shared_ptr<PointCloud> cloud = openCloud(inspected.path, problem);
+  if (cloud && inspectCloud(*cloud, stop, inspected.info, problem)) {
+    inspected.classes = classesOf(*cloud);
+    return true;
+  }
+  diag.error(problem, inspected.path);
   return false;
 }
 
@@ -55,12 +60,14 @@ std::string fieldsText(const CloudInfo& info) {
   return text;
 }
 
-std::string classesText(const CloudInfo& info) {
-  if (info.classes.empty()) return {};
+std::string classesText(const Inspected& cloud) {
+  if (cloud.info.classes.empty()) return {};
   std::string text = fmt::format("  {:>5}  {:>15}  {}\n", "class", "points", "name");
-  for (const ClassCount& entry : info.classes)
-    text += fmt::format("  {:>5}  {:>15}  {}\n", entry.number, grouped(entry.points),
-                        entry.name.empty() ? "-" : entry.name);
+  for (const ClassCount& entry : cloud.info.classes) {
+    const std::string name = nameOfClass(cloud.classes, entry.number);
+    text +=
+        fmt::format("  {:>5}  {:>15}  {}\n", entry.number, grouped(entry.points), name.empty() ? "-" : name);
+  }
   return text;
 }
 
@@ -83,7 +90,7 @@ std::string infoText(const Inspected& cloud) {
     for (std::size_t axis = 0; axis < 3; ++axis)
       text += fmt::format("  {}  {:.12g} .. {:.12g}\n", "xyz"[axis], info.bounds.low[axis],
                           info.bounds.high[axis]);
-  return text + fieldsText(info) + classesText(info);
+  return text + fieldsText(info) + classesText(cloud);
 }
 
 Data endOf(const FieldRange& field, double end) {
@@ -97,10 +104,6 @@ Data fieldData(const FieldRange& field) {
                 {"components", field.components},
                 {"low", endOf(field, field.low)},
                 {"high", endOf(field, field.high)}};
-}
-
-Data classData(const ClassCount& entry) {
-  return Fields{{"number", entry.number}, {"name", entry.name}, {"points", entry.points}};
 }
 
 Data layerData(const Compression::Layer& layer) {
@@ -122,6 +125,11 @@ Data boundsData(const Bounds& bounds) {
 
 Data infoData(const Inspected& cloud) {
   const CloudInfo& info = cloud.info;
+  const auto classData = [&cloud](const ClassCount& entry) -> Data {
+    return Fields{{"number", entry.number},
+                  {"name", nameOfClass(cloud.classes, entry.number)},
+                  {"points", entry.points}};
+  };
   return Fields{{"file", cloud.path},
                 {"version", fmt::format("1.{}", info.versionMinor)},
                 {"pointFormat", info.pointFormat},
@@ -136,9 +144,9 @@ Answer showInfo(const Request& request, const Context& context) {
   Answer answer;
   for (const std::string& path : request.texts("cloud")) {
     if (context.stop.requested()) break;
-    Inspected cloud{path, {}};
+    Inspected cloud{path, {}, {}};
     Diag diag;
-    const bool good = inspect(path, context.stop, cloud.info, diag);
+    const bool good = inspect(context.stop, cloud, diag);
     if (!good) answer.status = Status::Failed;
     context.deliver(answer, good ? partOf(std::move(diag), std::move(cloud), infoText, infoData)
                                  : Part{std::move(diag), {}, {}, {}});

@@ -208,13 +208,20 @@ Status readOutputs(const Request& request, Job& job, std::string& problem) {
   return Status::Done;
 }
 
+std::function<void(Diag)> noticeTo(Answer& answer, const Context& context) {
+  return [&](Diag diag) {
+    if (diag.errorCount != 0) answer.status = Status::Failed;
+    context.deliver(answer, {std::move(diag), {}, {}, {}});
+  };
+}
+
 Answer carryOut(const Job& job, const Context& context, Answer answer) {
   const auto finished = [&](Outcome outcome, Diag said) {
     if (!outcome.ok) answer.status = Status::Failed;
     context.deliver(answer, partOf(std::move(said), std::move(outcome), outcomeText, outcomeData));
   };
   std::string problem;
-  if (!runClouds(job, {context.stop, context.progress, finished}, problem))
+  if (!runClouds(job, {context.stop, context.progress, finished, noticeTo(answer, context)}, problem))
     return refused(Status::Usage, problem);
   if (context.stop.requested()) answer.status = Status::Failed;
   return answer;
