@@ -64,8 +64,9 @@ public:
         removed_((input.layout.points - points_) * input.layout.recordLength) {}
 
   bool write(const std::string& path, const Stop& stop, std::string& error) {
+    if (!recordsClearPoints(bytes(), input_.layout, input_.path, error)) return false;
     header_.assign(bytes().begin(), bytes().begin() + static_cast<std::ptrdiff_t>(input_.layout.pointOffset));
-    if (!movePlaces(error)) return false;
+    movePlaces();
     const auto file = AtomicFile::create(path, error, &stop);
     if (!file || !file->reserve(bytes().size() - removed_, error) || !writePoints(*file, error)) return false;
     describePoints();
@@ -82,25 +83,15 @@ private:
     return (std::to_integer<unsigned>(header_[HeaderAt::pointFormat]) & formatMask) >= firstLongFormat;
   }
 
-  /// Moves what the header says of places behind the points. False when records begin inside of them.
-  bool movePlaces(std::string& error) {
+  /// Moves what the header says of places behind the points.
+  void movePlaces() {
     const LasLayout& layout = input_.layout;
-    /// Whether what begins there does not begin inside of the points.
     const auto move = [&](std::size_t place) {
       const auto start = readAt<std::uint64_t>(header_.data() + place);
       if (start >= end_) writeAt(header_.data() + place, start - removed_);
-      return start <= layout.pointOffset || start >= end_;
     };
-    bool good = true;
-    if (versionMinor() >= 3 && layout.headerSize >= HeaderAt::evlrStart) good = move(HeaderAt::waveformStart);
-    if (versionMinor() >= 4 && layout.headerSize >= headerOf14)
-      good =
-          (move(HeaderAt::evlrStart) || readAt<std::uint32_t>(header_.data() + HeaderAt::evlrCount) == 0) &&
-          good;
-    if (!good)
-      error = "The header of \"" + input_.path +
-              "\" says that records begin inside of the points. Write it anew with the program it came from.";
-    return good;
+    if (versionMinor() >= 3 && layout.headerSize >= HeaderAt::evlrStart) move(HeaderAt::waveformStart);
+    if (versionMinor() >= 4 && layout.headerSize >= headerOf14) move(HeaderAt::evlrStart);
   }
 
   bool writePoints(AtomicFile& file, std::string& error) {
