@@ -91,6 +91,7 @@ bool LasEdits::writeAdded(AtomicFile& file, std::string& error) const {
 
 bool moveHeaderPlaces(std::span<const std::byte> input, const LasLayout& layout, const std::string& path,
                       LasEdits& edits, std::string& error) {
+  if (!recordsClearPoints(input, layout, path, error)) return false;
   const std::uint64_t points = edits.movedPoints(layout.pointOffset);
   if (points > std::numeric_limits<std::uint32_t>::max()) {
     error = "The header of \"" + path +
@@ -101,24 +102,14 @@ bool moveHeaderPlaces(std::span<const std::byte> input, const LasLayout& layout,
     replaceNumber(edits, HeaderAt::pointOffset, static_cast<std::uint32_t>(points));
   if (edits.vlrs() != 0)
     replaceNumber(edits, HeaderAt::vlrCount, layout.vlrCount + static_cast<std::uint32_t>(edits.vlrs()));
-  bool areBehind = true;
-  const auto move = [&](std::size_t at, bool isUsed) {
+  const auto move = [&](std::size_t at) {
     const auto place = readAt<std::uint64_t>(&input[at]);
-    const bool isWithin = !edits.isKept(place);
-    const std::uint64_t to = place == 0 || isWithin ? 0 : edits.moved(place);
+    const std::uint64_t to = place == 0 || !edits.isKept(place) ? 0 : edits.moved(place);
     if (to != place) replaceNumber(edits, at, to);
-    if (isWithin && isUsed) areBehind = false;
   };
-  // a compressed file that was not finished may have kept the places of the one it was made from
-  const bool mustBeBehind = !hasCompressedPoints(input);
-  if (layout.versionMinor >= 3 && layout.headerSize >= HeaderAt::evlrStart)
-    move(HeaderAt::waveformStart, mustBeBehind);
-  if (layout.versionMinor >= 4 && layout.headerSize >= headerOf14)
-    move(HeaderAt::evlrStart, mustBeBehind && readAt<std::uint32_t>(&input[HeaderAt::evlrCount]) != 0);
-  if (!areBehind)
-    error = "The header of \"" + path +
-            "\" says that records begin inside of the points. Write it anew with the program it came from.";
-  return areBehind;
+  if (layout.versionMinor >= 3 && layout.headerSize >= HeaderAt::evlrStart) move(HeaderAt::waveformStart);
+  if (layout.versionMinor >= 4 && layout.headerSize >= headerOf14) move(HeaderAt::evlrStart);
+  return true;
 }
 
 } // namespace Zamt::Host

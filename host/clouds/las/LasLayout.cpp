@@ -380,12 +380,29 @@ bool readFrame(std::span<const std::byte> bytes, const std::string& path, LasLay
 }
 
 void readFields(std::span<const std::byte> bytes, std::uint64_t pointsEnd, LasLayout& layout) {
+  layout.pointsEnd = pointsEnd;
   std::erase_if(layout.records,
                 [&](const LasRecord& record) { return record.extended && record.head < pointsEnd; });
   addStandardFields(bytes.data(), layout);
   addExtraFields(bytes, layout);
   readClassNames(bytes, layout);
   findSecondFields(bytes, layout);
+}
+
+bool recordsClearPoints(std::span<const std::byte> bytes, const LasLayout& layout, const std::string& path,
+                        std::string& error) {
+  const auto isInside = [&](std::size_t at) {
+    const auto start = readAt<std::uint64_t>(&bytes[at]);
+    return start >= layout.pointOffset && start < layout.pointsEnd;
+  };
+  const bool hasWaveforms = layout.versionMinor >= 3 && layout.headerSize >= HeaderAt::evlrStart;
+  const bool hasEvlrs = layout.versionMinor >= 4 && layout.headerSize >= headerOf14 &&
+                        readAt<std::uint32_t>(&bytes[HeaderAt::evlrCount]) != 0;
+  if (!(hasWaveforms && isInside(HeaderAt::waveformStart)) && !(hasEvlrs && isInside(HeaderAt::evlrStart)))
+    return true;
+  error = "The header of \"" + path +
+          "\" says that records begin inside of the points. Write it anew with the program it came from.";
+  return false;
 }
 
 bool readLayout(std::span<const std::byte> bytes, const std::string& path, LasLayout& layout,
