@@ -1,6 +1,6 @@
 #include "host/session/quindleOfCondition.h"
 
-#include "quindle/check/adviseQuindle.h"
+#include "host/session/adviseOnText.h"
 #include "quindle/core/PointVocabulary.h"
 #include "quindle/core/QuindleNodes.h"
 #include "quindle/plan/QuindleOperation.h"
@@ -228,7 +228,8 @@ private:
 bool quindleOfCondition(const std::string& condition, const std::string& className, QuindleDocument& document,
                         Diag& diag) {
   Diag found;
-  bool good = diagnoseQuindle(textAround(condition, className), conditionLabel, document, found);
+  const std::string text = textAround(condition, className);
+  bool good = diagnoseQuindle(text, conditionLabel, document, found);
   if (!good) {
     keepWithin(condition, found);
   } else if (!takeOneCondition(document)) {
@@ -243,7 +244,7 @@ bool quindleOfCondition(const std::string& condition, const std::string& classNa
     QuindleExpr& root = document.triggers[0].steps[0].condition;
     ParameterMaker maker(document);
     maker.work(root, ParameterMaker::From::Words);
-    adviseQuindle(document, found);
+    adviseOnText(document, text, found);
     maker.work(root, ParameterMaker::From::Numbers);
     document.sourceFile.clear();
     if (className.empty()) addComment(document);

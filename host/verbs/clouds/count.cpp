@@ -1,4 +1,4 @@
-#include "host/verbs/oneLine.h"
+#include "host/verbs/clouds/oneLine.h"
 #include "host/verbs/options.h"
 #include "host/verbs/verbs.h"
 

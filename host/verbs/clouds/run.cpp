@@ -1,4 +1,4 @@
-#include "host/verbs/runJob.h"
+#include "host/verbs/clouds/runJob.h"
 #include "host/verbs/verbs.h"
 
 namespace Zamt::Host {

@@ -1,5 +1,5 @@
 #include "host/session/Collection.h"
-#include "host/verbs/entryTable.h"
+#include "host/verbs/collection/entryTable.h"
 #include "host/verbs/options.h"
 #include "host/verbs/verbs.h"
 #include "quindle/library/QuindleFiles.h"

@@ -1,4 +1,4 @@
-#include "host/verbs/switchQuindle.h"
+#include "host/verbs/collection/switchQuindle.h"
 
 #include "files/writeWholeFile.h"
 #include "host/session/Collection.h"

@@ -1,4 +1,4 @@
-#include "host/verbs/entryTable.h"
+#include "host/verbs/collection/entryTable.h"
 
 #include "host/session/Collection.h"
 #include "host/verbs/texts.h"

@@ -1,9 +1,9 @@
-#include "host/verbs/oneLine.h"
+#include "host/verbs/clouds/oneLine.h"
 
 #include "host/session/quindleOfCondition.h"
 #include "host/session/selectClouds.h"
 #include "host/verbs/options.h"
-#include "host/verbs/runJob.h"
+#include "host/verbs/clouds/runJob.h"
 #include "host/verbs/texts.h"
 #include "quindle/text/writeQuindle.h"
 

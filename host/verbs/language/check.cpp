@@ -1,7 +1,9 @@
+#include "host/session/adviseOnText.h"
 #include "host/verbs/options.h"
 #include "host/verbs/texts.h"
 #include "host/verbs/verbs.h"
 #include "quindle/plan/diagnoseQuindle.h"
+#include "quindle/text/parseQuindle.h"
 
 #include <fmt/format.h>
 
@@ -34,11 +36,19 @@ Data findingData(const Finding& finding) {
                 {"warnings", finding.warnings}};
 }
 
+/// Of a text that can't be read there is nothing to advise on.
+void diagnose(const QuindleSource& source, QuindleDocument& document, Diag& diag) {
+  Diag said;
+  if (diagnoseQuindle(source.text, source.label, document, diag) ||
+      parseQuindle(source.text, source.label, document, said))
+    adviseOnText(document, source.text, diag);
+}
+
 Part checkOne(const std::string& which, const Context& context) {
   Diag diag;
   QuindleDocument document;
   QuindleSource source;
-  if (context.quindles.read(which, source, diag)) diagnoseQuindle(source.text, source.label, document, diag);
+  if (context.quindles.read(which, source, diag)) diagnose(source, document, diag);
   const auto warnings = std::count_if(diag.entries.begin(), diag.entries.end(), [](const Diag::Entry& entry) {
     return entry.severity == Diag::Severity::Warning;
   });
@@ -62,7 +72,8 @@ Answer check(const Request& request, const Context& context) {
 
 Verb checkVerb() {
   return {.name = "check",
-          .summary = "Say what is wrong or doubtful in Quindles. All of it is told at once.",
+          .summary =
+              "Say what is wrong, doubtful or probably not meant in Quindles. All of it is told at once.",
           .footer = "The exit code is 1 when there are errors.\nExample:\n  quindle check examples/*.quindle",
           .options = {quindlesArgument(),
                       jsonOption("Print JSON: \"quindles\" with file, name, ok, errors and warnings of each, "

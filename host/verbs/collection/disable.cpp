@@ -1,4 +1,4 @@
-#include "host/verbs/switchQuindle.h"
+#include "host/verbs/collection/switchQuindle.h"
 #include "host/verbs/verbs.h"
 
 namespace Zamt::Host {
