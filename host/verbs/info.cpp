@@ -1,5 +1,6 @@
 #include "host/clouds/cloudInfo.h"
 #include "host/clouds/openCloud.h"
+#include "host/verbs/infoStats.h"
 #include "host/verbs/options.h"
 #include "host/verbs/texts.h"
 #include "host/verbs/verbs.h"
@@ -18,14 +19,21 @@ namespace {
 struct Inspected {
   std::string path;
   CloudInfo info;
+  std::optional<CloudStats> stats; ///< If asked for.
 };
 
-bool inspect(const std::string& path, const Stop& stop, CloudInfo& info, Diag& diag) {
+bool inspect(Inspected& inspected, bool measured, const Stop& stop, Diag& diag) {
   std::string problem;
-  const std::shared_ptr<PointCloud> cloud = openCloud(path, problem);
-  if (cloud && inspectCloud(*cloud, stop, info, problem)) return true;
-  diag.error(problem, path);
-  return false;
+  const std::shared_ptr<PointCloud> cloud = openCloud(inspected.path, problem);
+  bool good = cloud != nullptr;
+  if (good && measured) {
+    good = measureCloud(*cloud, stop, inspected.stats.emplace(), problem);
+    if (good) inspected.info = infoOf(*cloud, *inspected.stats);
+  } else if (good) {
+    good = inspectCloud(*cloud, stop, inspected.info, problem);
+  }
+  if (!good) diag.error(problem, inspected.path);
+  return good;
 }
 
 /// "uint16", or "float[3]" for several components.
@@ -83,7 +91,8 @@ std::string infoText(const Inspected& cloud) {
     for (std::size_t axis = 0; axis < 3; ++axis)
       text += fmt::format("  {}  {:.12g} .. {:.12g}\n", "xyz"[axis], info.bounds.low[axis],
                           info.bounds.high[axis]);
-  return text + fieldsText(info) + classesText(info);
+  text += fieldsText(info) + classesText(info);
+  return cloud.stats ? text + statsText(*cloud.stats) : text;
 }
 
 Data endOf(const FieldRange& field, double end) {
@@ -122,23 +131,25 @@ Data boundsData(const Bounds& bounds) {
 
 Data infoData(const Inspected& cloud) {
   const CloudInfo& info = cloud.info;
-  return Fields{{"file", cloud.path},
-                {"version", fmt::format("1.{}", info.versionMinor)},
-                {"pointFormat", info.pointFormat},
-                {"points", info.points},
-                {"compression", compressionData(info.compression)},
-                {"bounds", boundsData(info.bounds)},
-                {"fields", Data::list(info.fields, fieldData)},
-                {"classes", Data::list(info.classes, classData)}};
+  Fields data{{"file", cloud.path},
+              {"version", fmt::format("1.{}", info.versionMinor)},
+              {"pointFormat", info.pointFormat},
+              {"points", info.points},
+              {"compression", compressionData(info.compression)},
+              {"bounds", boundsData(info.bounds)},
+              {"fields", Data::list(info.fields, fieldData)},
+              {"classes", Data::list(info.classes, classData)}};
+  if (cloud.stats) data.push_back({"stats", statsData(*cloud.stats)});
+  return data;
 }
 
 Answer showInfo(const Request& request, const Context& context) {
   Answer answer;
   for (const std::string& path : request.texts("cloud")) {
     if (context.stop.requested()) break;
-    Inspected cloud{path, {}};
+    Inspected cloud{path, {}, {}};
     Diag diag;
-    const bool good = inspect(path, context.stop, cloud.info, diag);
+    const bool good = inspect(cloud, request.flag("stats"), context.stop, diag);
     if (!good) answer.status = Status::Failed;
     context.deliver(answer, good ? partOf(std::move(diag), std::move(cloud), infoText, infoData)
                                  : Part{std::move(diag), {}, {}, {}});
@@ -153,16 +164,22 @@ Verb infoVerb() {
   return {.name = "info",
           .summary = "Show what clouds hold. Fields come with their ranges, classes with their counts.",
           .footer = "Example:\n  quindle info lake.las",
-          .options = {{.name = "cloud",
-                       .kind = Option::Kind::Texts,
-                       .help = "The clouds: LAS or LAZ files.",
-                       .placeholder = "CLOUD",
-                       .argument = true,
-                       .required = true},
-                      jsonOption("Print JSON: \"clouds\" with file, version, pointFormat, points, "
-                                 "compression (compressor, chunks, bytes, layers), bounds (low, high), "
-                                 "fields (name, type, components, low, high) and classes (number, name, "
-                                 "points) of each, and \"diagnostics\".")},
+          .options =
+              {{.name = "cloud",
+                .kind = Option::Kind::Texts,
+                .help = "The clouds: LAS or LAZ files.",
+                .placeholder = "CLOUD",
+                .argument = true,
+                .required = true},
+               {.name = "stats",
+                .kind = Option::Kind::Flag,
+                .help = "Tell also, of each field, mean, deviation and a histogram, and of each class "
+                        "where its points lie and how densely."},
+               jsonOption(
+                   "Print JSON: \"clouds\" with file, version, pointFormat, points, "
+                   "compression (compressor, chunks, bytes, layers), bounds (low, high), "
+                   "fields (name, type, components, low, high) and classes (number, name, "
+                   "points) of each, with --stats also stats (fields, classes, all), and \"diagnostics\".")},
           .listName = "clouds",
           .run = showInfo};
 }
