@@ -122,7 +122,13 @@ parameters. The types:
             system. One outside the range of the parameter is refused.
   Text      any text. Where a condition takes a position, three numbers:
             "512100 5403080 400".
-  Surface   the path of a PLY, OBJ or STL file.
+  Surface   the path of a PLY, OBJ or STL file; "class:Ground" for the
+            cloud's own points of a class, or of several with commas,
+            as they stand when the step is worked out, joined to
+            triangles, and "class:Ground?longest=20" for those of
+            them whose sides are at most 20 long in plan;
+            "level:405.2" for one height everywhere. A file of such a
+            name comes first.
   File      a path.
   Class     the name of a class as "quindle info" writes it, or its
             number; several are separated by commas. See "quindle help

@@ -1,6 +1,7 @@
 #include "host/clouds/cloudInfo.h"
 #include "host/clouds/openCloud.h"
 #include "host/session/cloudClasses.h"
+#include "host/verbs/clouds/infoStats.h"
 #include "host/verbs/options.h"
 #include "host/verbs/texts.h"
 #include "host/verbs/verbs.h"
@@ -19,18 +20,23 @@ namespace {
 struct Inspected {
   std::string path;
   CloudInfo info;
-  CloudClasses classes; ///< What it calls them.
+  CloudClasses classes;            ///< What it calls them.
+  std::optional<CloudStats> stats; ///< If asked for.
 };
 
-bool inspect(const Stop& stop, Inspected& inspected, Diag& diag) {
+bool inspect(Inspected& inspected, bool measured, const Stop& stop, Diag& diag) {
   std::string problem;
   const std::shared_ptr<PointCloud> cloud = openCloud(inspected.path, problem);
-  if (cloud && inspectCloud(*cloud, stop, inspected.info, problem)) {
-    inspected.classes = classesOf(*cloud);
-    return true;
+  bool good = cloud != nullptr;
+  if (good && measured) {
+    good = measureCloud(*cloud, stop, inspected.stats.emplace(), problem);
+    if (good) inspected.info = infoOf(*cloud, *inspected.stats);
+  } else if (good) {
+    good = inspectCloud(*cloud, stop, inspected.info, problem);
   }
-  diag.error(problem, inspected.path);
-  return false;
+  if (good) inspected.classes = classesOf(*cloud);
+  if (!good) diag.error(problem, inspected.path);
+  return good;
 }
 
 /// "uint16", or "float[3]" for several components.
@@ -90,7 +96,8 @@ std::string infoText(const Inspected& cloud) {
     for (std::size_t axis = 0; axis < 3; ++axis)
       text += fmt::format("  {}  {:.12g} .. {:.12g}\n", "xyz"[axis], info.bounds.low[axis],
                           info.bounds.high[axis]);
-  return text + fieldsText(info) + classesText(cloud);
+  text += fieldsText(info) + classesText(cloud);
+  return cloud.stats ? text + statsText(*cloud.stats, cloud.classes) : text;
 }
 
 Data endOf(const FieldRange& field, double end) {
@@ -130,14 +137,16 @@ Data infoData(const Inspected& cloud) {
                   {"name", nameOfClass(cloud.classes, entry.number)},
                   {"points", entry.points}};
   };
-  return Fields{{"file", cloud.path},
-                {"version", fmt::format("1.{}", info.versionMinor)},
-                {"pointFormat", info.pointFormat},
-                {"points", info.points},
-                {"compression", compressionData(info.compression)},
-                {"bounds", boundsData(info.bounds)},
-                {"fields", Data::list(info.fields, fieldData)},
-                {"classes", Data::list(info.classes, classData)}};
+  Fields data{{"file", cloud.path},
+              {"version", fmt::format("1.{}", info.versionMinor)},
+              {"pointFormat", info.pointFormat},
+              {"points", info.points},
+              {"compression", compressionData(info.compression)},
+              {"bounds", boundsData(info.bounds)},
+              {"fields", Data::list(info.fields, fieldData)},
+              {"classes", Data::list(info.classes, classData)}};
+  if (cloud.stats) data.push_back({"stats", statsData(*cloud.stats, cloud.classes)});
+  return data;
 }
 
 Answer showInfo(const Request& request, const Context& context) {
@@ -146,7 +155,11 @@ Answer showInfo(const Request& request, const Context& context) {
     if (context.stop.requested()) break;
     Inspected cloud{path, {}, {}};
     Diag diag;
+<<<<<<< HEAD:host/verbs/clouds/info.cpp
     const bool good = inspect(context.stop, cloud, diag);
+=======
+    const bool good = inspect(cloud, request.flag("stats"), context.stop, diag);
+>>>>>>> m1:host/verbs/info.cpp
     if (!good) answer.status = Status::Failed;
     context.deliver(answer, good ? partOf(std::move(diag), std::move(cloud), infoText, infoData)
                                  : Part{std::move(diag), {}, {}, {}});
@@ -161,16 +174,22 @@ Verb infoVerb() {
   return {.name = "info",
           .summary = "Show what clouds hold. Fields come with their ranges, classes with their counts.",
           .footer = "Example:\n  quindle info lake.las",
-          .options = {{.name = "cloud",
-                       .kind = Option::Kind::Texts,
-                       .help = "The clouds: LAS or LAZ files.",
-                       .placeholder = "CLOUD",
-                       .argument = true,
-                       .required = true},
-                      jsonOption("Print JSON: \"clouds\" with file, version, pointFormat, points, "
-                                 "compression (compressor, chunks, bytes, layers), bounds (low, high), "
-                                 "fields (name, type, components, low, high) and classes (number, name, "
-                                 "points) of each, and \"diagnostics\".")},
+          .options =
+              {{.name = "cloud",
+                .kind = Option::Kind::Texts,
+                .help = "The clouds: LAS or LAZ files.",
+                .placeholder = "CLOUD",
+                .argument = true,
+                .required = true},
+               {.name = "stats",
+                .kind = Option::Kind::Flag,
+                .help = "Tell also, of each field, mean, deviation and a histogram, and of each class "
+                        "where its points lie and how densely."},
+               jsonOption(
+                   "Print JSON: \"clouds\" with file, version, pointFormat, points, "
+                   "compression (compressor, chunks, bytes, layers), bounds (low, high), "
+                   "fields (name, type, components, low, high) and classes (number, name, "
+                   "points) of each, with --stats also stats (fields, classes, all), and \"diagnostics\".")},
           .listName = "clouds",
           .run = showInfo};
 }
