@@ -153,13 +153,9 @@ Answer showInfo(const Request& request, const Context& context) {
   Answer answer;
   for (const std::string& path : request.texts("cloud")) {
     if (context.stop.requested()) break;
-    Inspected cloud{path, {}, {}};
+    Inspected cloud{path, {}, {}, {}};
     Diag diag;
-<<<<<<< HEAD:host/verbs/clouds/info.cpp
-    const bool good = inspect(context.stop, cloud, diag);
-=======
     const bool good = inspect(cloud, request.flag("stats"), context.stop, diag);
->>>>>>> m1:host/verbs/info.cpp
     if (!good) answer.status = Status::Failed;
     context.deliver(answer, good ? partOf(std::move(diag), std::move(cloud), infoText, infoData)
                                  : Part{std::move(diag), {}, {}, {}});
