@@ -156,7 +156,7 @@ std::string damaged(std::string bytes, const std::string& how) {
   return bytes;
 }
 
-TEST_F(PointCloudTest, EveryUnusableFileIsToldFromTheOthers) {
+TEST_F(PointCloudTest, EveryUnusableFileIsToldAsInTheGoldenDocument) {
   const std::string sound = readFile(soundFile());
   Testing::expectCases("clouds/golden/damaged.md", [&](const std::string& how) {
     std::string sentence = whyNotOpened(write("bad.las", damaged(sound, how)));

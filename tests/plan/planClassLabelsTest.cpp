@@ -68,7 +68,7 @@ TEST(planClassLabels, TakesColoursOfThreeOrFourNumbers) {
   }
 }
 
-TEST(collectPlanClasses, ListsWhatEverySelectedPointHasToBe) {
+TEST(collectPlanClasses, ListsTheClassesOfTheGoldenDocument) {
   Testing::expectCases("plan/golden/classes.md", [](const std::string& condition) {
     std::vector<std::string> collected{"before"};
     collectPlanClasses(Testing::planOf(condition), collected);
