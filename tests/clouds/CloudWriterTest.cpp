@@ -161,7 +161,7 @@ TEST_F(CloudWriterTest, WritingOntoTheInputIsSafeAndKeepsPermissionsAndLinks) {
 
 TEST_F(CloudWriterTest, AFileThatMayNotGrowSoLargeEndsInASentence) {
   const std::string file = built();
-  ASSERT_TRUE(open(file)->write({}, path("in.laz"), Testing::goOn, error)) << error;
+  ASSERT_TRUE(openWell(file)->write({}, path("in.laz"), Testing::goOn, error)) << error;
   const std::pair<std::string, std::string> writings[] = {
       {"in.las", "out.las"}, {"in.las", "out.laz"}, {"in.laz", "out.laz"}, {"in.laz", "in.laz"}};
   const std::string before = Testing::readFile(path("in.laz"));
