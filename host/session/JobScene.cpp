@@ -10,7 +10,7 @@ JobScene::JobScene(const Job& job, const Stop& stop) : job_(job), scene_(stop) {
 
 bool JobScene::prepare(std::string& problem) {
   if (!job_.region.empty() && !scene_.setRegion(job_.region, problem)) return false;
-  scene_.runtime().resolver = collectionResolver(job_.document.sourceFile);
+  scene_.setResolver(collectionResolver(job_.document.sourceFile));
   if (!job_.classes.empty()) scene_.setClasses(job_.classes);
   return true;
 }

@@ -40,6 +40,14 @@ public:
   /// called behind `setRegion` and before a cloud is opened; a class that a cloud lacks fails the run on it.
   void setClasses(const std::string& classes);
 
+  /// How many Quindles one run may start, those that they start included: far more than a sensible collection
+  /// does, and so few that Quindles which run one another in vain end within a second.
+  static constexpr unsigned mostNestedRuns = 10'000;
+
+  /// Names who finds the Quindles that others run. One run asks for at most `mostNestedRuns`, and for none
+  /// once it is to stop; what asks for more fails with a sentence.
+  void setResolver(QuindleResolver resolver);
+
   /// Opens the cloud at `path` in place of the one before. What was compiled stays, unless the new cloud
   /// brings other classes, for which it was not made. False with an error in `diag` if it can't be used.
   bool openCloud(const std::string& path, const QuindleDocument& document, Diag& diag);
@@ -74,7 +82,7 @@ public:
   /// The open cloud; null if there is none.
   Rethold::StrongPtr<Grid> grid() const;
 
-  /// For the resolver, and for hosts that ask what the scene holds.
+  /// For hosts that ask what the scene holds.
   QuindleRuntime& runtime() { return *runtime_; }
 
 private:
@@ -94,6 +102,7 @@ private:
   bool makeField(const QuindleParam& param, const std::string& field, std::string& object, Diag& diag);
   bool makeRegion(const QuindleParam& param, const std::string& text, std::string& object, Diag& diag);
   void forgetCompiled();
+  bool mayNest(std::string& error);
 
   SceneTurn turn_; ///< Before and behind all that touches the graph.
   const Stop& stop_;
@@ -104,6 +113,7 @@ private:
   std::string region_;                      ///< The name of the region's object; empty if none was named.
   std::string brush_;                       ///< What selections start from; empty for what the runtime finds.
   std::map<std::string, std::string> made_; ///< Objects made for parameter values, by what they stand for.
+  unsigned nestedRuns_ = 0;                 ///< That the resolver was asked for since a run began.
   std::optional<Chain> chain_;              ///< Of `select`.
   LabelSet compiledFor_;                    ///< The classes that the cached programs were compiled with.
 };
