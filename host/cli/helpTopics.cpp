@@ -220,8 +220,12 @@ constexpr std::string_view exitBody = R"page(A command ends with one of these:
 
   0   It did what it was asked to.
   1   It ran and found faults, or could not finish: a Quindle with
-      errors, a file that can't be read or written, an interruption.
+      errors, a file that can't be read or written.
   2   It was called wrongly, and nothing was done.
+
+Interrupted by Ctrl-C or asked to end, it tidies up and then ends by that
+signal, for which a shell shows 130 or 143. The file at hand is the old one
+or the new one, whole.
 
 1 is also the answer "no" of commands that are asked something: "check" with
 errors, "fmt --check" with files that would change, "search" that finds
