@@ -92,7 +92,8 @@ the cloud. It is one of these:
 The corners of a box may be any two that lie opposite. Numbers are separated
 by blanks or commas and may stand in parentheses. GeoJSON is a Polygon, a
 MultiPolygon, a Feature or a FeatureCollection of these. A polygon holds for
-all heights, and what lies on its line is inside.
+all heights, and what lies on its line is inside. At most 10000 lines of an
+outline may lie side by side at one height of the map.
 
   quindle preview "Isolated noise" lake.las \
       --region "512000 5403000 512100 5403080"
@@ -122,7 +123,8 @@ parameters. The types:
             system. One outside the range of the parameter is refused.
   Text      any text. Where a condition takes a position, three numbers:
             "512100 5403080 400".
-  Surface   the path of a PLY, OBJ or STL file.
+  Surface   the path of a PLY, OBJ or STL file. At most 10000 of its
+            triangles may lie over one place or meet in one corner.
   File      a path.
   Class     the name of a class as "quindle info" writes it, or its
             number; several are separated by commas.
@@ -172,6 +174,11 @@ Files are written whole or not at all: beside the old one first, then in its
 place. Ctrl-C ends the work as soon as it can be left, and the file at hand
 stays as it was; clouds that were finished before stay written. A second
 Ctrl-C ends it at once, with the same promise.
+
+A cloud is held while it is written over itself: a second command that wants
+to change it meanwhile is refused. Refused as well is one that no new file may
+take the place of, since it has several names (hard links) or its directory
+forbids it; -o writes it elsewhere.
 
 The exit codes are listed by "quindle help exit".
 )page";
