@@ -115,8 +115,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const char* className : classNames) tryRun(file.path(), folder.path("out"), info, className);
   } else {
     requireSentence(error);
-    require(!run(file.path(), folder.path("out"), "Z >= 0", classNames[0]).ok,
-            "what can't be read is not written");
+    // A layer that is damaged does not matter to a run that leaves it as it is.
+    const Outcome outcome = run(file.path(), folder.path("out"), "Z >= 0", classNames[0]);
+    require(cloud || !outcome.ok, "what can't be opened is not written");
   }
   return 0;
 }
