@@ -1,5 +1,7 @@
 #include "tests/runtime/RuntimeTest.h"
 
+#include <limits>
+
 namespace Zamt::Testing {
 namespace {
 
@@ -63,6 +65,9 @@ TEST_F(RunProgramTest, FiresNothingThatWritesInAPreview) {
   EXPECT_FALSE(result.compiled);
   EXPECT_THAT(result.report, ElementsAre("3", "99"));
   EXPECT_EQ(result.settled, 4);
+  scene.settleResult = std::numeric_limits<int>::max();
+  EXPECT_TRUE(run(doc, {{"data", ""}}));
+  EXPECT_EQ(result.settled, std::numeric_limits<int>::max());
 }
 
 TEST_F(RunProgramTest, SaysWhichBindingsHaveNoValueAndKeepsTheProgram) {
