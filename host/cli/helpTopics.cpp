@@ -92,7 +92,8 @@ the cloud. It is one of these:
 The corners of a box may be any two that lie opposite. Numbers are separated
 by blanks or commas and may stand in parentheses. GeoJSON is a Polygon, a
 MultiPolygon, a Feature or a FeatureCollection of these. A polygon holds for
-all heights, and what lies on its line is inside.
+all heights, and what lies on its line is inside. At most 10000 lines of an
+outline may lie side by side at one height of the map.
 
   quindle preview "Isolated noise" lake.las \
       --region "512000 5403000 512100 5403080"
@@ -128,7 +129,8 @@ parameters. The types:
             triangles, and "class:Ground?longest=20" for those of
             them whose sides are at most 20 long in plan;
             "level:405.2" for one height everywhere. A file of such a
-            name comes first.
+            name comes first. At most 10000 triangles of a file may lie
+            over one place or meet in one corner.
   File      a path.
   Class     the name of a class as "quindle info" writes it, or its
             number; several are separated by commas. See "quindle help
@@ -218,6 +220,11 @@ place. Ctrl-C ends the work as soon as it can be left, and the file at hand
 stays as it was; clouds that were finished before stay written. A second
 Ctrl-C ends it at once, with the same promise.
 
+A cloud is held while it is written over itself: a second command that wants
+to change it meanwhile is refused. Refused as well is one that no new file may
+take the place of, since it has several names (hard links) or its directory
+forbids it; -o writes it elsewhere.
+
 The exit codes are listed by "quindle help exit".
 )page";
 
@@ -265,8 +272,12 @@ constexpr std::string_view exitBody = R"page(A command ends with one of these:
 
   0   It did what it was asked to.
   1   It ran and found faults, or could not finish: a Quindle with
-      errors, a file that can't be read or written, an interruption.
+      errors, a file that can't be read or written.
   2   It was called wrongly, and nothing was done.
+
+Interrupted by Ctrl-C or asked to end, it tidies up and then ends by that
+signal, for which a shell shows 130 or 143. The file at hand is the old one
+or the new one, whole.
 
 1 is also the answer "no" of commands that are asked something: "check" with
 errors, "fmt --check" with files that would change, "search" that finds

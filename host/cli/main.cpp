@@ -43,5 +43,7 @@ int main(int argc, char** argv) {
   handleSignals(stop);
   Console console;
   const Program& program = quindleProgram();
-  return console.finish(answer(readCommandLine(argc, argv, program), program, stop, console));
+  const int status = console.finish(answer(readCommandLine(argc, argv, program), program, stop, console));
+  endIfInterrupted();
+  return status;
 }

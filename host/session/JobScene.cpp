@@ -11,7 +11,7 @@ JobScene::JobScene(const Job& job, const Stop& stop) : job_(job), stop_(stop), s
 
 bool JobScene::prepare(std::string& problem) {
   if (!job_.region.empty() && !scene_.setRegion(job_.region, problem)) return false;
-  scene_.runtime().resolver = collectionResolver(job_.document.sourceFile);
+  scene_.setResolver(collectionResolver(job_.document.sourceFile));
   if (!job_.classes.empty()) scene_.setClasses(job_.classes);
   return true;
 }

@@ -1,11 +1,14 @@
 #include "host/session/runClouds.h"
 
+#include "files/AtomicFile.h"
 #include "host/clouds/ClassMoves.h"
 #include "host/objects/Grid.h"
 #include "host/session/JobScene.h"
 #include "host/session/cloudClasses.h"
 
+#include <filesystem>
 #include <set>
+#include <system_error>
 #include <utility>
 
 namespace Zamt::Host {
@@ -49,6 +52,8 @@ private:
   /// Keeps what came of it in `outcome`; writes if there is an output.
   void runOne(const JobCloud& cloud, Outcome& outcome, Diag& diag) {
     scene_.files() = {outcome.preview, {}};
+    HeldFile held;
+    if (!mayWrite(cloud, held, diag)) return;
     if (!scene_.openCloud(cloud.file, job_.document, diag)) return;
     QuindleRunResult result;
     const bool good = scene_.run(job_.document, job_.values, false, result, diag);
@@ -86,6 +91,17 @@ private:
 };
 
 } // namespace
+
+bool mayWrite(const JobCloud& cloud, HeldFile& held, Diag& diag) {
+  if (cloud.output.empty()) return true;
+  std::error_code unknown;
+  const bool isReplaced = std::filesystem::equivalent(cloud.file, cloud.output, unknown);
+  std::string problem;
+  if (AtomicFile::mayCreate(cloud.output, problem) && (!isReplaced || held.hold(cloud.output, problem)))
+    return true;
+  diag.error(problem, cloud.output);
+  return false;
+}
 
 bool runClouds(const Job& job, const JobWatch& watch, std::string& problem) {
   JobScene session(job, watch.stop);

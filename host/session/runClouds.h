@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/HeldFile.h"
 #include "files/Stop.h"
 #include "host/objects/MaskedLabels.h"
 #include "host/session/Progress.h"
@@ -19,6 +20,11 @@ struct JobCloud {
   std::string file;
   std::string output; ///< Where it is written; empty for a preview, which writes no cloud.
 };
+
+/// Whether the cloud's output may be written, told before the work. A cloud that is written over itself is
+/// held for as long as `held` lasts. False, with an error in `diag`, when it may not, or another program
+/// holds the cloud.
+bool mayWrite(const JobCloud& cloud, HeldFile& held, Diag& diag);
 
 /// A Quindle, and what it is to be run on.
 struct Job {

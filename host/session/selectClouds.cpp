@@ -10,6 +10,8 @@ namespace {
 
 bool selectOne(const Job& job, const JobCloud& cloud, Scene& scene, Selected& selected, Diag& diag) {
   PointMask kept;
+  HeldFile held;
+  if (!mayWrite(cloud, held, diag)) return false;
   if (!scene.openCloud(cloud.file, job.document, diag) || !scene.select(job.document, job.values, kept, diag))
     return false;
   selected.points = kept.size();

@@ -42,6 +42,10 @@ public:
   void verticalDistances(std::span<const double> x, std::span<const double> y, std::span<const double> z,
                          std::span<double> out) const override;
 
+  /// How many triangles a point is held against where they crowd most: over one another, or around one
+  /// corner.
+  std::size_t crowding() const { return crowding_; }
+
   /// How many triangles bear a height.
   std::size_t size() const { return triangles_.size(); }
 
@@ -74,6 +78,7 @@ private:
   void makeLevels(std::span<const std::uint8_t> levelOf, std::span<const double> cellSizes);
   template <typename Visit>
   void visitCells(const Triangle& triangle, const Level& level, Visit&& visit) const;
+  std::size_t fullestPlace(const Level& level) const;
   std::uint64_t placeAt(const Level& level, double x, double y) const;
   void searchPlace(std::uint64_t place, double x, double y, double z, double& best) const;
   bool heightAt(const Triangle& triangle, double x, double y, double& height) const;
@@ -82,6 +87,7 @@ private:
   std::vector<Level> levels_;
   std::vector<std::uint32_t> placeStarts_; ///< For each place of each level, where its entries begin.
   std::vector<std::uint32_t> entries_;     ///< Positions in `triangles_`.
+  std::size_t crowding_ = 0;
   std::array<double, 4> bounds_{};
   double rounding_ = 0; ///< How far apart two spellings of one coordinate may lie.
 };

@@ -2,6 +2,7 @@
 #include "host/clouds/buildCloud.h"
 #include "tests/clouds/CloudFiles.h"
 #include "tests/support/ArrayCloud.h"
+#include "tests/support/asNobody.h"
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -187,6 +188,26 @@ TEST_F(CloudWriterTest, AFileThatMayNotGrowSoLargeEndsInASentence) {
   }
   EXPECT_EQ(names(), (Names{"in.las", "in.laz"}));
   EXPECT_TRUE(Testing::readFile(path("in.laz")) == before);
+}
+
+TEST_F(CloudWriterTest, AFileThatNoOtherMayReplaceIsRefusedWithAnotherWay) {
+  using Perms = std::filesystem::perms;
+  constexpr Perms everybodys = Perms::owner_all | Perms::group_all | Perms::others_all;
+  const std::string file = built(5);
+  const std::string before = readFile(file);
+  std::filesystem::permissions(file, everybodys);
+  constexpr Perms readOnly = everybodys & ~(Perms::owner_write | Perms::group_write | Perms::others_write);
+  for (const Perms of : {readOnly, everybodys | Perms::sticky_bit}) {
+    std::filesystem::permissions(path(), of);
+    EXPECT_TRUE(Testing::asNobody([&] {
+      return refusal(*open(file), {}, file) == "The directory \"" + path() +
+                                                   "\" lets no other file take the place of \"" + file +
+                                                   "\". Write to another directory with -o.";
+    }));
+  }
+  std::filesystem::permissions(path(), everybodys);
+  EXPECT_EQ(readFile(file), before);
+  EXPECT_EQ(names(), Names{"in.las"});
 }
 
 TEST_F(CloudWriterTest, ASignalHandlerCanRemoveWhatIsNotComplete) {

@@ -291,6 +291,14 @@ TEST(Filters, SayWhatThereIsInsteadOfWhatIsMissing) {
                 "A box needs a number at each of its ends.");
   expectRefused(makePolygonFilter({}, p),
                 "The region holds no polygon. Give at least one with three corners or more.");
+  Polygon comb{{{}}};
+  for (int i = 0; i < 5000; ++i) comb.rings[0].insert(comb.rings[0].end(), {{i * 1.0, 0}, {i + 0.5, 100}});
+  EXPECT_NE(makePolygonFilter({&comb, 1}, p), nullptr) << p;
+  comb.rings[0].insert(comb.rings[0].end(), {{5000, 0}, {5000.5, 100}});
+  expectRefused(
+      makePolygonFilter({&comb, 1}, p),
+      "The region has 10002 lines side by side at one height of the map, and each point there would be "
+      "held against them all; 10000 are the most. Simplify its outline, or cut it into several.");
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "tests/support/goldenCases.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace Zamt::Host {
@@ -117,6 +118,27 @@ TEST(SurfaceCache, ReadsAFileOnceUntilItChanges) {
   EXPECT_EQ(cache.load(path, problem), nullptr);
   EXPECT_NE(problem, "");
   EXPECT_FALSE(writePly(directory.path("no/a.ply"), mesh, problem));
+}
+
+TEST(SurfaceCache, RefusesTrianglesThatCrowdInOnePlace) {
+  const Testing::TemporaryDirectory directory;
+  const std::string path = directory.path("a.ply");
+  const std::size_t most = maxSurfaceCrowding;
+  for (const bool sheets : {true, false})
+    for (const std::size_t count : {most, most + 1}) {
+      Mesh mesh{{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {}};
+      for (std::size_t i = 0; i < count; ++i) {
+        const auto first = static_cast<std::uint32_t>(mesh.vertices.size());
+        const double angle = 1.5 * static_cast<double>(i) / static_cast<double>(count);
+        if (!sheets) mesh.vertices.push_back({std::cos(angle), std::sin(angle), 0});
+        if (!sheets) mesh.vertices.push_back({std::cos(angle + 1e-4), std::sin(angle + 1e-4), 0});
+        mesh.triangles.push_back(sheets ? std::array<std::uint32_t, 3>{0, 1, 2}
+                                        : std::array<std::uint32_t, 3>{0, first, first + 1});
+      }
+      std::string problem;
+      ASSERT_TRUE(writePly(path, mesh, problem)) << problem;
+      EXPECT_EQ(SurfaceCache().load(path, problem) != nullptr, count == most) << problem;
+    }
 }
 
 } // namespace
