@@ -171,7 +171,8 @@ number in all of them. It is filled in this order:
 
 "as" gives a new class its number. Where that is not what the standard says,
 and no file defines or uses the standard's class, the Quindle has its way, and
-a warning says what the standard makes of it.
+a warning says what the standard makes of it. Another says where points are in
+that number already.
 
   classify into "Underwater" as 27
   classify into "Rail" as 40        the standard has 10: a warning
