@@ -3,6 +3,13 @@
 #include <algorithm>
 #include <atomic>
 
+/// Has a function made for wider registers, too; which one is called is settled when the program starts.
+#if defined(__x86_64__) && defined(__GLIBC__)
+#define QUINDLE_WIDE __attribute__((target_clones("avx2", "default")))
+#else
+#define QUINDLE_WIDE
+#endif
+
 namespace Zamt::Host {
 namespace {
 
@@ -36,6 +43,26 @@ bool isWithin(const std::array<double, 3>& a, const std::array<double, 3>& b, do
   return dx * dx + dy * dy + dz * dz <= squaredRadius;
 }
 
+struct Counts {
+  std::uint32_t surely = 0;
+  std::uint32_t possibly = 0;
+};
+
+/// How many of `count` points have squares of distances from `p` up to two limits.
+QUINDLE_WIDE Counts countNear(const std::array<float, 3>& p, const std::array<const float*, 3>& others,
+                              std::size_t count, float surely, float possibly) {
+  Counts counts;
+  for (std::size_t i = 0; i < count; ++i) {
+    const float dx = p[0] - others[0][i];
+    const float dy = p[1] - others[1][i];
+    const float dz = p[2] - others[2][i];
+    const float squared = dx * dx + dy * dy + dz * dz;
+    counts.surely += squared <= surely ? 1U : 0U;
+    counts.possibly += squared <= possibly ? 1U : 0U;
+  }
+  return counts;
+}
+
 std::uint64_t shifted(std::uint64_t key, std::int64_t by) { return key + static_cast<std::uint64_t>(by); }
 
 } // namespace
@@ -67,26 +94,12 @@ void NearPoints::collect(const std::array<double, 3>& origin, const std::vector<
 
 std::uint64_t NearPoints::countWithin(std::size_t point, std::size_t begin, std::size_t end) const {
   const std::array<double, 3>& at = grid_.at[point];
-  const float px = scaled(at[0] - origin_[0]);
-  const float py = scaled(at[1] - origin_[1]);
-  const float pz = scaled(at[2] - origin_[2]);
-  const float* const x = away_[0].data();
-  const float* const y = away_[1].data();
-  const float* const z = away_[2].data();
-  const float surely = surely_;
-  const float possibly = possibly_;
-  std::uint32_t within = 0;
-  std::uint32_t maybe = 0;
-  for (std::size_t i = begin; i < end; ++i) {
-    const float dx = px - x[i];
-    const float dy = py - y[i];
-    const float dz = pz - z[i];
-    const float squared = dx * dx + dy * dy + dz * dz;
-    within += squared <= surely ? 1U : 0U;
-    maybe += squared <= possibly ? 1U : 0U;
-  }
-  if (within == maybe) return within;
-  within = 0;
+  const std::array<float, 3> p{scaled(at[0] - origin_[0]), scaled(at[1] - origin_[1]),
+                               scaled(at[2] - origin_[2])};
+  const std::array<const float*, 3> others{&away_[0][begin], &away_[1][begin], &away_[2][begin]};
+  const Counts counts = countNear(p, others, end - begin, surely_, possibly_);
+  if (counts.surely == counts.possibly) return counts.surely;
+  std::uint64_t within = 0;
   for (std::size_t i = begin; i < end; ++i) within += isWithin(at, grid_.at[points_[i]], squared_) ? 1U : 0U;
   return within;
 }
