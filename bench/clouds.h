@@ -7,6 +7,7 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
@@ -50,13 +51,13 @@ inline std::string temporary(const std::string& name) {
   return (std::filesystem::temp_directory_path() / name).string();
 }
 
-/// A file of format 6, 30 bytes a point, spread evenly and in random order, which is the worst for an index.
-inline std::string cloudFile(std::uint64_t points) {
-  std::string path = temporary("quindle-bench-" + std::to_string(points) + ".las");
+/// A file of format 6, 30 bytes a point, with points at places that depend on their number only.
+template <class Place>
+std::string makeCloudFile(const std::string& name, std::uint64_t points, const Place& place) {
+  std::string path = temporary("quindle-bench-" + name + ".las");
   if (std::filesystem::exists(path)) return path;
-  const double side = cloudSide(points);
-  const auto fill = [side](std::uint64_t i, NewPoint& point) {
-    point.position = {mixed(i, 0) * side, mixed(i, 1) * side, mixed(i, 2) * cloudHeight};
+  const auto fill = [&place](std::uint64_t i, NewPoint& point) {
+    point.position = place(i);
     point.intensity = static_cast<std::uint16_t>(mixed(i, 3) * 1000);
     point.classification = static_cast<std::uint8_t>(mixed(i, 4) * 10);
   };
@@ -67,12 +68,35 @@ inline std::string cloudFile(std::uint64_t points) {
   return path;
 }
 
-inline std::shared_ptr<PointCloud> cloudOf(std::uint64_t points) {
+/// Points that are spread evenly and in random order, which is the worst for an index.
+inline std::string cloudFile(std::uint64_t points) {
+  const double side = cloudSide(points);
+  return makeCloudFile(std::to_string(points), points, [side](std::uint64_t i) {
+    return std::array{mixed(i, 0) * side, mixed(i, 1) * side, mixed(i, 2) * cloudHeight};
+  });
+}
+
+/// Ten million points on three hectares of rolling ground, a fifth of them in what grows up to 15 m high on
+/// it. A point on the ground has about 850 others within a metre.
+inline std::string denseCloudFile() {
+  return makeCloudFile("dense", 10 * million, [](std::uint64_t i) {
+    constexpr double side = 173.2;
+    const double x = mixed(i, 0) * side;
+    const double y = mixed(i, 1) * side;
+    const double ground = 10 + 4 * std::sin(x / 20) + 3 * std::cos(y / 15);
+    const double above = mixed(i, 5) < 0.2 ? mixed(i, 2) * 15 : mixed(i, 2) * 0.1;
+    return std::array{x, y, ground + above};
+  });
+}
+
+inline std::shared_ptr<PointCloud> openFile(const std::string& path) {
   std::string error;
-  auto cloud = openCloud(cloudFile(points), error);
+  auto cloud = openCloud(path, error);
   if (!cloud) giveUp(error);
   return cloud;
 }
+
+inline std::shared_ptr<PointCloud> cloudOf(std::uint64_t points) { return openFile(cloudFile(points)); }
 
 /// The seconds that `work` takes: the least of a few tries, for a yardstick.
 template <class Work>

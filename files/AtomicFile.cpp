@@ -99,21 +99,38 @@ bool AtomicFile::openTemporary(std::string& error) {
   return false;
 }
 
-std::unique_ptr<AtomicFile> AtomicFile::create(const std::string& target, std::string& error,
-                                               const Stop* stop) {
-  std::unique_ptr<AtomicFile> result(new AtomicFile);
-  result->name_ = target;
-  result->stop_ = stop;
+bool AtomicFile::aimAt(const std::string& target, std::string& error) {
+  name_ = target;
   const std::optional<std::filesystem::path> path = System::followLinks(target);
   if (!path) {
     error = "\"" + target + "\" is a link that leads in a circle. Remove it or write elsewhere.";
-    return nullptr;
+    return false;
   }
-  result->target_ = *path;
-  result->directory_ = path->has_parent_path() ? path->parent_path() : ".";
-  const std::error_code code = System::lookForWriting(*path, result->replaced_);
-  error = whyNotReplaced(target, result->directory_.string(), result->replaced_, code);
-  if (!error.empty() || !result->openTemporary(error)) return nullptr;
+  target_ = *path;
+  directory_ = path->has_parent_path() ? path->parent_path() : ".";
+  const std::error_code code = System::lookForWriting(*path, replaced_);
+  error = whyNotReplaced(target, directory_.string(), replaced_, code);
+  if (!error.empty() || replaced_.kind != System::Occupant::Kind::File) return error.empty();
+  if (replaced_.shared)
+    error =
+        "\"" + target +
+        "\" has several names (hard links), and a new file would take only this one. Write to another file "
+        "with -o.";
+  else if (!System::mayReplace(*path, replaced_))
+    error = "The directory \"" + directory_.string() + "\" lets no other file take the place of \"" + target +
+            "\". Write to another directory with -o.";
+  return error.empty();
+}
+
+bool AtomicFile::mayCreate(const std::string& target, std::string& error) {
+  return AtomicFile().aimAt(target, error);
+}
+
+std::unique_ptr<AtomicFile> AtomicFile::create(const std::string& target, std::string& error,
+                                               const Stop* stop) {
+  std::unique_ptr<AtomicFile> result(new AtomicFile);
+  result->stop_ = stop;
+  if (!result->aimAt(target, error) || !result->openTemporary(error)) return nullptr;
   return result;
 }
 

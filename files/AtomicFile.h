@@ -19,10 +19,15 @@ class Stop;
 class AtomicFile {
 public:
   /// Starts a file that is to be `target`. A symbolic link stays one, and the file that it leads to is
-  /// replaced, or made if there is none. A file that is replaced keeps its permissions. `stop`, if given,
-  /// outlives the file and ends its writing early. Null when that can't be, with a sentence in `error`.
+  /// replaced, or made if there is none. A file that is replaced keeps its permissions; one that has other
+  /// names too is not replaced. `stop`, if given, outlives the file and ends its writing early. Null when
+  /// that can't be, with a sentence in `error`.
   static std::unique_ptr<AtomicFile> create(const std::string& target, std::string& error,
                                             const Stop* stop = nullptr);
+
+  /// Whether `create` could start a file there now, as far as can be told without making one. False with a
+  /// sentence in `error`.
+  static bool mayCreate(const std::string& target, std::string& error);
 
   /// Removes the temporary unless `commit` has succeeded.
   ~AtomicFile();
@@ -42,6 +47,7 @@ public:
 
 private:
   AtomicFile() = default;
+  bool aimAt(const std::string& target, std::string& error);
   bool openTemporary(std::string& error);
   bool stopped(std::string& error) const;
 

@@ -32,7 +32,8 @@ bool writeOver(const System::File& file, std::span<const std::byte> bytes) {
 
 Replaced replaceInPlace(const std::filesystem::path& path, std::span<const std::byte> bytes) {
   System::File file;
-  if (System::openForWriting(path, file)) return Replaced::NotBegun;
+  // Two that write over one file at a time would leave a mixture.
+  if (System::openForWriting(path, file) || !System::hold(file)) return Replaced::NotBegun;
   OldText old;
   if (!old.keep(path)) return Replaced::NotBegun;
   if (writeOver(file, bytes)) return Replaced::Done;

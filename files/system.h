@@ -44,8 +44,9 @@ struct Occupant {
   std::uint32_t group = 0;       ///< Likewise.
 };
 
-/// What `path` stands for once links are followed, the last of which may lead to nothing. Nothing when they
-/// lead in a circle or can't be read.
+/// What `path` stands for once links are followed, the last of which may lead to nothing; not those that lead
+/// to what a process has open, such as its standard output. Nothing when they lead in a circle or can't be
+/// read.
 std::optional<std::filesystem::path> followLinks(std::filesystem::path path);
 
 /// Tells what stands at `path`, no link any more, and fails when it is a file that may not be given other
@@ -57,6 +58,13 @@ bool mayReplace(const std::filesystem::path& path, const Occupant& occupant);
 
 /// Opens what stands at `path`, no link any more, for other bytes in the place of its own.
 std::error_code openForWriting(const std::filesystem::path& path, File& file);
+
+/// Holds an open file for this process alone, until it is closed or the process ends in whatever way. False
+/// while another holds it; file systems without locks leave every file to everybody.
+bool hold(const File& file);
+
+/// Whether `path` still leads to that open file, and to no other one that took its name.
+bool standsUnder(const File& file, const std::filesystem::path& path);
 
 /// Makes a new file that only its owner may read, and holds it until it is closed. Fails with `file_exists`
 /// when the name is taken; but what a process that is gone left under it goes first.

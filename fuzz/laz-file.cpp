@@ -1,16 +1,10 @@
 // Whole LAZ files: what is read of any bytes is consistent, and what is written of it reads back with the
 // same points.
 
-#include "fuzz/require.h"
+#include "fuzz/files.h"
 #include "host/clouds/BlockReader.h"
 #include "host/clouds/cloudInfo.h"
 #include "host/clouds/openCloud.h"
-
-#include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <sys/mman.h>
-#include <unistd.h>
 
 using namespace Zamt::Host;
 using Zamt::Fuzz::require;
@@ -22,15 +16,6 @@ const Zamt::Stop goOn;
 
 /// More points than this take longer than a fuzzer has.
 constexpr std::uint64_t mostPoints = 1'000'000;
-
-std::string folder() {
-  static const std::string path = [] {
-    std::string name = (std::filesystem::temp_directory_path() / "quindle-fuzz-XXXXXX").string();
-    require(mkdtemp(name.data()) != nullptr, "there is a directory to write to");
-    return name;
-  }();
-  return path;
-}
 
 /// Puts the first point of each block into class 1. False when a block can't be read.
 bool changeSome(PointCloud& cloud, std::string& error) {
@@ -47,8 +32,9 @@ bool changeSome(PointCloud& cloud, std::string& error) {
 }
 
 void rewrite(PointCloud& cloud, const std::string& ending, const CloudInfo& info) {
+  static const Zamt::Fuzz::Folder folder;
   std::string error;
-  const std::string path = folder() + "/out" + ending;
+  const std::string path = folder.path("out" + ending);
   if (!changeSome(cloud, error) || !cloud.write({{1, "One"}}, path, goOn, error))
     return requireSentence(error);
   const auto again = openCloud(path, error);
@@ -65,10 +51,9 @@ void rewrite(PointCloud& cloud, const std::string& ending, const CloudInfo& info
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const int file = memfd_create("cloud", 0);
-  require(write(file, data, size) == static_cast<ssize_t>(size), "the bytes reach the file");
+  const Zamt::Fuzz::MemoryFile file(data, size);
   std::string error;
-  const auto cloud = openCloud("/proc/self/fd/" + std::to_string(file), error);
+  const auto cloud = openCloud(file.path(), error);
   CloudInfo info;
   if (!cloud) {
     requireSentence(error);
@@ -78,6 +63,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     else
       for (const char* ending : {".laz", ".las"}) rewrite(*cloud, ending, info);
   }
-  close(file);
   return 0;
 }

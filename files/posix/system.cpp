@@ -50,22 +50,21 @@ mode_t maskForNewFiles() {
   return static_cast<mode_t>(mask);
 }
 
-/// Whether `file` is locked for this process alone, until it is closed or the process ends. File systems
-/// without locks leave every file to itself.
-bool hold(const File& file) { return ::flock(file.handle(), LOCK_EX | LOCK_NB) == 0; }
-bool holdUnlessImpossible(const File& file) { return hold(file) || errno != EWOULDBLOCK; }
-
-bool standsUnder(const File& file, const std::filesystem::path& path) {
-  struct stat opened {};
-  struct stat named {};
-  return ::fstat(file.handle(), &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
-         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
-}
+bool lock(const File& file) { return ::flock(file.handle(), LOCK_EX | LOCK_NB) == 0; }
 
 /// Removes what stands at `path` if no process holds it.
 bool removeIfLeftBehind(const std::filesystem::path& path) {
   const File left(::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-  return left.isOpen() && hold(left) && standsUnder(left, path) && ::unlink(path.c_str()) == 0;
+  return left.isOpen() && lock(left) && standsUnder(left, path) && ::unlink(path.c_str()) == 0;
+}
+
+/// Whether `path` is one of the links by which a process reaches its open files, such as the one to standard
+/// output. Where that is a file, it is open for whatever else is printed; where it is a pipe, it has no name.
+bool isStream(const std::filesystem::path& path) {
+  std::error_code failed;
+  const std::string directory = std::filesystem::canonical(path.parent_path(), failed).string();
+  return directory.starts_with("/proc/") && directory.ends_with("/fd") &&
+         !std::filesystem::is_character_file(path, failed);
 }
 
 } // namespace
@@ -88,7 +87,7 @@ std::error_code File::close() {
 std::optional<std::filesystem::path> followLinks(std::filesystem::path path) {
   for (int links = 0; links < maxLinks; ++links) {
     std::error_code failed;
-    if (!std::filesystem::is_symlink(path, failed)) return path;
+    if (!std::filesystem::is_symlink(path, failed) || isStream(path)) return path;
     const std::filesystem::path target = std::filesystem::read_symlink(path, failed);
     if (failed) return std::nullopt;
     path = path.parent_path() / target;
@@ -104,6 +103,8 @@ std::error_code lookForWriting(const std::filesystem::path& path, Occupant& occu
                   : S_ISDIR(status.st_mode) ? Occupant::Kind::Directory
                   : S_ISCHR(status.st_mode) ? Occupant::Kind::Device
                                             : Occupant::Kind::Other;
+  std::error_code failed;
+  if (std::filesystem::is_symlink(path, failed)) occupant.kind = Occupant::Kind::Other; // a stream's
   if (occupant.kind != Occupant::Kind::File) return {};
   occupant.shared = status.st_nlink > 1;
   occupant.permissions = status.st_mode & allPermissions;
@@ -129,6 +130,15 @@ std::error_code openForWriting(const std::filesystem::path& path, File& file) {
   return file.isOpen() ? std::error_code() : lastError();
 }
 
+bool hold(const File& file) { return lock(file) || errno != EWOULDBLOCK; }
+
+bool standsUnder(const File& file, const std::filesystem::path& path) {
+  struct stat opened {};
+  struct stat named {};
+  return ::fstat(file.handle(), &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
 std::error_code createHeld(const std::filesystem::path& path, File& file) {
   constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
   constexpr mode_t narrow = S_IRUSR | S_IWUSR;
@@ -137,7 +147,7 @@ std::error_code createHeld(const std::filesystem::path& path, File& file) {
     file = File(::open(path.c_str(), flags, narrow));
   if (!file.isOpen()) return lastError();
   // Between making and holding it, it looks like one that was left behind.
-  if (holdUnlessImpossible(file) && standsUnder(file, path)) return {};
+  if (hold(file) && standsUnder(file, path)) return {};
   file.close();
   return std::make_error_code(std::errc::file_exists);
 }

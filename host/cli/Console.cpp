@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace Zamt::Host {
@@ -47,9 +48,19 @@ int writeAll(int file, std::string_view text) {
   return 0;
 }
 
+/// Takes the place of a stream that the process was started without. Otherwise the next file to be opened
+/// would get its number, and with it what is meant for the stream.
+void takePlace(int stream) {
+  if (::fcntl(stream, F_GETFD) >= 0) return;
+  const int useless = stream == STDIN_FILENO ? O_WRONLY : O_RDONLY; // using the stream is to fail as before
+  [[maybe_unused]] const int same = ::open("/dev/null", useless | O_CLOEXEC);
+}
+
 } // namespace
 
-Console::Console() : decorated_(std::getenv("NO_COLOR") == nullptr && ::isatty(STDERR_FILENO) == 1) {}
+Console::Console() : decorated_(std::getenv("NO_COLOR") == nullptr && ::isatty(STDERR_FILENO) == 1) {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) takePlace(stream);
+}
 
 void Console::print(std::string_view text) {
   pending_ += text;

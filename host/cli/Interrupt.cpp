@@ -15,14 +15,29 @@ namespace {
 std::atomic<Stop*> raised{nullptr};
 static_assert(std::atomic<Stop*>::is_always_lock_free, "the handler may only touch lock-free memory");
 
+/// The signal that asked to end; 0 if none did.
+std::atomic<int> received{0};
+
+/// Ends the process as if the signal had no handler, so that whoever started it sees what ended it.
+[[noreturn]] void endBy(int signal) {
+  std::signal(signal, SIG_DFL);
+  sigset_t blocked;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, signal);
+  pthread_sigmask(SIG_UNBLOCK, &blocked, nullptr); // as it is within its handler
+  raise(signal);
+  _exit(128 + signal);
+}
+
 } // namespace
 
 extern "C" {
-static void onInterrupt(int /*signal*/) {
+static void onInterrupt(int signal) {
+  received = signal;
   Stop& stop = *raised.load();
   if (!stop.request()) return;
   removeTemporaries();
-  _exit(1);
+  endBy(signal);
 }
 
 /// A mapped file has lost its end to another program, and what was to be read is not there.
@@ -47,6 +62,11 @@ void handleSignals(Stop& stop) {
   action.sa_handler = onLostBytes;
   sigaction(SIGBUS, &action, nullptr);
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
+void endIfInterrupted() {
+  if (received != 0) endBy(received);
 }
 
 } // namespace Zamt::Host

@@ -2,7 +2,7 @@
 #include "host/cli/CommandLine.h"
 #include "host/cli/Console.h"
 #include "host/cli/Interrupt.h"
-#include "host/cli/helpPages.h"
+#include "host/cli/help/helpPages.h"
 
 #include <unistd.h>
 
@@ -42,5 +42,7 @@ int main(int argc, char** argv) {
   handleSignals(stop);
   Console console;
   const Program& program = quindleProgram();
-  return console.finish(answer(readCommandLine(argc, argv, program), program, stop, console));
+  const int status = console.finish(answer(readCommandLine(argc, argv, program), program, stop, console));
+  endIfInterrupted();
+  return status;
 }

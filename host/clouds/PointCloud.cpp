@@ -42,7 +42,7 @@ bool PointCloud::write(const std::vector<ClassName>& addedNames, const std::stri
 
 bool PointCloud::extract(const PointMask& kept, const std::string& path, const Stop& stop,
                          std::string& error) const {
-  return format_->extract(kept, path, stop, error);
+  return extractCloud(*format_, path_, kept, path, stop, error);
 }
 
 const Bounds* PointCloud::knownBounds(std::size_t block) const {

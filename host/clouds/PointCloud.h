@@ -62,7 +62,7 @@ public:
   bool write(const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
              std::string& error) const;
 
-  /// Writes those of the file's points that the mask holds to `path`, as `CloudFormat::extract` does.
+  /// Writes those of the file's points that the mask holds to `path`, as `extractCloud` does.
   bool extract(const PointMask& kept, const std::string& path, const Stop& stop, std::string& error) const;
 
   /// Counts the points of the cloud, in every pass over it anew.

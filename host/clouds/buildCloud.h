@@ -19,7 +19,7 @@ struct NewField {
   unsigned components = 1; ///< 1, 2 or 3 values a point.
 };
 
-/// What a new LAS 1.4 file is like.
+/// What a new LAS or LAZ 1.4 file is like.
 struct NewCloud {
   unsigned pointFormat = 6; ///< 0, 1, 2, 3, 6, 7 or 8.
   std::array<double, 3> scale{0.001, 0.001, 0.001};
@@ -47,10 +47,10 @@ struct NewPoint {
 /// Fills in the point of that number, which comes with the defaults.
 using FillPoint = std::function<void(std::uint64_t, NewPoint&)>;
 
-/// Writes a file of that many points to `path`. `fill` is called from several threads and in no order.
-/// Positions are rounded to the scale; one that is further away than 32 bits reach, and a number its type
-/// can't hold, is clamped. False with a sentence in `error` when the file can't be made; then `path` is as
-/// before.
+/// Writes a file of that many points to `path`: LAZ if the name ends so, otherwise LAS. `fill` is called from
+/// several threads and in no order. Positions are rounded to the scale; one that is further away than 32 bits
+/// reach, and a number its type can't hold, is clamped. False with a sentence in `error` when the file can't
+/// be made; then `path` is as before.
 bool buildCloud(const NewCloud& description, std::uint64_t points, const FillPoint& fill,
                 const std::string& path, const Stop& stop, std::string& error);
 

@@ -1,6 +1,5 @@
 #include "host/clouds/cloudInfo.h"
 
-#include "host/clouds/StandardClasses.h"
 #include "host/clouds/forEachBlock.h"
 
 #include <algorithm>
@@ -100,8 +99,8 @@ bool inspectCloud(const PointCloud& cloud, const Stop& stop, CloudInfo& info, st
     info.bounds.high[axis] = info.fields[axis].high;
   }
   for (unsigned number = 0; number < all.classes.size(); ++number) {
-    const auto of = static_cast<std::uint8_t>(number);
-    if (all.classes[number] != 0) info.classes.push_back({of, nameOfClass(cloud, of), all.classes[number]});
+    if (all.classes[number] != 0)
+      info.classes.push_back({static_cast<std::uint8_t>(number), all.classes[number]});
   }
   return true;
 }

@@ -23,7 +23,6 @@ struct FieldRange {
 
 struct ClassCount {
   std::uint8_t number = 0;
-  std::string name; ///< The file's own, else the standard's; may be empty.
   std::uint64_t points = 0;
 };
 

@@ -1,28 +1,13 @@
 #include "host/clouds/writeCloud.h"
 
+#include "host/clouds/cloudEnding.h"
+#include "host/clouds/las/KeptPoints.h"
 #include "host/clouds/las/LasWriter.h"
 #include "host/clouds/laz/LazWriter.h"
-
-#include <algorithm>
-#include <array>
 
 namespace Zamt::Host {
 
 namespace {
-
-constexpr std::string_view lasEnding = ".las";
-constexpr std::string_view lazEnding = ".laz";
-constexpr std::string_view copcEnding = ".copc.laz";
-
-/// The ending among those that name a format; empty for any other. Case does not matter.
-std::string_view endingOf(const std::string& path) {
-  const auto isSame = [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; };
-  for (const std::string_view ending : {copcEnding, lazEnding, lasEnding})
-    if (path.size() >= ending.size() && std::equal(path.end() - static_cast<std::ptrdiff_t>(ending.size()),
-                                                   path.end(), ending.begin(), isSame))
-      return ending;
-  return {};
-}
 
 /// Whether what the format itself writes is what a name with that ending says.
 bool isOwn(const CloudFormat& cloud, std::string_view ending) {
@@ -49,7 +34,7 @@ std::string whyNotConverted(const CloudFormat& cloud, const std::string& from, c
 bool writeCloud(const CloudFormat& cloud, const std::string& from, const ClassOverlay& changed,
                 const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
                 std::string& error) {
-  const std::string_view ending = endingOf(path);
+  const std::string_view ending = cloudEnding(path);
   const LasSource* const source = cloud.source();
   if (!source || path == from || isOwn(cloud, ending))
     return cloud.write(changed, addedNames, path, stop, error);
@@ -57,6 +42,19 @@ bool writeCloud(const CloudFormat& cloud, const std::string& from, const ClassOv
   if (!error.empty()) return false;
   return ending == lasEnding ? writeAsLas(*source, changed, addedNames, path, stop, error)
                              : writeAsLaz(*source, changed, addedNames, path, stop, error);
+}
+
+bool extractCloud(const CloudFormat& cloud, const std::string& from, const PointMask& kept,
+                  const std::string& path, const Stop& stop, std::string& error) {
+  const std::string_view ending = cloudEnding(path);
+  const LasSource* const source = cloud.source();
+  if (!source || path == from || isOwn(cloud, ending)) return cloud.extract(kept, path, stop, error);
+  error = whyNotConverted(cloud, from, path, ending);
+  if (!error.empty()) return false;
+  const KeptPoints points(*source, kept);
+  const ClassOverlay unchanged(points.blocks());
+  return ending == lasEnding ? writeAsLas(points, unchanged, {}, path, stop, error)
+                             : writeAsLaz(points, unchanged, {}, path, stop, error);
 }
 
 } // namespace Zamt::Host

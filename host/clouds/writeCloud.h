@@ -14,4 +14,9 @@ bool writeCloud(const CloudFormat& cloud, const std::string& from, const ClassOv
                 const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
                 std::string& error);
 
+/// Writes those of its points that the mask holds, as `CloudFormat::extract` does, in the format that the
+/// name says in the same way.
+bool extractCloud(const CloudFormat& cloud, const std::string& from, const PointMask& kept,
+                  const std::string& path, const Stop& stop, std::string& error);
+
 } // namespace Zamt::Host

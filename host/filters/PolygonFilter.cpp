@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace Zamt::Host {
@@ -24,6 +25,10 @@ constexpr std::size_t maximumStrips = 4096;
 
 /// Long edges lie in many strips. With more entries than this for each edge, fewer strips are made.
 constexpr std::size_t entriesPerEdge = 8;
+
+/// An outline with a strip of more edges than this is refused: every point in it would be held against them
+/// all.
+constexpr std::size_t mostEdgesOfStrip = 10'000;
 
 std::vector<Edge> collectEdges(std::span<const Polygon> polygons) {
   std::vector<Edge> edges;
@@ -60,6 +65,13 @@ public:
   }
 
   const Bounds& bounds() const { return box_; }
+
+  /// How many edges the fullest strip holds.
+  std::size_t crowding() const {
+    std::size_t most = 0;
+    for (std::size_t s = 0; s < strips_; ++s) most = std::max(most, starts_[s + 1] - starts_[s]);
+    return most;
+  }
 
   bool contains(double x, double y) const {
     if (!(x >= box_.low[0] && x <= box_.high[0] && y >= box_.low[1] && y <= box_.high[1])) return false;
@@ -122,7 +134,7 @@ private:
 
 class PolygonFilter : public PointFilter {
 public:
-  explicit PolygonFilter(std::span<const Polygon> polygons) : outline_(polygons) {}
+  explicit PolygonFilter(Outline outline) : outline_(std::move(outline)) {}
 
   void test(BlockReader& block, std::span<const std::uint32_t> indices,
             std::span<std::uint8_t> holds) const override {
@@ -163,7 +175,16 @@ std::shared_ptr<const PointFilter> makePolygonFilter(std::span<const Polygon> po
     problem = "The region holds no polygon. Give at least one with three corners or more.";
     return nullptr;
   }
-  return std::make_shared<PolygonFilter>(polygons);
+  Outline outline(polygons);
+  if (outline.crowding() > mostEdgesOfStrip) {
+    problem = "The region has " + std::to_string(outline.crowding()) +
+              " lines side by side at one height of the map, and each point there would be held against them "
+              "all; " +
+              std::to_string(mostEdgesOfStrip) +
+              " are the most. Simplify its outline, or cut it into several.";
+    return nullptr;
+  }
+  return std::make_shared<PolygonFilter>(std::move(outline));
 }
 
 Bounds boundsOf(const Region& region) {

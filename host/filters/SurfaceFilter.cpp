@@ -12,7 +12,7 @@ namespace {
 
 class SurfaceFilter : public PointFilter {
 public:
-  SurfaceFilter(std::shared_ptr<const Surface> surface, bool above, double margin)
+  SurfaceFilter(std::shared_ptr<const HeightModel> surface, bool above, double margin)
       : surface_(std::move(surface)), above_(above), margin_(margin) {}
 
   void test(BlockReader& block, std::span<const std::uint32_t> indices,
@@ -34,7 +34,6 @@ public:
   }
 
   Coverage coverage(BlockReader& block) const override {
-    if (surface_->size() == 0) return Coverage::None;
     const Bounds box = block.bounds();
     const auto& plan = surface_->planBounds();
     const bool misses = box.empty() || box.high[0] < plan[0] - onSurfaceDistance ||
@@ -50,14 +49,14 @@ private:
     return (above_ ? distance : -distance) > margin_ ? 1 : 0;
   }
 
-  std::shared_ptr<const Surface> surface_;
+  std::shared_ptr<const HeightModel> surface_;
   bool above_;
   double margin_;
 };
 
 } // namespace
 
-std::shared_ptr<const PointFilter> makeSurfaceFilter(std::shared_ptr<const Surface> surface, bool above,
+std::shared_ptr<const PointFilter> makeSurfaceFilter(std::shared_ptr<const HeightModel> surface, bool above,
                                                      double margin, std::string& problem) {
   if (std::isnan(margin)) {
     problem = "The margin of a surface must be a number; give a distance such as 0.2.";

@@ -2,6 +2,7 @@
 
 #include "host/filters/BoxFilter.h"
 #include "host/filters/ClassFilter.h"
+#include "host/filters/CloudSurface.h"
 #include "host/filters/DirectionFilter.h"
 #include "host/filters/ExpressionFilter.h"
 #include "host/filters/NeighbourFilter.h"
@@ -11,7 +12,9 @@
 #include "host/filters/SurfaceFilter.h"
 #include "host/objects/BrushObject.h"
 #include "host/objects/values.h"
+#include "host/surfaces/LevelSurface.h"
 #include "host/surfaces/SurfaceFile.h"
+#include "host/surfaces/SurfaceText.h"
 
 #include "sorbine/VCreator.h"
 
@@ -120,35 +123,49 @@ class ByField : public BrushFilter {
 };
 
 class ByTin : public BrushFilter {
-  VInput<std::string> surface_ = input<std::string>("surface", "The PLY, OBJ or STL file of the surface.");
+  VInput<std::string> surface_ = input<std::string>(
+      "surface",
+      "The PLY, OBJ or STL file of the surface, the cloud's own as in \"class:Ground\", or a height as "
+      "in \"level:405.2\".");
   VInput<std::string> side_ = input<std::string>("side", "Which side to keep: below or above.", "below");
   VInput<double> margin_ =
       input<double>("margin", "How far past the surface a point has to be, in units of the cloud.", 0);
   SurfaceCache surfaces_;
 
   /// Heights don't matter: a surface may lie as deep below the points as it likes.
-  std::shared_ptr<const StepPlace> placeOf(const Surface& surface) const {
+  std::shared_ptr<const StepPlace> placeOf(const HeightModel& surface) const {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const auto& plan = surface.planBounds();
     return std::make_shared<StepPlace>("the surface \"" + surface_.get() + '"',
                                        Bounds{{plan[0], plan[1], -infinity}, {plan[2], plan[3], infinity}});
   }
 
-  bool make(const Grid& /*grid*/, SelectionStep& step, std::string& problem) override {
+  bool make(const Grid& grid, SelectionStep& step, std::string& problem) override {
     const bool above = side_.get() == "above";
     if (!above && side_.get() != "below") {
       problem = "A surface has the sides \"below\" and \"above\", but not \"" + side_.get() + "\".";
       return false;
     }
     if (surface_.get().empty()) {
-      problem = "No surface was named. Give the path of a PLY, OBJ or STL file.";
+      problem = "No surface was named. Give the path of a PLY, OBJ or STL file, or write \"class:Ground\".";
       return false;
     }
-    std::shared_ptr<const Surface> surface = surfaces_.load(surface_.get(), problem);
+    std::shared_ptr<const HeightModel> surface = open(grid, problem);
     if (!surface) return false;
-    if (surface->size() != 0) step.place = placeOf(*surface);
+    step.place = placeOf(*surface);
     step.filter = makeSurfaceFilter(std::move(surface), above, margin_.get(), problem);
     return step.filter != nullptr;
+  }
+
+  std::shared_ptr<const HeightModel> open(const Grid& grid, std::string& problem) {
+    SurfaceText text;
+    if (!parseSurfaceText(surface_.get(), text, problem)) return nullptr;
+    if (text.kind == SurfaceText::Kind::File) return surfaces_.load(text.path, problem);
+    if (text.kind == SurfaceText::Kind::Level) return std::make_shared<LevelSurface>(text.level);
+    std::vector<std::int64_t> numbers;
+    for (const std::string& word : text.classes)
+      if (!classNumber(grid.labels, word, numbers.emplace_back(), problem)) return nullptr;
+    return makeCloudSurface(*grid.cloud, numbers, text.longest, grid.stop, problem);
   }
 };
 

@@ -29,7 +29,7 @@ struct Grid {
   /// Ends what is done with the cloud, when it is raised.
   const Stop& stop;
 
-  /// The classes of the file's lookup record, and the standard ones for numbers that it does not name.
+  /// The classes that there are, which whoever opened the cloud puts here.
   LabelSet labels;
 
   /// What editors selected, by the name of the field that holds it.
@@ -38,7 +38,7 @@ struct Grid {
   /// The brush that stands for every point of the cloud where no other is attached; null for really all.
   Rethold::WeakPtr<VObject> everything;
 
-  /// Classes that points were put into and that the data has no name for yet.
+  /// Classes that points were put into and that neither the file nor the standard has that name for.
   std::map<std::uint8_t, std::string> addedClasses;
 
   /// What is doubtful in what was asked of this cloud, in sentences, each once.
@@ -55,7 +55,7 @@ struct Surroundings {
   std::shared_ptr<ActionFiles> files = std::make_shared<ActionFiles>(); ///< Never null.
 };
 
-/// Opens the cloud at `path` with its classes. Null when it can't be used, with a sentence in `problem`.
+/// Opens the cloud at `path`. Null when it can't be used, with a sentence in `problem`.
 Rethold::StrongPtr<Grid> openGrid(const std::string& path, const Surroundings& surroundings,
                                   std::string& problem);
 

@@ -2,9 +2,11 @@
 
 #include "host/clouds/forEachBlock.h"
 #include "host/objects/CloudObjects.h"
+#include "host/objects/standardClassNames.h"
 
 #include "sorbine/VCreator.h"
 
+#include <algorithm>
 #include <mutex>
 #include <oneapi/tbb/enumerable_thread_specific.h>
 
@@ -45,6 +47,12 @@ std::array<bool, 256> editableClasses(const LabelSet& set) {
   return editable;
 }
 
+/// Whether who reads the file by itself would know the class by that name.
+bool isKnown(const PointCloud& cloud, std::uint8_t number, const std::string& name) {
+  const auto own = std::ranges::find(cloud.classNames(), number, &ClassName::number);
+  return own == cloud.classNames().end() ? isStandardClass(number, name) : true;
+}
+
 using Indices = std::vector<std::uint32_t>;
 
 /// Calls `visit(block, indices)` for each block with points of the mask, blocks in parallel. False, with a
@@ -70,9 +78,11 @@ void MaskedLabels::initialize() {
   if (const auto source = CloudSource::first(); source && source->grid()) known = source->grid()->labels;
   for (const auto& editor : all()) {
     if (editor.get() == this) continue;
-    for (const auto& [number, label] : editor->labels_.get().labels)
-      if (!label.name.empty() && !findLabel(known, number) && !findLabel(known, label.name))
-        known.labels[number] = {number, label.color, label.name, label.description, {}};
+    const LabelSet& labels = editor->labels_.get();
+    const Label* const added = findLabel(labels, labels.getSelectedValue(assignSelection));
+    if (!added || added->name.empty() || findLabel(known, added->name)) continue;
+    Label& label = known.labels[added->value];
+    if (label.name.empty()) label = {added->value, added->color, added->name, added->description, {}};
   }
   labels_.set(std::move(known));
 }
@@ -190,8 +200,8 @@ void MaskedLabels::applySelection() {
     grid_->cloud->setClass(block, indices, change_.target);
   };
   if (!visitMasked(*grid_, mask_, change, problem)) return fail(problem);
-  const bool unnamed = !findLabel(grid_->labels, change_.target);
-  if (change_.modified > 0 && unnamed && !change_.targetName.empty()) {
+  const bool isNamed = change_.modified > 0 && !change_.targetName.empty();
+  if (isNamed && !isKnown(*grid_->cloud, change_.target, change_.targetName)) {
     grid_->addedClasses[change_.target] = change_.targetName;
     grid_->labels.labels[change_.target] = *findLabel(labels_.get(), change_.target);
     grid_->labels.labels[change_.target].flags.clear();

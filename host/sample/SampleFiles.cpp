@@ -3,6 +3,8 @@
 #include "host/clouds/buildCloud.h"
 #include "host/surfaces/SurfaceFile.h"
 
+#include <oneapi/tbb/enumerable_thread_specific.h>
+
 namespace Zamt::Host {
 
 namespace {
@@ -26,9 +28,12 @@ bool writeSample(const SampleScene& scene, const std::string& cloudPath, const s
   NewCloud cloud;
   cloud.origin = {sampleOrigin[0], sampleOrigin[1], 0};
   cloud.extraFields = {{"Amplitude", FieldType::F32, 1}, {"NormalVector", FieldType::F32, 3}};
-  const auto fill = [&scene](std::uint64_t index, NewPoint& point) { fillPoint(scene.points[index], point); };
-  return writePly(surfacePath, scene.water, problem) &&
-         buildCloud(cloud, scene.points.size(), fill, cloudPath, stop, problem);
+  tbb::enumerable_thread_specific<SampleScene::Reader> readers([&] { return SampleScene::Reader(scene); });
+  const auto fill = [&](std::uint64_t index, NewPoint& point) {
+    fillPoint(readers.local().at(index), point);
+  };
+  return writePly(surfacePath, scene.water(), problem) &&
+         buildCloud(cloud, scene.points(), fill, cloudPath, stop, problem);
 }
 
 } // namespace Zamt::Host

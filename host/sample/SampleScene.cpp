@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <numeric>
+#include <utility>
 
 namespace Zamt::Host {
 
@@ -33,12 +35,13 @@ double toUnit(std::uint64_t bits) { return static_cast<double>(bits >> 11) * 0x1
 /// has to be the same whoever built the program.
 class Random {
 public:
-  explicit Random(std::uint64_t seed) : state_(seed) {}
+  explicit Random(std::uint64_t seed) : seed_(seed) {}
 
-  double unit() {
-    state_ += 0x9e3779b97f4a7c15ULL;
-    return toUnit(mix(state_));
-  }
+  /// How many numbers were drawn, which is all there is to remember to draw the next ones again.
+  std::uint64_t drawn() const { return drawn_; }
+  void goTo(std::uint64_t drawn) { drawn_ = drawn; }
+
+  double unit() { return toUnit(mix(seed_ + ++drawn_ * 0x9e3779b97f4a7c15ULL)); }
   double between(double low, double high) { return low + (high - low) * unit(); }
   bool chance(double probability) { return unit() < probability; }
 
@@ -60,7 +63,8 @@ public:
   }
 
 private:
-  std::uint64_t state_;
+  std::uint64_t seed_;
+  std::uint64_t drawn_ = 0;
 };
 
 double smooth(double t) { return t * t * (3 - 2 * t); }
@@ -117,13 +121,17 @@ constexpr double wallShare = 0.08;
 constexpr double treeShare = 0.16;
 constexpr double shrubShare = 0.10;
 
+} // namespace
+
 /// Positions here are relative to the scene's corner.
-class Maker {
+class SampleMaker {
 public:
-  explicit Maker(std::uint64_t start) : seed_(mix(start)), random_(seed_) {
+  explicit SampleMaker(std::uint64_t start) : seed_(mix(start)), random_(seed_) {
     placeHouses();
     placeTrees();
   }
+
+  Random& random() { return random_; }
 
   SamplePoint next() {
     const double kind = random_.unit();
@@ -300,20 +308,34 @@ private:
   std::array<Tree, treeCount> trees_{};
 };
 
-/// The points in the order of flight, strips of this width running east, and the times that go with it.
-void flyStrips(std::vector<SamplePoint>& points) {
-  constexpr double stripWidth = 20;
+namespace {
+
+constexpr double stripWidth = 20;
+constexpr std::size_t strips = 9; ///< The last one is the north edge, a line.
+
+double stripOf(const SamplePoint& point) { return std::floor((point.y - sampleOrigin[1]) / stripWidth); }
+
+/// In which of the groups that a strip is cut into from west to east a point lies.
+std::size_t slabOf(const SamplePoint& point, std::size_t slabs) {
+  const auto slab =
+      static_cast<std::size_t>((point.x - sampleOrigin[0]) / sampleSize[0] * static_cast<double>(slabs));
+  return std::min(slab, slabs - 1);
+}
+
+/// The points of a group in the order of flight, strips running east, and the times that go with it.
+void fly(std::vector<SamplePoint>& points) {
   constexpr double speed = 50;
   constexpr double stripSeconds = 60;
   constexpr double start = 350'000'000;
-  const auto stripOf = [](const SamplePoint& point) {
-    return std::floor((point.y - sampleOrigin[1]) / stripWidth);
-  };
-  std::stable_sort(points.begin(), points.end(), [&](const SamplePoint& a, const SamplePoint& b) {
-    return stripOf(a) != stripOf(b) ? stripOf(a) < stripOf(b) : a.x < b.x;
-  });
+  std::stable_sort(points.begin(), points.end(),
+                   [](const SamplePoint& a, const SamplePoint& b) { return a.x < b.x; });
   for (SamplePoint& point : points)
     point.gpsTime = start + stripOf(point) * stripSeconds + (point.x - sampleOrigin[0]) / speed;
+}
+
+void addNumber(std::uint64_t number, std::vector<std::uint8_t>& bytes) {
+  for (; number >= 0x80; number >>= 7) bytes.push_back(static_cast<std::uint8_t>(number | 0x80));
+  bytes.push_back(static_cast<std::uint8_t>(number));
 }
 
 /// A fan over the whole basin. A point of the unit circle for t from 0 to 1 is ((1 - t^2) / (1 + t^2),
@@ -343,13 +365,60 @@ Mesh makeWater() {
 } // namespace
 
 SampleScene makeSampleScene(std::uint64_t points, std::uint64_t seed) {
+  // large enough that two bytes hold most of their draws, small enough to be made by each thread
+  constexpr std::uint64_t pointsOfGroup = 32768;
+  constexpr std::uint64_t mostSlabs = 120;
+  const auto slabs =
+      static_cast<std::size_t>(std::clamp<std::uint64_t>(points / (strips * pointsOfGroup), 1, mostSlabs));
   SampleScene scene;
-  scene.points.reserve(points);
-  Maker maker(seed);
-  for (std::uint64_t i = 0; i < points; ++i) scene.points.push_back(maker.next());
-  flyStrips(scene.points);
-  scene.water = makeWater();
+  scene.seed_ = seed;
+  scene.water_ = makeWater();
+  scene.draws_.resize(strips * slabs);
+  scene.starts_.resize(strips * slabs + 1);
+  std::vector<std::uint64_t> drawn(strips * slabs);
+  SampleMaker maker(seed);
+  for (std::uint64_t i = 0; i < points; ++i) {
+    const std::uint64_t before = maker.random().drawn();
+    const SamplePoint point = maker.next();
+    const std::size_t group = static_cast<std::size_t>(stripOf(point)) * slabs + slabOf(point, slabs);
+    addNumber(before - drawn[group], scene.draws_[group]);
+    drawn[group] = before;
+    ++scene.starts_[group + 1];
+  }
+  std::partial_sum(scene.starts_.begin(), scene.starts_.end(), scene.starts_.begin());
   return scene;
+}
+
+SampleScene::Reader::Reader(const SampleScene& scene)
+    : scene_(scene), maker_(std::make_unique<SampleMaker>(scene.seed_)) {}
+
+SampleScene::Reader::~Reader() = default;
+SampleScene::Reader::Reader(Reader&&) noexcept = default;
+
+const SamplePoint& SampleScene::Reader::at(std::uint64_t point) {
+  if (point < first_ || point - first_ >= points_.size())
+    makeGroup(
+        static_cast<std::size_t>(std::ranges::upper_bound(scene_.starts_, point) - scene_.starts_.begin()) -
+        1);
+  return points_[static_cast<std::size_t>(point - first_)];
+}
+
+void SampleScene::Reader::makeGroup(std::size_t group) {
+  first_ = scene_.starts_[group];
+  points_.clear();
+  std::uint64_t drawn = 0;
+  std::uint64_t number = 0;
+  unsigned shift = 0;
+  for (const std::uint8_t byte : scene_.draws_[group]) {
+    number |= std::uint64_t{byte & 0x7FU} << shift;
+    shift += 7;
+    if (byte >= 0x80) continue;
+    drawn += std::exchange(number, 0);
+    shift = 0;
+    maker_->random().goTo(drawn);
+    points_.push_back(maker_->next());
+  }
+  fly(points_);
 }
 
 } // namespace Zamt::Host

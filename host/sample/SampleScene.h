@@ -3,7 +3,9 @@
 #include "host/surfaces/Surface.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace Zamt::Host {
@@ -23,10 +25,47 @@ struct SamplePoint {
 };
 
 /// A made-up scene to try Quindles on: rolling ground with a lake, low, medium and high plants, buildings
-/// with roofs and walls, and noise far above and below.
-struct SampleScene {
-  std::vector<SamplePoint> points; ///< Strip by strip, as they would be flown.
-  Mesh water;                      ///< The lake's surface, a little wider than the lake.
+/// with roofs and walls, and noise far above and below. Its points are made anew when they are read; until
+/// then each takes two or three bytes.
+class SampleScene {
+public:
+  class Reader;
+
+  std::uint64_t points() const { return starts_.back(); }
+
+  /// The lake's surface, a little wider than the lake.
+  const Mesh& water() const { return water_; }
+
+private:
+  friend SampleScene makeSampleScene(std::uint64_t points, std::uint64_t seed);
+
+  std::uint64_t seed_ = 0;
+  std::vector<std::uint64_t> starts_{0}; ///< The first point of each group, and behind the last their number.
+  /// For each group, in the order in which its points are made, how many random numbers were drawn from where
+  /// the one before was begun to where it is; seven bits a byte, the lowest first, the top bit on all but the
+  /// last.
+  std::vector<std::vector<std::uint8_t>> draws_;
+  Mesh water_;
+};
+
+/// Gives one thread the points of a scene, strip by strip, as they would be flown. Cheapest in their order.
+class SampleScene::Reader {
+public:
+  /// `scene` must outlive the reader.
+  explicit Reader(const SampleScene& scene);
+  ~Reader();
+  Reader(Reader&&) noexcept;
+
+  /// The point of that number; it stays until another one is asked for.
+  const SamplePoint& at(std::uint64_t point);
+
+private:
+  void makeGroup(std::size_t group);
+
+  const SampleScene& scene_;
+  std::unique_ptr<class SampleMaker> maker_;
+  std::uint64_t first_ = 0; ///< Of the points that are made.
+  std::vector<SamplePoint> points_;
 };
 
 /// The south-west corner, size in x and y, and water level of every scene, in metres.

@@ -1,5 +1,6 @@
 #include "host/session/JobScene.h"
 
+#include "host/session/ClassTable.h"
 #include "host/session/Collection.h"
 
 #include <algorithm>
@@ -19,17 +20,40 @@ bool isSaidInPassing(const Diag::Entry& entry) {
          end != std::string::npos && entry.message.compare(end, says.size(), says) == 0;
 }
 
+/// What offers another Quindle in place of one that a "run" step names and nobody has; empty for all else.
+std::string offerFor(const Diag::Entry& entry) {
+  constexpr std::string_view missing = "\", and there is no Quindle of that name.";
+  const std::string& message = entry.message;
+  if (!message.ends_with(missing)) return {};
+  const std::size_t end = message.size() - missing.size();
+  const std::size_t begin = message.rfind('"', end - 1) + 1;
+  return nearestInCollection(scanCollection(), message.substr(begin, end - begin));
+}
+
 } // namespace
 
-JobScene::JobScene(const Job& job, const Stop& stop) : job_(job), scene_(stop) {
+JobScene::JobScene(const Job& job, const Stop& stop) : job_(job), stop_(stop), scene_(stop) {
   if (job.threads != 0) limit_.emplace(tbb::global_control::max_allowed_parallelism, job.threads);
 }
 
 bool JobScene::prepare(std::string& problem) {
   if (!job_.region.empty() && !scene_.setRegion(job_.region, problem)) return false;
-  scene_.runtime().resolver = collectionResolver(job_.document.sourceFile);
+  scene_.setResolver(collectionResolver(job_.document.sourceFile));
   if (!job_.classes.empty()) scene_.setClasses(job_.classes);
   return true;
+}
+
+bool JobScene::findClasses(Diag& diag) {
+  std::vector<std::string> files;
+  for (const JobCloud& cloud : job_.clouds) files.push_back(cloud.file);
+  std::vector<SaidClass> said = saidClasses(job_.document, job_.values, scene_.runtime().resolver);
+  sayClasses(job_.classes, said);
+  const auto findUse = [&](ClassUse& use) { return addClassUse(files, stop_, use); };
+  LabelSet labels;
+  const bool good = makeClassTable(classesOfFiles(files, stop_), said, findUse, labels, diag);
+  if (stop_.requested()) diag.error(stoppedMessage);
+  scene_.setLabels(std::move(labels));
+  return good && !stop_.requested();
 }
 
 bool JobScene::openCloud(std::size_t index, const Progress& progress, double passes, Diag& diag) {
@@ -53,8 +77,11 @@ bool JobScene::isWanted(const Diag::Entry& entry) const {
 
 void JobScene::finishDiag(const JobCloud& cloud, Diag& diag) const {
   Diag kept;
-  for (const Diag::Entry& entry : diag.entries)
-    if (isWanted(entry)) kept.at(entry.severity, entry.message, entry.file, entry.line, entry.column);
+  for (const Diag::Entry& entry : diag.entries) {
+    if (!isWanted(entry)) continue;
+    kept.at(entry.severity, entry.message, entry.file, entry.line, entry.column);
+    if (const std::string offer = offerFor(entry); !offer.empty()) kept.note(offer.substr(1), entry.file);
+  }
   if (const auto grid = scene_.grid())
     for (const std::string& warning : grid->warnings) kept.warning(warning, cloud.file);
   diag = std::move(kept);

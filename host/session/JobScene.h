@@ -20,6 +20,10 @@ public:
   /// Keeps the scene to what the job names. False with a sentence in `problem` when the region can't be used.
   bool prepare(std::string& problem);
 
+  /// Gives the scene the classes that the clouds of the job have together, and `diag` what is to be said of
+  /// them. False with errors when the job can't be carried out because of them, or was stopped.
+  bool findClasses(Diag& diag);
+
   Scene& scene() { return scene_; }
 
   /// Opens one of the clouds of the job, and tells `progress` from now on how far the work on it is, of which
@@ -34,6 +38,7 @@ private:
   bool isWanted(const Diag::Entry& entry) const;
 
   const Job& job_;
+  const Stop& stop_;
   std::optional<tbb::global_control> limit_;
   Scene scene_;
 };

@@ -3,6 +3,7 @@
 #include "host/clouds/ClassMoves.h"
 #include "host/objects/registerHostObjects.h"
 #include "host/objects/values.h"
+#include "host/session/ClassTable.h"
 #include "host/session/checkValues.h"
 #include "host/session/classNames.h"
 #include "host/views/renderCloud.h"
@@ -73,6 +74,22 @@ void Scene::setClasses(const std::string& classes) {
   runtime_->setBrushObject(brush_);
 }
 
+void Scene::setResolver(QuindleResolver resolver) {
+  runtime_->resolver = [this, resolver = std::move(resolver)](const std::string& name,
+                                                              QuindleDocument& document, std::string& error) {
+    return mayNest(error) && resolver(name, document, error);
+  };
+}
+
+bool Scene::mayNest(std::string& error) {
+  if (stop_.requested())
+    error = stoppedMessage;
+  else if (++nestedRuns_ > mostNestedRuns)
+    error = fmt::format("one run has started {} of them already. Let Quindles run one another fewer times.",
+                        mostNestedRuns);
+  return error.empty();
+}
+
 bool Scene::openCloud(const std::string& path, const QuindleDocument& document, Diag& diag) {
   if (!ops_->setParam(cloud_, "file", path, diag)) return false;
   ops_->settle();
@@ -84,10 +101,22 @@ bool Scene::openCloud(const std::string& path, const QuindleDocument& document, 
     return false;
   }
   open->everything = VManagedObject::find<VObject>(brush_);
-  restoreClassNames(document, runtime_->resolver, *open);
+  nestedRuns_ = 0;
+  if (!findLabels(document, *open->cloud, open->labels, diag)) return false;
   if (!(open->labels == compiledFor_)) forgetCompiled();
   compiledFor_ = open->labels;
   return true;
+}
+
+bool Scene::findLabels(const QuindleDocument& document, const PointCloud& cloud, LabelSet& labels,
+                       Diag& diag) {
+  if (labels_) {
+    labels = *labels_;
+    return true;
+  }
+  const auto findUse = [&](ClassUse& use) { return addClassUse(cloud, stop_, use); };
+  return makeClassTable({classesOf(cloud)}, saidClasses(document, {}, runtime_->resolver), findUse, labels,
+                        diag);
 }
 
 /// Programs are compiled with class numbers worked out from the classes of the data. With others they would
@@ -173,6 +202,7 @@ bool Scene::run(const QuindleDocument& document, const std::map<std::string, std
   if (!checkValues(document, values, diag)) return false;
   std::map<std::string, std::string> args = values;
   if (!supplyAll(document, args, diag)) return false;
+  nestedRuns_ = 0;
   const bool good = runtime_->run(document, args, preview, result, diag);
   ops_->settle();
   return good;

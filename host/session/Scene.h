@@ -14,6 +14,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Zamt::Host {
@@ -40,8 +41,20 @@ public:
   /// called behind `setRegion` and before a cloud is opened; a class that a cloud lacks fails the run on it.
   void setClasses(const std::string& classes);
 
+  /// Sets the classes that all clouds offer from now on. Without this, each offers its own and those that the
+  /// standard has for it. To be called before a cloud is opened.
+  void setLabels(LabelSet labels) { labels_ = std::move(labels); }
+
+  /// How many Quindles one run may start, those that they start included: far more than a sensible collection
+  /// does, and so few that Quindles which run one another in vain end within a second.
+  static constexpr unsigned mostNestedRuns = 10'000;
+
+  /// Names who finds the Quindles that others run. One run asks for at most `mostNestedRuns`, and for none
+  /// once it is to stop; what asks for more fails with a sentence.
+  void setResolver(QuindleResolver resolver);
+
   /// Opens the cloud at `path` in place of the one before. What was compiled stays, unless the new cloud
-  /// brings other classes, for which it was not made. False with an error in `diag` if it can't be used.
+  /// offers other classes, for which it was not made. False with an error in `diag` if it can't be used.
   bool openCloud(const std::string& path, const QuindleDocument& document, Diag& diag);
 
   /// Runs or previews `document` on the open cloud. `values` are parameter values as the user wrote them;
@@ -74,7 +87,7 @@ public:
   /// The open cloud; null if there is none.
   Rethold::StrongPtr<Grid> grid() const;
 
-  /// For the resolver, and for hosts that ask what the scene holds.
+  /// For hosts that ask what the scene holds.
   QuindleRuntime& runtime() { return *runtime_; }
 
 private:
@@ -84,6 +97,7 @@ private:
     std::vector<QuindleBinding> bindings;
   };
 
+  bool findLabels(const QuindleDocument& document, const PointCloud& cloud, LabelSet& labels, Diag& diag);
   bool supplyAll(const QuindleDocument& document, std::map<std::string, std::string>& args, Diag& diag);
   bool compileCondition(const QuindleDocument& document, Diag& diag);
   bool bindCondition(const QuindleDocument& document, const std::map<std::string, std::string>& args,
@@ -92,6 +106,7 @@ private:
   bool makeField(const QuindleParam& param, const std::string& field, std::string& object, Diag& diag);
   bool makeRegion(const QuindleParam& param, const std::string& text, std::string& object, Diag& diag);
   void forgetCompiled();
+  bool mayNest(std::string& error);
 
   SceneTurn turn_; ///< Before and behind all that touches the graph.
   const Stop& stop_;
@@ -102,8 +117,11 @@ private:
   std::string region_;                      ///< The name of the region's object; empty if none was named.
   std::string brush_;                       ///< What selections start from; empty for what the runtime finds.
   std::map<std::string, std::string> made_; ///< Objects made for parameter values, by what they stand for.
-  std::optional<Chain> chain_;              ///< Of `select`.
-  LabelSet compiledFor_;                    ///< The classes that the cached programs were compiled with.
+  std::optional<LabelSet> labels_;          ///< Of `setLabels`.
+
+  unsigned nestedRuns_ = 0;    ///< That the resolver was asked for since a run began.
+  std::optional<Chain> chain_; ///< Of `select`.
+  LabelSet compiledFor_;       ///< The classes that the cached programs were compiled with.
 };
 
 } // namespace Zamt::Host

@@ -38,8 +38,9 @@ QuindleValue classNameOf(const std::string& written, std::string& number) {
   const auto [behind, error] = std::from_chars(written.data(), end, value);
   if (error != std::errc() || behind != end) return QuindleValue::text(written);
   number = fmt::format(" as {}", value);
-  for (const QuindleClass& known : standardQuindleClasses())
-    if (static_cast<unsigned>(known.number) == value) return QuindleValue::text(known.name);
+  for (const auto* const table : {&standardQuindleClasses(), &olderQuindleClasses()})
+    for (const QuindleClass& known : *table)
+      if (static_cast<unsigned>(known.number) == value) return QuindleValue::text(known.name);
   return QuindleValue::text(fmt::format("Class {}", value));
 }
 

@@ -1,22 +1,20 @@
 #include "host/session/runClouds.h"
 
+#include "files/AtomicFile.h"
 #include "host/clouds/ClassMoves.h"
-#include "host/clouds/StandardClasses.h"
 #include "host/objects/Grid.h"
 #include "host/session/JobScene.h"
+#include "host/session/cloudClasses.h"
 #include "quindle/core/QuindleNodes.h"
 
+#include <filesystem>
 #include <set>
+#include <system_error>
 #include <utility>
 
 namespace Zamt::Host {
 
 namespace {
-
-std::string nameOf(const Grid& grid, std::uint8_t number) {
-  const auto label = grid.labels.labels.find(number);
-  return label == grid.labels.labels.end() ? nameOfClass(*grid.cloud, number) : label->second.name;
-}
 
 void collectNames(const Grid& grid, Outcome& outcome) {
   std::set<std::uint8_t> numbers;
@@ -24,13 +22,16 @@ void collectNames(const Grid& grid, Outcome& outcome) {
     for (unsigned number = 0; number < change.from.size(); ++number)
       if (change.from[number] != 0) numbers.insert(static_cast<std::uint8_t>(number));
   for (const ClassMove& move : outcome.moves) numbers.insert({move.from, move.to});
-  for (const std::uint8_t number : numbers) outcome.classNames[number] = nameOf(grid, number);
+  for (const std::uint8_t number : numbers)
+    outcome.classNames[number] = nameOfClass(*grid.cloud, grid.labels, number);
 }
 
 /// About how often the points are gone through: for every change to work out, count and apply it, thrice more
-/// where neighbours are counted, and once to compare at the end. What other Quindles do is not known before.
+/// where neighbours are counted, and once to compare at the end. What other Quindles do is not known before;
+/// writing, which is not counted, gets its share.
 double passesOf(const Job& job) {
-  double passes = 1;
+  const bool writes = !job.clouds.empty() && !job.clouds.front().output.empty();
+  double passes = writes ? 3 : 1;
   for (const QuindleStep* const step : quindleSteps(job.document)) {
     if (step->kind == QuindleStep::Kind::Classify) passes += 3;
     for (const QuindleExpr* const expr : quindleExprs(step->condition))
@@ -70,6 +71,9 @@ private:
   void runOne(std::size_t index, Outcome& outcome, Diag& diag) {
     const JobCloud& cloud = job_.clouds[index];
     scene_.files() = {outcome.preview, {}};
+    HeldFile held;
+    outcome.failure = Failure::Writing;
+    if (!mayWrite(cloud, held, diag)) return;
     outcome.failure = Failure::Reading;
     if (!session_.openCloud(index, watch_.progress, passes_, diag)) return;
     outcome.failure = Failure::Running;
@@ -113,10 +117,24 @@ private:
 
 } // namespace
 
+bool mayWrite(const JobCloud& cloud, HeldFile& held, Diag& diag) {
+  if (cloud.output.empty()) return true;
+  std::error_code unknown;
+  const bool isReplaced = std::filesystem::equivalent(cloud.file, cloud.output, unknown);
+  std::string problem;
+  if (AtomicFile::mayCreate(cloud.output, problem) && (!isReplaced || held.hold(cloud.output, problem)))
+    return true;
+  diag.error(problem, cloud.output);
+  return false;
+}
+
 bool runClouds(const Job& job, const JobWatch& watch, std::string& problem) {
   JobScene session(job, watch.stop);
   if (!session.prepare(problem)) return false;
-  JobRun(job, watch, session).runAll();
+  Diag diag;
+  const bool good = session.findClasses(diag);
+  if (watch.noticed && !diag.entries.empty()) watch.noticed(std::move(diag));
+  if (good) JobRun(job, watch, session).runAll();
   return true;
 }
 

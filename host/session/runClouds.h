@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/HeldFile.h"
 #include "files/Stop.h"
 #include "host/objects/MaskedLabels.h"
 #include "host/session/Progress.h"
@@ -20,6 +21,11 @@ struct JobCloud {
   std::string file;
   std::string output; ///< Where it is written; empty for a preview, which writes no cloud.
 };
+
+/// Whether the cloud's output may be written, told before the work. A cloud that is written over itself is
+/// held for as long as `held` lasts. False, with an error in `diag`, when it may not, or another program
+/// holds the cloud.
+bool mayWrite(const JobCloud& cloud, HeldFile& held, Diag& diag);
 
 /// A Quindle, and what it is to be run on.
 struct Job {
@@ -65,10 +71,13 @@ struct JobWatch {
   Progress progress; ///< May be null.
   /// Takes what came of each cloud, in their order, as soon as it is there.
   std::function<void(Outcome, Diag)> finished;
+  /// Takes what is to be said of all clouds together, if anything, before the first; may be null.
+  std::function<void(Diag)> noticed{};
 };
 
 /// Runs a Quindle on each cloud in turn. A preview is a run that does all in memory, its actions included,
-/// and writes nothing but the picture. A cloud that fails is not written, and the next ones still run. False
+/// and writes nothing but the picture. A cloud that fails is not written, and the next ones still run. When
+/// the classes of the clouds can't be brought together, errors are noticed and no cloud is worked on. False
 /// with a sentence in `problem`, and nothing done, when the region can't be used.
 bool runClouds(const Job& job, const JobWatch& watch, std::string& problem);
 

@@ -35,14 +35,22 @@ void selectOne(const Job& job, const JobCloud& cloud, Scene& scene, Selected& se
 bool selectClouds(const Job& job, const SelectWatch& watch, std::string& problem) {
   JobScene session(job, watch.stop);
   if (!session.prepare(problem)) return false;
+  Diag noticed;
+  const bool good = session.findClasses(noticed);
+  if (watch.noticed && !noticed.entries.empty()) watch.noticed(std::move(noticed));
+  if (!good) return true;
   for (std::size_t i = 0; i < job.clouds.size() && !watch.stop.requested(); ++i) {
     const JobCloud& cloud = job.clouds[i];
     Selected selected;
     selected.cloud = cloud.file;
     Diag diag;
-    selected.failure = Failure::Reading;
-    if (session.openCloud(i, watch.progress, passes, diag))
-      selectOne(job, cloud, session.scene(), selected, diag);
+    HeldFile held;
+    selected.failure = Failure::Writing;
+    if (mayWrite(cloud, held, diag)) {
+      selected.failure = Failure::Reading;
+      if (session.openCloud(i, watch.progress, passes, diag))
+        selectOne(job, cloud, session.scene(), selected, diag);
+    }
     session.finishDiag(cloud, diag);
     selected.ok = selected.failure == Failure::None;
     if (watch.stop.requested() && !selected.ok) {

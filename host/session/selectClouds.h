@@ -24,11 +24,14 @@ struct SelectWatch {
   Progress progress; ///< May be null.
   /// Takes what came of each cloud, in their order, as soon as it is there.
   std::function<void(Selected, Diag)> finished;
+  /// Takes what is to be said of all clouds together, if anything, before the first; may be null.
+  std::function<void(Diag)> noticed{};
 };
 
 /// Counts, in each cloud of a job in turn, the points that the condition of its document's first step, a
 /// "select", holds for, and writes them where the cloud has an output. Classes are not changed. A cloud that
-/// fails is not written, and the next ones are still looked at. False with a sentence in `problem`, and
+/// fails is not written, and the next ones are still looked at. When the classes of the clouds can't be
+/// brought together, errors are noticed and no cloud is worked on. False with a sentence in `problem`, and
 /// nothing done, when the region can't be used.
 bool selectClouds(const Job& job, const SelectWatch& watch, std::string& problem);
 

@@ -171,6 +171,14 @@ void Surface::buildIndex() {
     visitCells(triangles_[i], levels_[levelOf[i]],
                [&](std::uint64_t place) { entries_[--placeStarts_[place]] = static_cast<std::uint32_t>(i); });
   std::erase_if(levels_, [](const Level& level) { return level.places == 0; });
+  for (const Level& level : levels_) crowding_ += fullestPlace(level);
+}
+
+std::size_t Surface::fullestPlace(const Level& level) const {
+  std::uint32_t most = 0;
+  for (std::uint64_t place = level.firstPlace; place < level.firstPlace + level.places; ++place)
+    most = std::max(most, placeStarts_[place + 1] - placeStarts_[place]);
+  return most;
 }
 
 bool Surface::heightAt(const Triangle& t, double x, double y, double& height) const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/surfaces/HeightModel.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -21,7 +23,7 @@ inline constexpr std::size_t maxSurfaceTriangles = 100'000'000;
 /// A surface made ready for vertical distances. It may have several sheets and walls; a triangle without an
 /// area in plan bears no height and is left out, and so is one with a vertex that is not a usable number.
 /// Never changes once made, so any number of threads may ask at once.
-class Surface {
+class Surface : public HeightModel {
 public:
   /// How many cells of its level a triangle reaches over in one direction, at most.
   static constexpr unsigned cellsPerSide = 5;
@@ -38,13 +40,17 @@ public:
   /// The same for many points at once, one for each place of `out`. The index is asked ahead of its use, so
   /// that points in no order at all don't wait for memory one after the other.
   void verticalDistances(std::span<const double> x, std::span<const double> y, std::span<const double> z,
-                         std::span<double> out) const;
+                         std::span<double> out) const override;
+
+  /// How many triangles a point is held against where they crowd most: over one another, or around one
+  /// corner.
+  std::size_t crowding() const { return crowding_; }
 
   /// How many triangles bear a height.
   std::size_t size() const { return triangles_.size(); }
 
   /// The surface's box in plan: lowest x and y, highest x and y. Only for surfaces that are not empty.
-  const std::array<double, 4>& planBounds() const { return bounds_; }
+  const std::array<double, 4>& planBounds() const override { return bounds_; }
 
 private:
   /// Corners sorted by x, then y: an edge shared by two triangles then runs the same way in both, so that
@@ -72,6 +78,7 @@ private:
   void makeLevels(std::span<const std::uint8_t> levelOf, std::span<const double> cellSizes);
   template <typename Visit>
   void visitCells(const Triangle& triangle, const Level& level, Visit&& visit) const;
+  std::size_t fullestPlace(const Level& level) const;
   std::uint64_t placeAt(const Level& level, double x, double y) const;
   void searchPlace(std::uint64_t place, double x, double y, double z, double& best) const;
   bool heightAt(const Triangle& triangle, double x, double y, double& height) const;
@@ -80,6 +87,7 @@ private:
   std::vector<Level> levels_;
   std::vector<std::uint32_t> placeStarts_; ///< For each place of each level, where its entries begin.
   std::vector<std::uint32_t> entries_;     ///< Positions in `triangles_`.
+  std::size_t crowding_ = 0;
   std::array<double, 4> bounds_{};
   double rounding_ = 0; ///< How far apart two spellings of one coordinate may lie.
 };

@@ -22,6 +22,15 @@ std::string sentence(const std::string& path, const std::string& what) {
   return "The surface \"" + path + "\" can't be used: " + what + ". Export it again as PLY, OBJ or STL.";
 }
 
+std::string crowded(const std::string& path, std::size_t crowding) {
+  return "The surface \"" + path + "\" can't be used: " + std::to_string(crowding) +
+         " of its triangles lie over one place or meet in one corner, and each point there would be held "
+         "against "
+         "them all; " +
+         std::to_string(maxSurfaceCrowding) +
+         " are the most. Leave sheets out, or cut faces of many corners into triangles of their own.";
+}
+
 /// Whether the first word of a line that is no comment is one that OBJ files begin with.
 bool beginsAsObj(std::string_view bytes) {
   constexpr std::array<std::string_view, 9> words{"v", "vn", "vt", "f", "o", "g", "s", "mtllib", "usemtl"};
@@ -138,6 +147,10 @@ std::shared_ptr<const Surface> SurfaceCache::load(const std::string& path, std::
   auto surface = std::make_shared<const Surface>(mesh);
   if (surface->size() == 0) {
     problem = sentence(path, "none of its triangles covers an area in plan");
+    return nullptr;
+  }
+  if (surface->crowding() > maxSurfaceCrowding) {
+    problem = crowded(path, surface->crowding());
     return nullptr;
   }
   entries_[path] = {size, changed, surface};

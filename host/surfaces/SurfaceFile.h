@@ -24,6 +24,10 @@ bool readMesh(const std::string& path, Mesh& mesh, std::string& problem);
 /// `problem`, what was at `path` stays.
 bool writePly(const std::string& path, const Mesh& mesh, std::string& problem);
 
+/// A surface with more triangles than this (see `Surface::crowding`) is refused: that many already take a
+/// point as long as a hundred surfaces would. Surfaces of the ground have a few dozen.
+inline constexpr std::size_t maxSurfaceCrowding = 10'000;
+
 /// The surfaces of one host, each read once for as long as its file stays the same. Not for several threads
 /// at once; the surfaces themselves are.
 class SurfaceCache {

@@ -182,29 +182,4 @@ auto fold(const Node& root, const ChildrenOf& childrenOf, const Own& own, const 
   return std::move(sums.front());
 }
 
-/// Walks the tree under `root`. `childrenOf(node)` gives a node's children as a vector. `visit(node, parent,
-/// index)` is called for a node with n children n + 1 times: with each index 0 .. n - 1 before that child is
-/// walked, and with n after the last, so that text can go before, between and behind. `parent` is null at the
-/// root.
-template <class Node, class ChildrenOf, class Visit>
-void walk(const Node& root, const ChildrenOf& childrenOf, const Visit& visit) {
-  struct Frame {
-    const Node* node;
-    const Node* parent;
-    std::size_t next;
-  };
-  std::vector<Frame> stack{{&root, nullptr, 0}};
-  while (!stack.empty()) {
-    Frame& top = stack.back();
-    const auto& children = childrenOf(*top.node);
-    const std::size_t index = top.next++;
-    const Node* const node = top.node;
-    visit(*node, top.parent, index);
-    if (index < children.size())
-      stack.push_back({&children[index], node, 0});
-    else
-      stack.pop_back();
-  }
-}
-
 } // namespace Zamt::tree

@@ -17,10 +17,10 @@ namespace Zamt {
 
 /// What a run tells its caller.
 struct QUINDLE_API QuindleRunResult {
-  bool ok = false;                 ///< The run went to its end.
-  bool compiled = false;           ///< This run compiled the program rather than taking it from the cache.
-  bool preview = false;            ///< This was a preview.
-  int settled = 0;                 ///< Pieces of deferred work done, nested runs included.
+  bool ok = false;       ///< The run went to its end.
+  bool compiled = false; ///< This run compiled the program rather than taking it from the cache.
+  bool preview = false;  ///< This was a preview.
+  int settled = 0;       ///< Pieces of deferred work done, nested runs included; held at the ends of int.
   std::vector<std::string> report; ///< The report lines, those of nested runs where their step stands.
 };
 

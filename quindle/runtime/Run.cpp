@@ -6,6 +6,9 @@
 #include "quindle/plan/evaluateQuindleExpr.h"
 #include "quindle/plan/parameterValue.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -110,8 +113,15 @@ bool QuindleRuntime::Run::fire(const RunStep& step) {
   if (!runtime_.ops_.fireAction(step.object, step.action, diag_)) return false;
   if (step.writes || step.counts) counter_ = step.object;
   // At once, so that the effect is in place before the next step looks at it.
-  result_.settled += runtime_.ops_.settle();
+  addSettled(runtime_.ops_.settle());
   return true;
+}
+
+/// A scene may answer any numbers, whose sum need not be one.
+void QuindleRuntime::Run::addSettled(int pieces) {
+  constexpr std::int64_t least = std::numeric_limits<int>::min();
+  constexpr std::int64_t most = std::numeric_limits<int>::max();
+  result_.settled = static_cast<int>(std::clamp(std::int64_t{result_.settled} + pieces, least, most));
 }
 
 bool QuindleRuntime::Run::let(const RunStep& step) {

@@ -30,6 +30,7 @@ private:
   bool walk();
   bool take(const RunStep& step);
   bool fire(const RunStep& step);
+  void addSettled(int pieces);
   bool let(const RunStep& step);
   void report(const RunStep& step);
   bool checkSelection();

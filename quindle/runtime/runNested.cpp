@@ -35,7 +35,7 @@ bool QuindleRuntime::Run::runNested(const RunStep& step) {
   if (!Run(*this, nested, nestedArgs, inner).perform())
     diag_.note("This happened while \"" + doc_.name + "\" was running \"" + nested.name + "\".", doc_.name);
   std::move(inner.report.begin(), inner.report.end(), std::back_inserter(result_.report));
-  result_.settled += inner.settled;
+  addSettled(inner.settled);
   return inner.ok;
 }
 

@@ -122,6 +122,7 @@ TEST_P(Transcript, ShowsWhatTheCommandPrints) {
 
 INSTANTIATE_TEST_SUITE_P(, Transcript,
                          testing::Values("docs/tutorial.md", "tests/cli/transcripts/check-and-plan.md",
+                                         "tests/cli/transcripts/classes.md",
                                          "tests/cli/transcripts/collection.md",
                                          "tests/cli/transcripts/fmt.md", "tests/cli/transcripts/lookup.md",
                                          "tests/cli/transcripts/one-line.md",

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/clouds/openCloud.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/realClouds.h"
 
@@ -25,6 +26,14 @@ void putNumber(std::string& bytes, std::size_t at, T value) {
 /// A test with a directory of its own, and the real clouds where there are any.
 class CloudFiles : public ::testing::Test, public TemporaryDirectory {
 protected:
+  /// A cloud that can be opened.
+  static std::shared_ptr<Host::PointCloud> openWell(const std::string& file) {
+    std::string error;
+    auto cloud = Host::openCloud(file, error);
+    EXPECT_TRUE(cloud) << error;
+    return cloud;
+  }
+
   static std::string data(const std::string& name) { return std::string(QUINDLE_TEST_DATA) + "/" + name; }
 };
 

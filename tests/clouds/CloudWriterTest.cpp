@@ -2,6 +2,7 @@
 #include "host/clouds/buildCloud.h"
 #include "tests/clouds/CloudFiles.h"
 #include "tests/support/ArrayCloud.h"
+#include "tests/support/asNobody.h"
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -23,12 +24,6 @@ std::size_t classAt(const std::string& bytes, std::uint64_t point) {
 
 class CloudWriterTest : public Testing::CloudFiles {
 protected:
-  std::shared_ptr<PointCloud> open(const std::string& file) {
-    auto cloud = openCloud(file, error);
-    EXPECT_TRUE(cloud) << error;
-    return cloud;
-  }
-
   /// "in.las", of three blocks unless told otherwise.
   std::string built(std::uint64_t points = 2 * blockPoints + 5, unsigned format = 3,
                     const std::vector<ClassName>& classNames = {}) {
@@ -69,7 +64,7 @@ TEST_F(CloudWriterTest, OnlyTheClassBitsOfChangedPointsDiffer) {
   REQUIRE_REAL_CLOUDS();
   for (const std::string& file : realClouds()) {
     SCOPED_TRACE(file);
-    const auto cloud = open(file);
+    const auto cloud = openWell(file);
     if (!cloud) continue;
     std::string expected = readFile(file);
     EXPECT_TRUE(written(*cloud, {}) == expected);
@@ -87,12 +82,12 @@ TEST_F(CloudWriterTest, ANewClassNameMovesThePointsAndChangesNothingElse) {
   constexpr std::size_t added = 54 + 256 * 16;
   for (const std::string& file : realClouds()) {
     SCOPED_TRACE(file);
-    const auto cloud = open(file);
+    const auto cloud = openWell(file);
     if (!cloud) continue;
     const std::string before = readFile(file);
     std::string after = written(*cloud, {{29, "Kiosk"}});
     ASSERT_EQ(after.size(), before.size() + added);
-    const auto again = open(path("out.las"));
+    const auto again = openWell(path("out.las"));
     ASSERT_EQ(again->classNames().size(), 1U);
     EXPECT_EQ(again->classNames()[0].name, "Kiosk");
     EXPECT_EQ(Testing::countsOf(*again), Testing::countsOf(*cloud));
@@ -113,9 +108,9 @@ TEST_F(CloudWriterTest, ANewClassNameMovesThePointsAndChangesNothingElse) {
 
 TEST_F(CloudWriterTest, NamesGoIntoTheRecordThatIsThere) {
   const std::string before = readFile(built(5, 6, {{2, "Soil"}, {40, "Old"}}));
-  const auto after = written(*open(path("in.las")), {{40, "New"}, {0, "Zero"}, {41, "Exactly 15 byte"}});
+  const auto after = written(*openWell(path("in.las")), {{40, "New"}, {0, "Zero"}, {41, "Exactly 15 byte"}});
   EXPECT_EQ(after.size(), before.size());
-  const auto named = open(path("out.las"));
+  const auto named = openWell(path("out.las"));
   std::string read;
   for (const ClassName& entry : named->classNames()) read += std::to_string(entry.number) + entry.name + ";";
   EXPECT_EQ(read, "0Zero;2Soil;40New;41Exactly 15 byte;");
@@ -125,13 +120,13 @@ TEST_F(CloudWriterTest, NamesGoIntoTheRecordThatIsThere) {
   small.erase(375 + 54 + 32, std::size_t{254} * 16);
   putNumber(small, 375 + 20, std::uint16_t{32});
   putNumber(small, 96, std::uint32_t{375 + 54 + 32});
-  EXPECT_EQ(written(*open(write("small.las", small)), {{41, "Grown"}}).size(), before.size());
-  EXPECT_EQ(open(path("out.las"))->classNames().size(), 3U);
-  EXPECT_EQ(open(path("out.las"))->size(), 5U);
+  EXPECT_EQ(written(*openWell(write("small.las", small)), {{41, "Grown"}}).size(), before.size());
+  EXPECT_EQ(openWell(path("out.las"))->classNames().size(), 3U);
+  EXPECT_EQ(openWell(path("out.las"))->size(), 5U);
 }
 
 TEST_F(CloudWriterTest, WhatCannotBeWrittenEndsInASentenceAndLeavesTheOldFile) {
-  const auto cloud = open(built(5));
+  const auto cloud = openWell(built(5));
   write("out.las", "old");
   EXPECT_EQ(refusal(*cloud, {{5, "Sixteen bytes :-"}}, path("out.las")),
             "The class name \"Sixteen bytes :-\" is too long for a LAS file, which holds 15 bytes. Choose a "
@@ -153,12 +148,12 @@ TEST_F(CloudWriterTest, WritingOntoTheInputIsSafeAndKeepsPermissionsAndLinks) {
   const std::string file = built();
   ::chmod(file.c_str(), 0640);
   std::filesystem::create_symlink("in.las", path("link.las"));
-  const auto cloud = open(file);
+  const auto cloud = openWell(file);
   Testing::setClasses(*cloud, 6, [](std::uint64_t point) { return point % blockPoints == 0; });
   EXPECT_TRUE(cloud->write({{6, "House"}}, path("link.las"), Testing::goOn, error)) << error;
   EXPECT_EQ(Testing::positionsOf(*cloud)[1][0], 1); // the old file's bytes remain mapped
   EXPECT_TRUE(std::filesystem::is_symlink(path("link.las")));
-  EXPECT_EQ(Testing::countsOf(*open(file))[6], 3U);
+  EXPECT_EQ(Testing::countsOf(*openWell(file))[6], 3U);
   struct stat status {};
   ASSERT_EQ(::stat(file.c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 07777U, 0640U);
@@ -167,23 +162,51 @@ TEST_F(CloudWriterTest, WritingOntoTheInputIsSafeAndKeepsPermissionsAndLinks) {
 
 TEST_F(CloudWriterTest, AFileThatMayNotGrowSoLargeEndsInASentence) {
   const std::string file = built();
-  const pid_t child = ::fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
-    const rlimit limit{4096, 4096};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-    const auto cloud = openCloud(file, error);
-    const bool refused = cloud && !cloud->write({}, path("out.las"), Testing::goOn, error);
-    ::_exit(refused &&
-                    error ==
-                        "\"" + path("out.las") +
-                            "\" would be larger than files may be here. Raise the limit or write elsewhere."
-                ? 0
-                : 1);
+  ASSERT_TRUE(openWell(file)->write({}, path("in.laz"), Testing::goOn, error)) << error;
+  const std::pair<std::string, std::string> writings[] = {
+      {"in.las", "out.las"}, {"in.las", "out.laz"}, {"in.laz", "out.laz"}, {"in.laz", "in.laz"}};
+  const std::string before = Testing::readFile(path("in.laz"));
+  for (const auto& [from, to] : writings) {
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      const rlimit limit{4096, 4096};
+      ::setrlimit(RLIMIT_FSIZE, &limit);
+      const auto cloud = openCloud(path(from), error);
+      Testing::setClasses(*cloud, 6, [](std::uint64_t) { return true; });
+      const bool refused = cloud && !cloud->write({}, path(to), Testing::goOn, error);
+      ::_exit(refused &&
+                      error ==
+                          "\"" + path(to) +
+                              "\" would be larger than files may be here. Raise the limit or write elsewhere."
+                  ? 0
+                  : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0) << from << " " << to;
   }
-  int status = 0;
-  ASSERT_EQ(::waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0);
+  EXPECT_EQ(names(), (Names{"in.las", "in.laz"}));
+  EXPECT_TRUE(Testing::readFile(path("in.laz")) == before);
+}
+
+TEST_F(CloudWriterTest, AFileThatNoOtherMayReplaceIsRefusedWithAnotherWay) {
+  using Perms = std::filesystem::perms;
+  constexpr Perms everybodys = Perms::owner_all | Perms::group_all | Perms::others_all;
+  const std::string file = built(5);
+  const std::string before = readFile(file);
+  std::filesystem::permissions(file, everybodys);
+  constexpr Perms readOnly = everybodys & ~(Perms::owner_write | Perms::group_write | Perms::others_write);
+  for (const Perms of : {readOnly, everybodys | Perms::sticky_bit}) {
+    std::filesystem::permissions(path(), of);
+    EXPECT_TRUE(Testing::asNobody([&] {
+      return refusal(*open(file), {}, file) == "The directory \"" + path() +
+                                                   "\" lets no other file take the place of \"" + file +
+                                                   "\". Write to another directory with -o.";
+    }));
+  }
+  std::filesystem::permissions(path(), everybodys);
+  EXPECT_EQ(readFile(file), before);
   EXPECT_EQ(names(), Names{"in.las"});
 }
 

@@ -122,15 +122,31 @@ TEST_F(ExtractTest, SeveralBlocksAllPointsAndNoneCanBeWrittenOntoTheInputItself)
   }
 }
 
-TEST_F(ExtractTest, RecordsThatBeginInsideOfThePointsAreRefused) {
+TEST_F(ExtractTest, RecordsThatBeginInsideOfThePointsAreRefusedByAllThatWrites) {
   REQUIRE_REAL_CLOUDS();
-  std::string bytes = readFile(data("evlr_pf6.las"));
-  putNumber(bytes, 235, std::uint64_t{Places(bytes).start + 30});
-  const auto cloud = open(write("in.las", bytes));
-  EXPECT_FALSE(cloud->extract(PointMask(cloud->size(), true), path("out.las"), Testing::goOn, error));
-  EXPECT_TRUE(error.ends_with("begin inside of the points. Write it anew with the program it came from."))
-      << error;
-  EXPECT_FALSE(std::filesystem::exists(path("out.las")));
+  for (const std::string name : {"evlr_pf6.las", "laz/pf6_evlr.laz"}) {
+    const std::string bytes = readFile(data(name));
+    const auto whole = numberAt<std::uint64_t>(bytes, 235);
+    for (const std::uint64_t start : {std::uint64_t{Places(bytes).start}, whole - 1}) {
+      SCOPED_TRACE(name + " at " + std::to_string(start));
+      std::string crafted = bytes;
+      putNumber(crafted, 235, start);
+      const auto cloud = open(write("in", crafted));
+      const PointMask all(cloud->size(), true);
+      Testing::setClasses(*cloud, 29, [](std::uint64_t point) { return point % 3 == 0; });
+      const auto expectRefused = [&](bool done) {
+        EXPECT_FALSE(done);
+        EXPECT_EQ(error,
+                  "The header of \"" + path("in") +
+                      "\" says that records begin inside of the points. Write it anew with the program "
+                      "it came from.");
+      };
+      if (name.ends_with(".las")) expectRefused(cloud->extract(all, path("out.las"), Testing::goOn, error));
+      for (const char* out : {"out.las", "out.laz"})
+        expectRefused(cloud->write({{29, "Kiosk"}}, path(out), Testing::goOn, error));
+      EXPECT_EQ(names(), std::set<std::string>{"in"});
+    }
+  }
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "host/clouds/las/LasLayout.h"
 #include "tests/clouds/CloudFiles.h"
 #include "tests/filters/FilterClouds.h"
+#include "tests/support/goldenCases.h"
 
 #include <cmath>
 
@@ -11,13 +12,6 @@ using Testing::numberAt;
 using Testing::putNumber;
 using Testing::readField;
 using Testing::readFile;
-
-std::shared_ptr<PointCloud> openWell(const std::string& path) {
-  std::string error;
-  auto cloud = openCloud(path, error);
-  EXPECT_TRUE(cloud) << error;
-  return cloud;
-}
 
 std::string whyNotOpened(const std::string& path) {
   std::string error;
@@ -148,39 +142,28 @@ TEST_F(PointCloudTest, WhatTheBuilderWroteIsReadAndChangedClassesShowEverywhere)
   }
 }
 
-TEST_F(PointCloudTest, EveryUnusableFileIsToldFromTheOthers) {
+std::string damaged(std::string bytes, const std::string& how) {
+  std::istringstream words(how);
+  std::string verb;
+  std::size_t at = 0;
+  unsigned bits = 0;
+  std::string number;
+  words >> verb >> at >> bits >> number;
+  if (verb == "keep") return bytes.substr(0, at);
+  if (verb == "drop") return bytes.substr(0, bytes.size() - at);
+  const std::uint64_t value = std::stoull(number, nullptr, 0);
+  std::memcpy(&bytes.at(at), &value, bits / 8);
+  return bytes;
+}
+
+TEST_F(PointCloudTest, EveryUnusableFileIsToldAsInTheGoldenDocument) {
   const std::string sound = readFile(soundFile());
-  const auto with = [&](std::size_t at, auto value) {
-    std::string bytes = sound;
-    putNumber(bytes, at, value);
-    return bytes;
-  };
-  const std::string fetch = " Fetch the file again from where it came.";
-  const std::string again = " Fetch the file again, or have the program that wrote it write it again.";
-  const std::string name = "\"" + path("bad.las") + "\"";
-  const std::string damaged = "The header of " + name + " is damaged: ";
-  const std::pair<std::string, std::string> cases[] = {
-      {"", name + " is empty." + fetch},
-      {"ply\nformat ascii 1.0\n", name + " is not a LAS file. Give a file in LAS 1.0 to 1.4."},
-      {sound.substr(0, 226), name + " ends within its header." + fetch},
-      {with(25, std::uint8_t{5}),
-       name + " is in version 1.5 of LAS, which can't be read. Convert it to LAS 1.4 first."},
-      {with(94, std::uint16_t{3}), damaged + "its size can't be 3 bytes." + again},
-      {with(104, std::uint8_t{11}),
-       name +
-           " has points of format 11, which can't be read. Convert it to one of the formats 0 to 10 first."},
-      {with(105, std::uint16_t{29}), damaged + "points of format 6 need at least 30 bytes, not 29." + again},
-      {with(96, std::uint32_t{100}), damaged + "its points can't start within it." + again},
-      {with(131, std::nan("")), damaged + "its scales or offsets are not usable numbers." + again},
-      {with(104, std::uint8_t{0x86}),
-       name + " is compressed but has no LAZ record, so that its points can't be read. Convert it with the "
-              "program that wrote it, or fetch it again."},
-      {with(247, ~std::uint64_t{0}),
-       name + " is cut off: its header says 18446744073709551615 points but it holds only 10." + fetch},
-      {sound.substr(0, sound.size() - 1),
-       name + " is cut off: its header says 10 points but it holds only 9." + fetch},
-  };
-  for (const auto& [bytes, sentence] : cases) EXPECT_EQ(whyNotOpened(write("bad.las", bytes)), sentence);
+  Testing::expectCases("clouds/golden/damaged.md", [&](const std::string& how) {
+    std::string sentence = whyNotOpened(write("bad.las", damaged(sound, how)));
+    return sentence.replace(sentence.find(path()), path().size(), "~");
+  });
+  EXPECT_EQ(whyNotOpened(write("bad.las", "ply\nformat ascii 1.0\n")),
+            "\"" + path("bad.las") + "\" is not a LAS file. Give a file in LAS 1.0 to 1.4.");
   EXPECT_EQ(whyNotOpened(path("none.las")),
             "The file \"" + path("none.las") + "\" does not exist. Check the spelling of its path.");
   EXPECT_EQ(whyNotOpened(path()), "\"" + path() + "\" is a directory. Name a file in it instead.");

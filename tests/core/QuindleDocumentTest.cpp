@@ -41,24 +41,6 @@ TEST(QuindleValue, PrintsWhatReadsBackEqualInEveryLocale) {
   EXPECT_EQ(QuindleValue::text("a\"b\\c\nd\te\r\xc3\xa4").toSource(), "\"a\\\"b\\\\c\\nd\\te\r\xc3\xa4\"");
 }
 
-TEST(QuindleExpr, WrapsExactlyTheOperandsThatNeedIt) {
-  const std::tuple<Kind, Kind, const char*> cases[] = {
-      {Kind::And, Kind::Or, "(a or b) and c"},   {Kind::And, Kind::And, "a and b and c"},
-      {Kind::Or, Kind::And, "a and b or c"},     {Kind::Or, Kind::Or, "a or b or c"},
-      {Kind::Or, Kind::Compare, "a < b or c"},   {Kind::Not, Kind::And, "not (a and b)"},
-      {Kind::Not, Kind::Compare, "not (a < b)"}, {Kind::Not, Kind::Not, "not not a"},
-      {Kind::Compare, Kind::Not, "(not a) < c"}, {Kind::Compare, Kind::Compare, "(a < b) < c"},
-      {Kind::Call, Kind::Or, "(a or b, c)"},
-  };
-  for (const auto& [outerKind, innerKind, text] : cases) {
-    QuindleExpr inner = node(innerKind, {reference("a"), reference("b")});
-    inner.op = "<";
-    QuindleExpr outer = node(outerKind, {inner, reference("c")});
-    outer.op = "<";
-    EXPECT_EQ(outer.toSource(), text);
-  }
-}
-
 /// The record after every way to copy and to move one.
 template <class Record>
 Record copiedAndMoved(const Record& record) {

@@ -2,30 +2,27 @@
 /// change that is meant, this writes the files anew; look at the difference before committing it:
 ///
 ///   QUINDLE_REFRESH_GOLDEN=1 build/dev/bin/tests-embedding
+#include "tests/support/goldenCases.h"
 #include "tests/support/runCommand.h"
-
-#include <gtest/gtest.h>
 
 namespace Zamt::Testing {
 namespace {
 
 /// Runs a program where its README says to.
-void expectGolden(const std::string& name, const std::vector<std::string>& command) {
+void expectPrinted(const std::string& name, const std::vector<std::string>& command) {
   const CommandResult result = runCommand(command, QUINDLE_SOURCE_DIR "/examples/embedding");
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.err, "");
-  const std::string golden = QUINDLE_SOURCE_DIR "/tests/embedding/golden/" + name + ".txt";
-  if (std::getenv("QUINDLE_REFRESH_GOLDEN")) std::ofstream(golden, std::ios::binary) << result.out;
-  EXPECT_EQ(result.out, readFile(golden)) << golden;
+  expectGolden("embedding/golden/" + name + ".txt", result.out);
 }
 
-TEST(EmbeddingExamples, HostShowsWhatItCanDo) { expectGolden("host", {QUINDLE_EXAMPLE_HOST}); }
+TEST(EmbeddingExamples, HostShowsWhatItCanDo) { expectPrinted("host", {QUINDLE_EXAMPLE_HOST}); }
 
 TEST(EmbeddingExamples, HostPressesTheKeysItIsGiven) {
-  expectGolden("host-keys", {QUINDLE_EXAMPLE_HOST, "quindles", "ctrl+2", "--preview", "Ctrl+3", "Ctrl+9"});
+  expectPrinted("host-keys", {QUINDLE_EXAMPLE_HOST, "quindles", "ctrl+2", "--preview", "Ctrl+3", "Ctrl+9"});
 }
 
-TEST(EmbeddingExamples, CachedTellsWhatEachRunBuilds) { expectGolden("cached", {QUINDLE_EXAMPLE_CACHED}); }
+TEST(EmbeddingExamples, CachedTellsWhatEachRunBuilds) { expectPrinted("cached", {QUINDLE_EXAMPLE_CACHED}); }
 
 } // namespace
 } // namespace Zamt::Testing

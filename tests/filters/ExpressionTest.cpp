@@ -1,6 +1,6 @@
 #include "host/filters/expression/Expression.h"
 
-#include <gtest/gtest.h>
+#include "tests/support/goldenCases.h"
 
 #include <clocale>
 #include <cmath>
@@ -34,62 +34,15 @@ double valueOf(const std::string& text) {
   return result;
 }
 
-TEST(Expression, MeansWhatItSays) {
-  const std::pair<const char*, double> cases[] = {
-      {"Intensity > 12 and z < 40.5", 1},
-      {"1 + 2 * 3 - 4 / 8 % 3", 6.5},
-      {"- - 3 + + 2", 5},
-      {"-7 % 4", -3},
-      {"not not 5", 1},
-      {"1 < not 0", 0},
-      {"order+notch+android", 150},
-      {"(order>1)and(notch>1)", 1},
-      {"1 <= 1 and 2 >= 3 or 1 == 1.0 and 1 != 2", 1},
-      {"Color[0] + Color[ 2 ]", 142},
-      {"'Scan Angle' + 'and' + x + y", 180},
-      {"min(3, 1, 2) + max(4) + atan2(0, 1)", 5},
-      {"abs(-1) + sqrt(16) + floor(1.5) + ceil(1.5) + round(2.5)", 11},
-      {"true - false", 1},
-      {"cos(pi)", -1},
-      {".5e1 + 1.", 6},
-      {"none == none", 0},
-      {"none or 0", 0},
-      {"not none", 1},
-  };
-  for (const auto& [text, value] : cases) EXPECT_EQ(valueOf(text), value) << text;
-}
-
-TEST(Expression, SaysWhereAndWhatIsWrong) {
-  const std::vector<ExpressionName> few{{"X"}, {"Color", 3}};
-  const std::string value = " Write a field, a number or a parenthesis there.";
-  const std::pair<const char*, std::string> cases[] = {
-      {"Amplitud > 1", "at character 1, there is no field called \"Amplitud\". The fields are X, Color."},
-      {"1 + 'x y'", "at character 5, there is no field called \"x y\". The fields are X, Color."},
-      {"1 + 'x", "at character 5, a quoted field name has no end. Write a single quote behind the name."},
-      {"X = 5", "at character 3, \"=\" would set a value, and an expression only asks. Write == to compare."},
-      {"X >", "at character 4, a value is missing at the end." + value},
-      {"X > and 1", "at character 5, a value is missing in front of \"and\"." + value},
-      {"()", "at character 2, a value is missing in front of \")\"." + value},
-      {"X X", "at character 3, an operator is missing in front of \"X\". Join values with +, <, and, or and "
-              "their like."},
-      {"(X", "at character 1, a parenthesis is not closed. Write the \")\" that belongs to it."},
-      {"X)", "at character 2, a \")\" closes nothing. Take it away, or write the \"(\" that it belongs to."},
-      {"(1, 2)",
-       "at character 3, a comma stands outside of a function. Write numbers with a point, as in 0.5."},
-      {"1 < X < 3", "at character 7, a comparison is compared again. Compare two values at a time and join "
-                    "the comparisons with and."},
-      {"atan2(1)", "at character 1, \"atan2\" takes two values and has 1. Separate values with commas."},
-      {"sin(1, 2)", "at character 1, \"sin\" takes one value and has 2. Separate values with commas."},
-      {"Color", "at character 1, \"Color\" has 3 values a point. Write Color[0] to Color[2]."},
-      {"Color[3]", "at character 1, \"Color\" has 3 values a point. Write Color[0] to Color[2]."},
-      {"X[1]", "at character 1, \"X\" has 1 value a point. Write X[0]."},
-      {"1.2.3", "at character 1, there is no number that can be read. Write it as in 12, 0.5 or 1e-3."},
-  };
-  for (const auto& [text, fault] : cases) {
+TEST(Expression, IsWorthOrSaysWhatTheGoldenDocumentShows) {
+  Testing::expectCases("filters/golden/expressions.md", [](const std::string& text) {
     std::string problem;
-    EXPECT_FALSE(Expression::compile(text, few, problem)) << text;
-    EXPECT_EQ(problem, std::string("The expression \"") + text + "\" can't be used: " + fault);
-  }
+    if (!Expression::compile(text, names, problem)) return problem;
+    std::ostringstream value;
+    value.precision(15);
+    value << valueOf(text);
+    return value.str();
+  });
 }
 
 struct Tree {

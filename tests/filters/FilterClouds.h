@@ -40,6 +40,16 @@ inline std::shared_ptr<Host::PointCloud> makeTestCloud(const std::vector<TestPoi
   return cloud;
 }
 
+/// The same points in a compressed file, which is gone when this returns.
+inline std::shared_ptr<Host::PointCloud> asLaz(const Host::PointCloud& cloud) {
+  const TemporaryDirectory directory;
+  std::string error;
+  EXPECT_TRUE(cloud.write({}, directory.path("a.laz"), goOn, error)) << error;
+  auto compressed = Host::openCloud(directory.path("a.laz"), error);
+  EXPECT_NE(compressed, nullptr) << error;
+  return compressed;
+}
+
 /// A real cloud, or null where there is none.
 inline std::shared_ptr<Host::PointCloud> openTestData(const std::string& name) {
   std::string error;

@@ -9,6 +9,7 @@
 #include "tests/filters/FilterClouds.h"
 
 #include <cmath>
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <numbers>
@@ -54,13 +55,19 @@ std::shared_ptr<PointCloud> makeCloud(std::size_t points) {
   return Testing::makeTestCloud(made);
 }
 
-/// The cloud that was made, and the real ones that there are, each as a LAS file and as arrays.
+/// The cloud that was made, and the real ones that there are, each as a LAS file, as a LAZ file and as
+/// arrays; and clouds in the nodes of a tree.
 std::vector<std::shared_ptr<PointCloud>> allClouds() {
   std::vector<std::shared_ptr<PointCloud>> clouds{makeCloud(3 * blockPoints + 77)};
   for (const char* name : {"autzen-thin.las", "ahn3_crop.las", "extrabytes.las"})
     if (auto cloud = Testing::openTestData(name)) clouds.push_back(cloud);
   const std::size_t files = clouds.size();
-  for (std::size_t i = 0; i < files; ++i) clouds.push_back(Testing::asArrays(*clouds[i]));
+  for (std::size_t i = 0; i < files; ++i) {
+    clouds.push_back(Testing::asArrays(*clouds[i]));
+    clouds.push_back(Testing::asLaz(*clouds[i]));
+  }
+  for (const char* name : {"laz/copc_pf7.copc.laz", "laz/copc_pf7_big.copc.laz"})
+    if (auto cloud = Testing::openTestData(name)) clouds.push_back(cloud);
   return clouds;
 }
 
@@ -133,6 +140,47 @@ TEST(BoxFilter, IncludesItsFaces) {
       });
     }
   }
+}
+
+TEST(BoxFilter, LeavesNodesOfATreeOutsideOfItUnread) {
+  const auto sound = Testing::openTestData("laz/copc_pf7.copc.laz");
+  if (!sound) GTEST_SKIP() << "No compressed clouds.";
+  const auto positions = Testing::positionsOf(*sound);
+  Bounds box = boundsOf(*sound);
+  for (const std::size_t axis : {0U, 1U}) box.high[axis] = 0.7 * box.low[axis] + 0.3 * box.high[axis];
+  std::string bytes = Testing::readFile(sound->path());
+  const auto number = [&]<class T>(std::size_t at, T value) {
+    std::memcpy(&value, &bytes[at], sizeof(T));
+    return value;
+  };
+  std::size_t damaged = 0;
+  const auto page = static_cast<std::size_t>(number(429 + 40, std::uint64_t{}));
+  for (std::size_t at = page; at < page + number(429 + 48, std::uint64_t{}); at += 32) {
+    const double edge = std::ldexp(2 * number(429 + 24, 0.0), -number(at, 0));
+    bool meets = true;
+    for (const std::size_t axis : {0U, 1U})
+      meets = meets &&
+              number(429 + 8 * axis, 0.0) - number(429 + 24, 0.0) + edge * number(at + 4 + 4 * axis, 0) <=
+                  box.high[axis] + 1;
+    if (meets || number(at + 28, 0) <= 0) continue;
+    bytes[static_cast<std::size_t>(number(at + 16, std::uint64_t{})) + 36] ^=
+        0x55; // the number of its points
+    ++damaged;
+  }
+  EXPECT_GT(damaged, 10U);
+  const Testing::TemporaryDirectory directory;
+  std::string problem;
+  const auto cloud = openCloud(directory.write("a.laz", bytes), problem);
+  ASSERT_NE(cloud, nullptr) << problem;
+  PointMask kept;
+  ASSERT_TRUE(evaluateSelection(*cloud, {{-1, -1, makeBoxFilter(box, problem), nullptr, false}},
+                                Testing::goOn, kept, problem))
+      << problem;
+  EXPECT_EQ(kept.count(), std::ranges::count_if(positions, [&](const auto& p) {
+              return p[0] <= box.high[0] && p[1] <= box.high[1];
+            }));
+  ClassCounts counts;
+  EXPECT_FALSE(countClasses(*cloud, Testing::goOn, counts, problem));
 }
 
 TEST(SphereFilter, IncludesItsSurface) {
@@ -243,6 +291,14 @@ TEST(Filters, SayWhatThereIsInsteadOfWhatIsMissing) {
                 "A box needs a number at each of its ends.");
   expectRefused(makePolygonFilter({}, p),
                 "The region holds no polygon. Give at least one with three corners or more.");
+  Polygon comb{{{}}};
+  for (int i = 0; i < 5000; ++i) comb.rings[0].insert(comb.rings[0].end(), {{i * 1.0, 0}, {i + 0.5, 100}});
+  EXPECT_NE(makePolygonFilter({&comb, 1}, p), nullptr) << p;
+  comb.rings[0].insert(comb.rings[0].end(), {{5000, 0}, {5000.5, 100}});
+  expectRefused(
+      makePolygonFilter({&comb, 1}, p),
+      "The region has 10002 lines side by side at one height of the map, and each point there would be "
+      "held against them all; 10000 are the most. Simplify its outline, or cut it into several.");
 }
 
 } // namespace

@@ -78,7 +78,7 @@ TEST(NeighbourFilter, AgreesWithAllPairsOnAGridWithTies) {
 }
 
 TEST(NeighbourFilter, AgreesWithAllPairsWhereFineCellsAreCountedWhole) {
-  const auto cloud = makeCloud(6000, {1000, 1000, 200});
+  const auto cloud = makeCloud(9000, {1000, 1000, 200});
   for (const double radius : {1.5, 3.0, 6.0}) expectAgreesEverywhere(*cloud, radius);
 }
 

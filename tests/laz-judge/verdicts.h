@@ -2,7 +2,6 @@
 
 #include "tests/laz-judge/LazFile.h"
 #include "tests/support/runCommand.h"
-#include "tests/support/sha256.h"
 
 #include <cstring>
 #include <sstream>
@@ -21,6 +20,12 @@ struct Verdict {
 /// For messages of failed tests.
 inline std::ostream& operator<<(std::ostream& out, const Verdict& verdict) {
   return out << verdict.count << " points, sum " << verdict.sum << " " << verdict.error;
+}
+
+/// The SHA-256 of bytes, in hexadecimal digits.
+inline std::string sha256(const std::string& bytes) {
+  const TemporaryDirectory directory;
+  return runCommand({"/usr/bin/env", "sha256sum", directory.write("bytes", bytes)}).out.substr(0, 64);
 }
 
 /// The verdict of the plain codec on the bytes of a file.

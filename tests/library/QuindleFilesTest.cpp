@@ -2,6 +2,7 @@
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/asNobody.h"
 #include "tests/support/environment.h"
+#include "tests/support/goldenCases.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -62,51 +63,14 @@ TEST(QuindleFiles, OnlyFilesDirectlyInTheDirectoryAreOnesOwn) {
   EXPECT_TRUE(isOwnQuindle(".", "x.quindle"));
 }
 
-TEST(QuindleFiles, AQuindleIsReadAndDeletedByName) {
+// Of what fails, the system's reason is told where a file can't be deleted, and no other.
+TEST(QuindleFiles, WhatCannotBeReadOrDeletedIsTold) {
   const TemporaryDirectory own;
-  const TemporaryDirectory installed;
-  const std::vector<std::string> path{own.path("none"), own.path(), installed.path()};
-  const std::string broken = "quindle \"Broken\" {\n let";
-  own.write("good.quindle", good);
-  own.write("a.quindle", "quindle \"GOOD ONE\" { description \"d\" on run { report \"x\" } }");
-  installed.write("Good_one.quindle", good);
-  installed.write("b.quindle", broken);
-
   std::string text;
-  QuindleDocument document;
-  Diag diag;
-  EXPECT_TRUE(readQuindle(path, "Good one", text, document, diag));
-  EXPECT_EQ(text, good);
-  EXPECT_EQ(document.sourceFile, own.path("good.quindle"));
-  EXPECT_TRUE(readQuindle(path, "good ONE", text, document, diag));
-  EXPECT_EQ(document.sourceFile, own.path("a.quindle")); // the first that fits loosely
-  EXPECT_TRUE(readQuindle(path, document.name, text, document, diag));
-  EXPECT_EQ(diag.format(), "");
-  EXPECT_TRUE(readQuindle(path, "broken", text, document, diag));
-  EXPECT_EQ(text, broken);
-  EXPECT_EQ(diag.errorCount, 1U);
-  diag.clear();
-  EXPECT_FALSE(readQuindle({}, "x", text, document, diag));
-  EXPECT_FALSE(readQuindle(path, "x", text, document, diag));
-  EXPECT_EQ(diag.format(), "error: There is no Quindle called \"x\". There are none at all.\n"
-                           "error: There is no Quindle called \"x\". There is: GOOD ONE, Good one, Broken.");
-
-  diag.clear();
   std::string file;
   bool revealed = false;
-  EXPECT_TRUE(deleteQuindle(own.path(), path, "Good one", file, revealed, diag));
-  EXPECT_EQ(file, own.path("good.quindle"));
-  EXPECT_TRUE(revealed);
-  EXPECT_TRUE(deleteQuindle(own.path(), {own.path()}, "good one", file, revealed, diag));
-  EXPECT_EQ(file, own.path("a.quindle"));
-  EXPECT_FALSE(revealed);
-  EXPECT_EQ(diag.format(), "");
-  EXPECT_FALSE(deleteQuindle(own.path(), path, "good one", file, revealed, diag));
-  EXPECT_EQ(file, installed.path("Good_one.quindle"));
-  EXPECT_EQ(readFile(file), good);
-
-  // Of what fails, the system's reason is told where a file can't be deleted, and no other.
-  diag.clear();
+  QuindleDocument document;
+  Diag diag;
   const std::string large = own.write("large.quindle", "");
   std::filesystem::resize_file(large, maxQuindleBytes + 1);
   EXPECT_FALSE(readQuindle({own.path()}, "large", text, document, diag));
@@ -118,30 +82,6 @@ TEST(QuindleFiles, AQuindleIsReadAndDeletedByName) {
            diag.format() == "error: Cannot delete \"" + large + "\": Permission denied.";
   }));
   std::filesystem::permissions(own.path(), std::filesystem::perms(0700));
-}
-
-TEST(QuindleFiles, OnlyASoundQuindleIsSaved) {
-  const TemporaryDirectory directory;
-  const std::string target = directory.path("deep/er");
-  QuindleDocument document;
-  const std::vector<std::pair<std::string, std::string>> refused{
-      {"on run", "<new quindle>:1:1: error: A Quindle file starts with the word \"quindle\", but this one "
-                 "starts with \"on\"."},
-      {"quindle \"x\" { description \"d\" on run { run \"x\"() } }",
-       "<new quindle>:1: error: This Quindle runs itself, which would never stop."},
-  };
-  for (const auto& [text, message] : refused) {
-    Diag diag;
-    EXPECT_FALSE(saveQuindle(target, text, document, diag));
-    EXPECT_EQ(diag.format(), message);
-  }
-  EXPECT_FALSE(std::filesystem::exists(directory.path("deep")));
-
-  Diag diag;
-  EXPECT_TRUE(saveQuindle(target, good, document, diag));
-  EXPECT_EQ(diag.format(), "");
-  EXPECT_EQ(document.sourceFile, target + "/Good_one.quindle");
-  EXPECT_EQ(readFile(document.sourceFile), good);
 }
 
 TEST(QuindleFiles, SavingLeavesLinksAndPermissionsAsTheyAre) {
@@ -182,27 +122,13 @@ TEST(QuindleFiles, SavingLeavesLinksAndPermissionsAsTheyAre) {
   EXPECT_EQ(save(), refusal);
 }
 
-TEST(QuindleFiles, SwitchingOnAndOffIsAnEditOfOneLine) {
-  const std::tuple<const char*, std::string, bool, const char*> cases[] = {
-      {"the indent stays and the comment goes", "q {\n  enabled true # on\n}\n", false,
-       "q {\n  enabled false\n}\n"},
-      {"no line is on already", "q {\n}", true, "q {\n}"},
-      {"a new line goes behind the settings", "q {\n description \"d\"\n\tcategory \"c\"\n icon \"i\"\n}",
-       false, "q {\n description \"d\"\n\tcategory \"c\"\n    enabled false\n icon \"i\"\n}\n"},
-      {"or below the brace", "# enabled\nq {\n icon \"i\"\n}\n", false,
-       "# enabled\nq {\n    enabled false\n icon \"i\"\n}\n"},
-      {"other lines keep their ends", "q {\r\n enabled false\r\n}\r\n", true, "q {\r\n enabled true\n}\r\n"},
-      {"a longer word is another one", "q {\nenabledness\n}\n", false,
-       "q {\n    enabled false\nenabledness\n}\n"},
-  };
-  for (const auto& [what, before, enabled, after] : cases) {
-    std::string text = before;
-    EXPECT_TRUE(setQuindleEnabled(text, enabled)) << what;
-    EXPECT_EQ(text, after) << what;
-  }
-  std::string text = "no block";
-  EXPECT_FALSE(setQuindleEnabled(text, false));
-  EXPECT_EQ(text, "no block");
+TEST(QuindleFiles, AreSwitchedOnAndOffAsInTheGoldenDocument) {
+  Testing::expectCases("library/golden/enabled.md", [](const std::string& switchAndText) {
+    const std::size_t lineEnd = switchAndText.find('\n');
+    std::string text = switchAndText.substr(lineEnd + 1);
+    const bool found = setQuindleEnabled(text, switchAndText.substr(0, lineEnd) == "on");
+    return (found ? "" : "refused\n") + text;
+  });
 }
 
 } // namespace

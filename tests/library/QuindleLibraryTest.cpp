@@ -1,124 +1,165 @@
 #include "quindle/library/QuindleLibrary.h"
+
+#include "quindle/library/QuindleFiles.h"
+#include "quindle/library/QuindleShortcuts.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/asNobody.h"
+#include "tests/support/goldenCases.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
+#include <map>
 #include <sys/stat.h>
 
-using namespace Zamt;
-using testing::ElementsAre;
-using Zamt::Testing::TemporaryDirectory;
-
+namespace Zamt::Testing {
 namespace {
 
-std::string quindle(const std::string& name, const std::string& settings = {}) {
-  return "quindle \"" + name + "\" { description \"About " + name + "\" " + settings +
-         " on run { report \"x\" } }";
-}
+/// What a case of the golden document does with a library and its files, a line each, and what comes of it. A
+/// text that is written or saved follows on the lines behind, up to an empty one. What only prepares the
+/// files tells nothing. The directory of the files is told as "~".
+class Session {
+public:
+  std::string play(const std::string& text) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+      const std::size_t blank = std::min(line.find(' '), line.size());
+      const std::string verb = line.substr(0, blank);
+      rest_ = line.substr(std::min(blank + 1, line.size()));
+      words_.clear();
+      std::istringstream words(rest_);
+      for (std::string word; words >> word;) words_.push_back(word);
+      if (verb == "write" || verb == "save") text_ = takeLines(lines, "");
+      if (const auto prepare = prepares_.find(verb); prepare != prepares_.end()) {
+        prepare->second();
+      } else if (!verb.empty()) {
+        diag_.clear();
+        told_ += "> " + line + '\n' + acts_.at(verb)();
+        if (!diag_.entries.empty()) told_ += diag_.format() + '\n';
+      }
+    }
+    for (std::size_t at = 0; (at = told_.find(files_.path())) != std::string::npos;)
+      told_.replace(at, files_.path().size(), "~");
+    return told_;
+  }
 
-/// "name" for what can be used, "name: why not" for the rest.
-std::vector<std::string> listed(const std::vector<const QuindleLibraryEntry*>& entries) {
-  std::vector<std::string> lines;
-  for (const QuindleLibraryEntry* const entry : entries)
-    lines.push_back(entry->document.name + (entry->usable ? "" : ": " + entry->error));
-  return lines;
-}
+private:
+  std::string first() const { return files_.path(words_.at(0)); }
+  std::string second() const { return words_.size() > 1 ? words_[1] : ""; }
 
-TEST(QuindleLibrary, EveryFileIsListedWithWhatIsWrongWithIt) {
-  const TemporaryDirectory directory;
-  directory.write("a.quindle", quindle("Zed"));
-  directory.write("c.quindle", "");
-  directory.write("d.quindle", "quindle \"Half\" {\n on run {\n let x 3\n let\n } }");
-  directory.write("e.quindle", "quindle \"\" { description \"d\" on run { report \"x\" } }");
-  directory.write("f.QUINDLE", quindle("Upper"));
-  directory.write(".quindle", quindle("Nameless"));
-  directory.write(".b.quindle", quindle("Dotted"));
-  directory.write("elsewhere", quindle("Linked"));
-  std::filesystem::create_symlink("elsewhere", directory.path("g.quindle"));
-  std::filesystem::create_symlink("nowhere", directory.path("h.quindle"));
-  std::filesystem::create_directory(directory.path("i.quindle"));
-  ASSERT_EQ(::mkfifo(directory.path("j.quindle").c_str(), 0600), 0);
+  void write() {
+    std::filesystem::create_directories(std::filesystem::path(first()).parent_path());
+    files_.write(words_.at(0), text_);
+  }
 
-  QuindleLibrary library;
-  Diag diag;
-  EXPECT_EQ(library.scan(directory.path(), diag), 6U);
-  const std::string nameless = "This Quindle has no name, so it cannot be listed or run by name.";
-  EXPECT_THAT(listed(library.search("")),
-              ElementsAre("Dotted", "Zed",
-                          "c: line 1: A Quindle file starts with the word \"quindle\", but this one starts "
-                          "with the end of the file.",
-                          "Half: line 3: Expected \"=\" but found the number 3.", "e: " + nameless,
-                          "Linked"));
-  ASSERT_EQ(diag.entries.size(), 3U) << diag.format();
-  EXPECT_EQ(diag.entries[2].format(), directory.path("e.quindle") + ": warning: \"" +
-                                          directory.path("e.quindle") + "\" is not usable: " + nameless);
-}
+  static std::string yes(bool good) { return good ? "yes\n" : "no\n"; }
 
-TEST(QuindleLibrary, LoadingAgainReplacesAnEntryWhereItStands) {
-  const TemporaryDirectory directory;
-  const std::string first = directory.write("a.quindle", quindle("One"));
-  const std::string second = directory.write("b.quindle", quindle("Two"));
-  QuindleLibrary library;
-  Diag diag;
-  EXPECT_TRUE(library.load(first, diag));
-  EXPECT_TRUE(library.load(second, diag));
-  directory.write("a.quindle", quindle("Two"));
-  EXPECT_TRUE(library.load(library.find("One")->path, diag));
-  EXPECT_THAT(listed(library.search("")), ElementsAre("Two", "Two"));
-  EXPECT_EQ(library.find("One"), nullptr);
-  EXPECT_EQ(library.find("Two")->path, first);
-  EXPECT_EQ(library.find("two"), nullptr);
-  std::filesystem::remove(first);
-  EXPECT_FALSE(library.load(first, diag));
-  EXPECT_THAT(listed(library.search("")), ElementsAre("a: cannot be read", "Two"));
-  EXPECT_EQ(diag.format(), first + ": error: Cannot read \"" + first + "\".");
-  library.clear();
-  EXPECT_EQ(library.find("Two"), nullptr);
-  EXPECT_TRUE(library.load(second, diag));
-  EXPECT_EQ(library.find("Two")->path, second);
-}
+  static std::string listed(const std::vector<const QuindleLibraryEntry*>& entries) {
+    std::string lines;
+    for (const QuindleLibraryEntry* const entry : entries)
+      lines +=
+          entry->document.name + " in " + entry->path + (entry->usable ? "" : ": " + entry->error) + '\n';
+    return lines;
+  }
 
-TEST(QuindleLibrary, TheFirstDirectoryWinsAName) {
-  const TemporaryDirectory own;
-  const TemporaryDirectory installed;
-  own.write("a.quindle", quindle("A"));
-  own.write("broken.quindle", "quindle \"C\" {");
-  own.write("d.quindle", "");
-  installed.write("a1.quindle", quindle("A"));
-  installed.write("a2.quindle", quindle("a"));
-  installed.write("b1.quindle", quindle("B", "category \"first\""));
-  installed.write("b2.quindle", quindle("B", "category \"second\""));
-  installed.write("c.quindle", quindle("C"));
-  installed.write("named.quindle", quindle("d"));
-  QuindleLibrary library;
-  Diag diag;
-  const std::vector<std::string> missingFirst{own.path("broken.quindle"), own.path(), installed.path()};
-  EXPECT_EQ(library.scan(missingFirst, diag), 9U);
-  std::vector<std::string> names;
-  for (const QuindleLibraryEntry* const entry : library.search("")) names.push_back(entry->document.name);
-  EXPECT_THAT(names, ElementsAre("A", "C", "d", "a", "B", "B"));
-  EXPECT_EQ(library.find("B")->document.category, "first");
-  // A directory that is none, two broken files, one that is called so by its file alone, and the three that
-  // are hidden, the last one first.
-  ASSERT_EQ(diag.entries.size(), 6U) << diag.format();
-  EXPECT_EQ(diag.entries[0].format(), missingFirst[0] + ": note: No Quindles in \"" + missingFirst[0] +
-                                          "\": there is no such directory.");
-  EXPECT_EQ(diag.entries[3].file, installed.path("named.quindle"));
-  EXPECT_EQ(diag.entries[4].file, installed.path("c.quindle"));
-  EXPECT_EQ(diag.entries[5].file, installed.path("a1.quindle"));
+  static std::string joined(const std::vector<std::string>& names) {
+    std::string line;
+    for (const std::string& name : names) line += (line.empty() ? "" : ", ") + name;
+    return line + '\n';
+  }
 
-  // Without a `clear`, what was hidden is hidden again and the rest stays in its place.
-  EXPECT_EQ(library.scan(missingFirst, diag), 9U);
-  EXPECT_THAT(listed(library.search("")).size(), 6U);
+  std::vector<std::string> directories() const {
+    std::vector<std::string> paths;
+    for (const std::string& word : words_) paths.push_back(files_.path(word));
+    return paths;
+  }
+
+  std::string scan() {
+    return std::to_string(words_.size() == 1 ? library_.scan(first(), diag_)
+                                             : library_.scan(directories(), diag_)) +
+           '\n';
+  }
+
+  std::string resolve() {
+    QuindleDocument document;
+    std::string error = "what the caller had";
+    return yes(library_.resolver()(rest_, document, error)) + document.name + ", " + error + '\n';
+  }
+
+  std::string keys() {
+    std::string lines;
+    for (const QuindleShortcut& shortcut : quindleShortcuts(library_))
+      lines += shortcut.key + ' ' + shortcut.name + '\n';
+    for (const auto& [key, names] : shortcutConflicts(library_))
+      lines += "conflict " + key + ": " + joined(names);
+    return lines;
+  }
+
+  std::string read() {
+    QuindleDocument document;
+    std::string text;
+    if (!readQuindle(path_, rest_, text, document, diag_)) return "no\n";
+    Diag again;
+    EXPECT_TRUE(readQuindle(path_, document.name, text, document, again)) << "the document's own name";
+    return document.name + " in " + document.sourceFile + '\n' + text + '\n';
+  }
+
+  std::string remove() {
+    std::string file;
+    bool revealed = false;
+    const bool good = deleteQuindle(path_.at(0), path_, rest_, file, revealed, diag_);
+    return yes(good) + file + (revealed ? ", revealed" : "") + '\n';
+  }
+
+  std::string save() {
+    QuindleDocument document;
+    const bool good = saveQuindle(first(), text_, document, diag_);
+    if (good) {
+      EXPECT_EQ(readFile(document.sourceFile), text_);
+    }
+    return good ? document.sourceFile + '\n' : yes(std::filesystem::exists(first()));
+  }
+
+  const TemporaryDirectory files_;
+  QuindleLibrary library_;
+  Diag diag_;
+  std::vector<std::string> path_;
+  std::vector<std::string> words_; ///< Behind the verb of the line.
+  std::string rest_;               ///< The same as it is written.
+  std::string text_;
+  std::string told_;
+
+  const std::map<std::string, std::function<void()>> prepares_{
+      {"write", [this] { write(); }},
+      {"link", [this] { std::filesystem::create_symlink(second(), first()); }},
+      {"directory", [this] { std::filesystem::create_directories(first()); }},
+      {"pipe", [this] { ::mkfifo(first().c_str(), 0600); }},
+      {"gone", [this] { std::filesystem::remove(first()); }},
+      {"clear", [this] { library_.clear(); }},
+      {"path", [this] { path_ = directories(); }},
+  };
+  const std::map<std::string, std::function<std::string()>> acts_{
+      {"scan", [this] { return scan(); }},
+      {"load", [this] { return yes(library_.load(first(), diag_)); }},
+      {"search", [this] { return listed(library_.search(rest_)); }},
+      {"runnable", [this] { return listed(library_.runnable()); }},
+      {"find", [this] { return library_.find(rest_) ? listed({library_.find(rest_)}) : "no\n"; }},
+      {"categories", [this] { return joined(library_.categories()); }},
+      {"resolve", [this] { return resolve(); }},
+      {"keys", [this] { return keys(); }},
+      {"free", [this] { return yes(isShortcutFree(library_, words_.at(0), second())); }},
+      {"read", [this] { return read(); }},
+      {"delete", [this] { return remove(); }},
+      {"save", [this] { return save(); }},
+  };
+};
+
+TEST(QuindleLibrary, DoesAndTellsWhatTheGoldenDocumentShows) {
+  expectCases("library/golden/library.md", [](const std::string& text) { return Session().play(text); });
 }
 
 TEST(QuindleLibrary, ADirectoryThatCannotBeListedHoldsNothing) {
   const TemporaryDirectory directory;
-  directory.write("a.quindle", quindle("A"));
+  directory.write("a.quindle", "quindle \"A\" { description \"d\" on run { report \"x\" } }");
   std::filesystem::permissions(directory.path(), std::filesystem::perms::none);
-  EXPECT_TRUE(Testing::asNobody([&] {
+  EXPECT_TRUE(asNobody([&] {
     QuindleLibrary library;
     Diag diag;
     return library.scan(directory.path(), diag) == 0 && diag.entries.empty() && library.search("").empty();
@@ -126,33 +167,15 @@ TEST(QuindleLibrary, ADirectoryThatCannotBeListedHoldsNothing) {
   std::filesystem::permissions(directory.path(), std::filesystem::perms::owner_all);
 }
 
-TEST(QuindleLibrary, SearchLooksWhereUsersLook) {
-  const TemporaryDirectory directory;
-  directory.write("a.quindle", quindle("Alpha", "category \"Underground\" tags \"Noise\""));
-  directory.write("b.quindle", quindle("Beta", "category \"ground\" enabled false"));
-  directory.write("c.quindle", quindle("Gamma", "category \"Water\" icon \"ground\""));
-  directory.write("d.quindle", "quindle \"Delta\" { category \"ground\" on run { let } }");
-  QuindleLibrary library;
-  Diag diag;
-  library.scan(directory.path(), diag);
-  EXPECT_EQ(listed(library.search("GROUND")).size(), 3U);
-  EXPECT_THAT(listed(library.search("noise")), ElementsAre("Alpha"));
-  EXPECT_THAT(listed(library.search("about g")), ElementsAre("Gamma"));
-  EXPECT_THAT(listed(library.search(" ground")), ElementsAre());
-  EXPECT_THAT(library.categories(), ElementsAre("Underground", "Water", "ground"));
-  EXPECT_THAT(listed(library.runnable()), ElementsAre("Alpha", "Gamma"));
-
-  const QuindleResolver resolve = library.resolver();
-  QuindleDocument document;
-  std::string error;
-  EXPECT_TRUE(resolve("Beta", document, error));
-  EXPECT_EQ(document.name, "Beta");
-  error = "what the caller had";
-  EXPECT_FALSE(resolve("beta", document, error));
-  EXPECT_EQ(error, "what the caller had");
-  EXPECT_FALSE(resolve("Delta", document, error));
-  EXPECT_EQ(error, library.find("Delta")->error);
-  EXPECT_NE(error, "");
+TEST(QuindleShortcuts, AreSpelledAndDividedAsInTheGoldenDocument) {
+  expectCases("library/golden/shortcuts.md", [](const std::string& text) {
+    const std::string normal = normalizedShortcut(text);
+    EXPECT_EQ(normalizedShortcut(normal), normal);
+    std::string keys;
+    for (const std::string& key : shortcutKeys(text)) keys += ' ' + key;
+    return "as one: " + normal + "\nas many:" + keys;
+  });
 }
 
 } // namespace
+} // namespace Zamt::Testing

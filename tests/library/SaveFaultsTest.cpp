@@ -2,6 +2,7 @@
 #include "quindle/library/QuindleFiles.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/asNobody.h"
+#include "tests/support/tracedChild.h"
 
 #include <gtest/gtest.h>
 
@@ -9,12 +10,8 @@
 #include <csignal>
 #include <filesystem>
 #include <functional>
-#include <optional>
-#include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
-#include <sys/user.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -22,8 +19,7 @@ using namespace Zamt;
 using Zamt::Testing::readFile;
 using Zamt::Testing::TemporaryDirectory;
 
-/// What becomes of a saved file when the system, or the process, fails in the middle. A child process saves
-/// and its parent, which traces it, stops it at each call it makes of the system.
+/// What becomes of a saved file when the system, or the process, fails in the middle.
 namespace {
 
 std::string text(const std::string& report) {
@@ -58,85 +54,9 @@ int inChild(const std::function<int()>& work) {
 
 #if defined(__x86_64__)
 
-/// What happens at one of the child's system calls.
-struct Fault {
-  int atCall = 0;          ///< Counted from 1.
+struct Fault : Testing::CallFault {
   bool secondName = false; ///< The file has one, so that it is written in place.
-  bool kill = false;       ///< The process ends in front of the call; otherwise the call fails with `code`.
-  int code = 0;
 };
-
-/// The calls that a disk can make fail.
-bool touchesFiles(unsigned long long call) {
-  constexpr std::array<unsigned long long, 15> calls{SYS_openat,    SYS_pwrite64,   SYS_fdatasync, SYS_fsync,
-                                                     SYS_close,     SYS_flock,      SYS_rename,    SYS_mkdir,
-                                                     SYS_fchmod,    SYS_newfstatat, SYS_read,      SYS_write,
-                                                     SYS_ftruncate, SYS_fallocate,  SYS_unlink};
-  return std::find(calls.begin(), calls.end(), call) != calls.end();
-}
-
-struct Traced {
-  bool ended = false; ///< Before the call of the fault came.
-  bool decisive =
-      false; ///< The call of the fault was one without which the new text is not safe on the disk.
-  int status = 0;
-};
-
-/// Tells the calls that the new text depends on from those that look around, keep the old one or tidy up.
-class SavingOrder {
-public:
-  bool isDecisive(unsigned long long call) {
-    begun = begun || call == SYS_pwrite64;
-    return begun &&
-           (call == SYS_pwrite64 || call == SYS_ftruncate || call == SYS_fdatasync || call == SYS_rename);
-  }
-
-private:
-  bool begun = false;
-};
-
-/// Saves in a child that meets the fault; nothing if the machine does not let processes be traced.
-std::optional<Traced> saveWith(const Fault& fault, const std::string& directory) {
-  const pid_t child = ::fork();
-  if (child == 0) {
-    if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) ::_exit(EXIT_FAILURE);
-    ::raise(SIGSTOP);
-    ::_exit(save(directory));
-  }
-  Traced traced;
-  ::waitpid(child, &traced.status, 0);
-  if (!WIFSTOPPED(traced.status)) return std::nullopt;
-  int calls = 0;
-  SavingOrder order;
-  bool entering = false;
-  bool failing = false;
-  while (true) {
-    ::ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
-    ::waitpid(child, &traced.status, 0);
-    if (!WIFSTOPPED(traced.status)) break;
-    entering = !entering;
-    user_regs_struct registers{};
-    ::ptrace(PTRACE_GETREGS, child, nullptr, &registers);
-    const bool decisive = entering && order.isDecisive(registers.orig_rax);
-    if (entering && touchesFiles(registers.orig_rax) && ++calls == fault.atCall) {
-      traced.decisive = decisive;
-      if (fault.kill) {
-        ::kill(child, SIGKILL);
-        ::waitpid(child, &traced.status, 0);
-        return traced;
-      }
-      registers.orig_rax = static_cast<unsigned long long>(-1); // no such call, so that nothing happens
-      failing = true;
-      ::ptrace(PTRACE_SETREGS, child, nullptr, &registers);
-    } else if (!entering && failing) {
-      registers.rax = static_cast<unsigned long long>(-fault.code);
-      failing = false;
-      ::ptrace(PTRACE_SETREGS, child, nullptr, &registers);
-    }
-  }
-  traced.ended = calls < fault.atCall;
-  return traced;
-}
 
 /// Whether the old text stands in a copy beside the file.
 bool holdsCopy(const TemporaryDirectory& directory) {
@@ -156,7 +76,7 @@ TEST_P(SaveFaults, LeaveTheOldTextOrTheNewAtEveryCall) {
     Fault fault = GetParam();
     fault.atCall = call;
     if (fault.secondName) std::filesystem::create_hard_link(path, directory.path("second name"));
-    const std::optional<Traced> traced = saveWith(fault, directory.path());
+    const auto traced = Testing::traceWith(fault, [&] { return save(directory.path()); });
     if (!traced) GTEST_SKIP() << "This machine does not let processes be traced.";
     const std::string held = readFile(path);
     const bool copied = fault.kill && fault.secondName && holdsCopy(directory);
@@ -177,9 +97,9 @@ TEST_P(SaveFaults, LeaveTheOldTextOrTheNewAtEveryCall) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, SaveFaults,
-                         testing::Values(Fault{0, false, true, 0}, Fault{0, false, false, ENOSPC},
-                                         Fault{0, false, false, EIO}, Fault{0, true, true, 0},
-                                         Fault{0, true, false, ENOSPC}, Fault{0, true, false, EIO}),
+                         testing::Values(Fault{{0, true, 0}, false}, Fault{{0, false, ENOSPC}, false},
+                                         Fault{{0, false, EIO}, false}, Fault{{0, true, 0}, true},
+                                         Fault{{0, false, ENOSPC}, true}, Fault{{0, false, EIO}, true}),
                          [](const testing::TestParamInfo<Fault>& one) {
                            return std::string(one.param.kill          ? "Killed"
                                               : one.param.code == EIO ? "DiskError"

@@ -5,8 +5,8 @@
 #include "tests/support/RecordingScene.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/dumpDocument.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/parsed.h"
+#include "tests/support/smallStack.h"
 
 #include <functional>
 #include <limits>
@@ -56,13 +56,6 @@ const std::string innerText = R"(quindle "Inner" {
 )";
 
 const std::string textFile = "a file of some name.quindle";
-
-QuindleDocument parsedText(const std::string& text) {
-  QuindleDocument doc;
-  Diag diag;
-  EXPECT_TRUE(parseQuindle(text, textFile, doc, diag)) << diag.format();
-  return doc;
-}
 
 const std::string ranOut =
     "Memory ran out before this was done. Free some, or work on less at a time, and try again.";
@@ -144,7 +137,7 @@ std::function<Use()> always(Use use) {
 }
 
 TEST(Memory, WhatReadsAndJudgesATextFailsWithAWord) {
-  const QuindleDocument doc = parsedText(outerText);
+  const QuindleDocument doc = parsed(outerText, textFile);
   expectFailureReported("parse", always([](Diag& diag) -> Outcome {
                           QuindleDocument read;
                           if (!parseQuindle(outerText, textFile, read, diag)) return {};
@@ -180,8 +173,7 @@ TEST(Memory, WhatReadsAndJudgesATextFailsWithAWord) {
 }
 
 /// A scene that answers what the steps above ask, and may throw at one of the things it is told to do.
-class Scene : public RecordingScene {
-public:
+struct Scene : RecordingScene {
   struct Thrown {};
 
   int throwAt = -1; ///< Counted down with each call.
@@ -191,30 +183,9 @@ public:
     add("TheView", "Display/Picture").sources["grid"] = "TheCloud";
     add("Somewhere", "Test/Source");
     presets["Edit/MaskedLabels"] = {{"modified", "3 of the points"}, {"considered", "many more points"}};
-  }
-
-  std::string create(const std::string& creator, const std::string& name, Diag& diag) override {
-    count();
-    return RecordingScene::create(creator, name, diag);
-  }
-  bool connect(const std::string& object, const std::string& slot, const std::string& source,
-               const std::string& sourceSlot, Diag& diag) override {
-    count();
-    return RecordingScene::connect(object, slot, source, sourceSlot, diag);
-  }
-  bool setParam(const std::string& object, const std::string& slot, const std::string& value,
-                Diag& diag) override {
-    count();
-    return RecordingScene::setParam(object, slot, value, diag);
-  }
-  bool fireAction(const std::string& object, const std::string& action, Diag& diag) override {
-    count();
-    return RecordingScene::fireAction(object, action, diag);
-  }
-
-private:
-  void count() {
-    if (throwAt >= 0 && throwAt-- == 0) throw Thrown();
+    beforeEach = [this] {
+      if (throwAt >= 0 && throwAt-- == 0) throw Thrown();
+    };
   }
 };
 
@@ -246,8 +217,8 @@ struct Stage {
 
 class MemoryOfRuns : public testing::Test {
 protected:
-  const QuindleDocument outer = parsedText(outerText);
-  const QuindleDocument inner = parsedText(innerText);
+  const QuindleDocument outer = parsed(outerText, textFile);
+  const QuindleDocument inner = parsed(innerText, textFile);
 };
 
 TEST_F(MemoryOfRuns, FailsWithAWordAndRunsAgainAfterwards) {
@@ -383,8 +354,8 @@ TEST(Memory, ASavedFileIsTheOldOneOrTheNewOne) {
 }
 
 TEST(Memory, WhatOnlyReturnsAValueThrows) {
-  const QuindleDocument doc = parsedText(outerText);
-  const QuindleDocument inner = parsedText(innerText);
+  const QuindleDocument doc = parsed(outerText, textFile);
+  const QuindleDocument inner = parsed(innerText, textFile);
   const QuindleResolver resolver = [&inner](const std::string&, QuindleDocument& document, std::string&) {
     document = inner;
     return true;
@@ -398,18 +369,14 @@ TEST(Memory, WhatOnlyReturnsAValueThrows) {
 }
 
 TEST(Memory, DestroyingTakesNone) {
-  const std::size_t levels = 100000;
-  const auto nested = [&](const std::string& open, const std::string& inside, const std::string& close) {
-    std::string text;
-    for (std::size_t i = 0; i < levels; ++i) text += open;
-    text += inside;
-    for (std::size_t i = 0; i < levels; ++i) text += close;
-    return text;
+  constexpr std::size_t levels = 100000;
+  const auto nested = [](const char* open, const char* inside, const char* close) {
+    return repeated(open, levels) + inside + repeated(close, levels);
   };
   auto doc = std::make_optional(
-      parsedText("quindle \"Deep\" { param p : Text = " + nested("(1, ", "2", ", 3)") + " on run { select " +
-                 nested("(a < 1 or not (b > 2 and ", "c < 3", " and d < 4))") +
-                 nested("if a { let b = 1 if c {", "", "} else { let d = 2 let e = 3 } }") + " } }"));
+      parsed("quindle \"Deep\" { param p : Text = " + nested("(1, ", "2", ", 3)") + " on run { select " +
+             nested("(a < 1 or not (b > 2 and ", "c < 3", " and d < 4))") +
+             nested("if a { let b = 1 if c {", "", "} else { let d = 2 let e = 3 } }") + " } }"));
   auto plan = std::make_optional<std::vector<QuindlePlannedSelect>>();
   Diag diag;
   *plan = planQuindle(*doc, diag);

@@ -33,11 +33,11 @@ TEST_F(MaskedLabelsTest, ASecondStepSeesWhatTheFirstChangedAndTwoNewClassesGetTw
                  "classify into \"Two\"\nreport \"{selected}\""),
             "0\n")
       << "a second select narrows the first";
-  EXPECT_EQ(scene.grid()->addedClasses, (std::map<std::uint8_t, std::string>{{23, "One"}}));
+  EXPECT_EQ(scene.grid()->addedClasses, (std::map<std::uint8_t, std::string>{{64, "One"}}));
   const std::uint64_t high = countsOf(*scene.grid()->cloud)[5];
   EXPECT_EQ(said("select class(\"High Vegetation\")\nclassify into \"Two\"\nreport \"{selected}\""),
             std::to_string(high) + "\n");
-  EXPECT_EQ(scene.grid()->addedClasses, (std::map<std::uint8_t, std::string>{{23, "One"}, {24, "Two"}}));
+  EXPECT_EQ(scene.grid()->addedClasses, (std::map<std::uint8_t, std::string>{{64, "One"}, {65, "Two"}}));
 }
 
 TEST_F(MaskedLabelsTest, WhatCannotBeSelectedIsAProblemInWordsAndNotAZero) {

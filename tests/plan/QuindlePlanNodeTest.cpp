@@ -2,6 +2,7 @@
 
 #include "quindle/plan/planQuindle.h"
 #include "tests/plan/planText.h"
+#include "tests/support/goldenCases.h"
 
 #include <algorithm>
 #include <array>
@@ -13,60 +14,14 @@ namespace {
 using Testing::expressionOf;
 using Testing::planOf;
 
-TEST(QuindlePlanNode, DescribesWhatWasPlanned) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"class(\"Ground\") and (neighbours(0.5) < 3 or inside(tile)) and not (Amplitude > 120)",
-       "(class(\"Ground\", \"Classification\") and not field(\"Amplitude\", 120, 1e+300, 0) and "
-       "(neighbours(0.5, 0, 2) or inside(tile)))"},
-      {"below(margin: 0.20, surface: water)", "below(water, 0.20)"},
-      {"Ground == 2", "field(\"Ground\", 2, 2, 0)"},
-      {"class() == 2", "field(\"class\", 2, 2, 0)"},
-      {"a < limit", "field(\"a\", -1e+300, limit, 0)"},
-      {"a <= 1.50", "field(\"a\", -1e+300, 1.50, 0)"},
-      {"neighbours(1) > 3", "neighbours(1, 4, 1000000000)"},
-      {"neighbours(radius: r) >= 3", "neighbours(r, 3, 1000000000)"},
-      {"neighbours(1) <= limit", "neighbours(1, 0, limit)"},
-      {"neighbours(1) == limit", "neighbours(1, limit, limit)"},
-      {"not (expr(\"e\") and inside(a) and not (b < 1 and inside(c)))",
-       "(not expr(\"e\") or not inside(a) or (inside(c) and field(\"b\", -1e+300, 1, 0)))"},
-      {"expr(\"1\") and (inside(a) and (expr(\"2\") and inside(b))) and expr(\"3\") and inside(c)",
-       "(inside(a) and inside(b) and inside(c) and expr(\"1\") and expr(\"2\") and expr(\"3\"))"},
-  };
-  for (const auto& [condition, plan] : cases) EXPECT_EQ(planOf(condition).describe(), plan) << condition;
-}
-
-TEST(QuindlePlanNode, ReportsEveryFaultOfACondition) {
-  const std::string names = "class, field, below, above, vertical, neighbours, inside, within, expr";
-  const std::string endsIn = "A comparison here has to end in a number or a parameter. Use expr(\"...\") for "
-                             "anything more involved.";
-  const std::pair<const char*, std::string> cases[] = {
-      {"Ground", "t:5:1: error: \"Ground\" on its own is not a condition. Compare it with something, or call "
-                 "it as a condition."},
-      {"inside(a) and frob(1) or 3",
-       "t:5:15: error: There is no condition called \"frob\". The ones there are: " + names +
-           ".\nt:5:26: error: This is not a condition."},
-      {"inside(a, b)", "t:5:1: error: \"inside\" takes at most 1 arguments, but 2 were given."},
-      {"below(depth: 1)",
-       "t:5:1: error: \"below\" has no argument called \"depth\". It takes: surface, margin.\nt:5:1: "
-       "error: \"below\" needs its \"surface\" argument: Path of the M8 file holding the surface."},
-      {"not below(water, surface: lake)",
-       "t:5:5: error: The argument \"surface\" of \"below\" is given twice."},
-      {"a > \"x\"", "t:5:1: error: " + endsIn},
-      {"3 > 2", "t:5:1: error: The left of a comparison has to be a field or a count."},
-      {"a != 3",
-       "t:5:1: error: A comparison with != cannot be turned into a range. Write not (... == ...) instead."},
-      {"neighbours() < 3", "t:5:1: error: \"neighbours\" needs exactly one argument here, the radius, when "
-                           "it is compared against a count."},
-      {"neighbours(1) < limit",
-       "t:5:1: error: A neighbour count compared against a parameter has to use <= or >=: turning \"fewer "
-       "than n\" into a range needs n itself, which is only known when the Quindle runs."},
-  };
-  for (const auto& [condition, faults] : cases) {
+TEST(QuindlePlanNode, DescribesThePlansAndFaultsOfTheGoldenDocument) {
+  Testing::expectCases("plan/golden/conditions.md", [](const std::string& condition) {
     QuindlePlanNode plan;
     Diag diag;
-    EXPECT_FALSE(planPredicate(expressionOf(condition), plan, diag, "t")) << condition;
-    EXPECT_EQ(diag.format(), faults) << condition;
-  }
+    const bool good = planPredicate(expressionOf(condition), plan, diag, "t");
+    EXPECT_EQ(good, diag.entries.empty());
+    return good ? plan.describe() : diag.format();
+  });
 }
 
 TEST(QuindlePlanNode, TakesTheNameOfItsFileFromTheDiagnosticsThatItAddsTo) {

@@ -1,6 +1,7 @@
 #include "quindle/plan/evaluateQuindleExpr.h"
 
 #include "tests/plan/planText.h"
+#include "tests/support/goldenCases.h"
 
 namespace Zamt {
 namespace {
@@ -32,41 +33,10 @@ std::string outcome(const QuindleExpr& expr) {
   return value.toSource();
 }
 
-TEST(evaluateQuindleExpr, WorksOutValuesOrSaysWhyNot) {
-  const struct {
-    const char* expression;
-    std::string outcome;
-  } cases[] = {
-      {"both", "\"let\""},
-      {"limit", "8"},
-      {"word > 5", "true"},
-      {"given", "0.5"},
-      {"metres", "\"0.5m\""},
-      {"hex", "16"},
-      {"2 < 3 and nothing", "t.quindle:5:11: error: \"nothing\" has no value here. It is neither a parameter "
-                            "of this Quindle nor set by an earlier \"let\"."},
-      {"3 < 2 and nothing", "false"},
-      {"3 or nothing", "true"},
-      {"0 or \"\" or false", "false"},
-      {"not (1 and not (0 or 2))", "true"},
-      {"region", "t.quindle:5:1: error: The parameter \"region\" takes its value from the application, and "
-                 "none was supplied for this run."},
-      {"bare", "t.quindle:5:1: error: No value for the parameter \"bare\", and it has no default."},
-      {"(1 < class(\"Ground\")) or 1",
-       "t.quindle:5:6: error: \"class\" cannot be worked out here: a \"let\" or an \"if\" is decided before "
-       "the data is touched, and this needs the data."},
-      {"limit == \"a\"", "t.quindle:5:1: error: A number cannot be compared with something that is not one."},
-      {"nan == 1", "true"},
-      {"nan != 1", "false"},
-      {"nan <= 1", "false"},
-      {"\"B\" >= \"a\"", "false"},
-      {"\"a\" < \"ab\"", "true"},
-      {"\"\xc3\xa4\" > \"z\"", "true"},
-      {"flag == false", "false"},
-      {"rgb != flag", "true"},
-  };
-  for (const auto& [expression, result] : cases)
-    EXPECT_EQ(outcome(Testing::expressionOf(expression)), result) << expression;
+TEST(evaluateQuindleExpr, WorksOutTheValuesOfTheGoldenDocumentOrSaysWhyNot) {
+  Testing::expectCases("plan/golden/values.md", [](const std::string& expression) {
+    return outcome(Testing::expressionOf(expression));
+  });
 }
 
 TEST(evaluateQuindleExpr, RefusesTreesThatNoTextGives) {

@@ -6,18 +6,10 @@
 #include "quindle/library/QuindleLibrary.h"
 #include "quindle/plan/QuindleOperation.h"
 #include "quindle/reference/explainQuindle.h"
-#include "tests/support/TemporaryDirectory.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/goldenCases.h"
 
 namespace Zamt::Testing {
 namespace {
-
-void expectGolden(const std::string& name, const std::string& text) {
-  const std::string golden = QUINDLE_SOURCE_DIR "/tests/reference/golden/" + name + ".txt";
-  if (std::getenv("QUINDLE_REFRESH_GOLDEN")) std::ofstream(golden, std::ios::binary) << text;
-  EXPECT_EQ(text, readFile(golden)) << golden;
-}
 
 TEST(Golden, QuindlesAreExplainedInTheseWords) {
   for (const char* directory : {"/examples", "/tests/reference/quindles"}) {
@@ -26,7 +18,7 @@ TEST(Golden, QuindlesAreExplainedInTheseWords) {
     library.scan(QUINDLE_SOURCE_DIR + std::string(directory), diag);
     EXPECT_EQ(diag.format(), "");
     for (const QuindleLibraryEntry* const entry : library.search({}))
-      expectGolden(std::filesystem::path(entry->path).stem(),
+      expectGolden("reference/golden/" + std::filesystem::path(entry->path).stem().string() + ".txt",
                    explainQuindle(entry->document, library.resolver()));
   }
 }
@@ -35,7 +27,7 @@ TEST(Golden, ConditionsAreDescribedInTheseWords) {
   std::string pages = listQuindleOperations("");
   for (const QuindleOperation& operation : allQuindleOperations())
     pages += "\n== \n" + describeQuindleOperation(operation.name);
-  expectGolden("condition-pages", pages);
+  expectGolden("reference/golden/condition-pages.txt", pages);
   EXPECT_EQ(describeQuindleOperation("nothing"), "");
   EXPECT_EQ(listQuindleOperations("Selection/"), listQuindleOperations(""));
   EXPECT_EQ(listQuindleOperations("Selection/BrushFilterByT"),

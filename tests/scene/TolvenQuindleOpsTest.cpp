@@ -3,8 +3,10 @@
 #include "sorbine/VCreator.h"
 #include "sorbine/VScheduler.h"
 #include "tests/support/Panel.h"
+#include "tests/support/goldenCases.h"
 
-#include <gmock/gmock.h>
+#include <array>
+#include <map>
 
 namespace Zamt::Testing {
 
@@ -13,8 +15,6 @@ class LongBrushStroke {};
 namespace {
 
 using Rethold::StrongPtr;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 /// What the tests watch from outside the objects.
 int& fired() {
@@ -102,191 +102,102 @@ class Busy : public VObject {
   }
 };
 
-class TolvenQuindleOpsTest : public ::testing::Test {
-protected:
-  TolvenQuindleOpsTest() {
+/// What a case of the golden document asks of the scene, a line each, and what comes of it.
+class Session {
+public:
+  Session() {
     const auto number = VAcceptInfo::of<double>("height", "number");
     const auto deep = VAcceptInfo::of<double>("depth", "deep");
-    add(registerCreator<Source>("Test", "Source", {}));
-    add(registerCreator<Reader>("Test", "Reader", {0, "", "", {number, deep}}));
-    add(registerCreator<Refuser>("Test", "Refuser", {0, "", "", {number}}));
-    add(registerCreator<Oddity>("Test", "Oddity", {}));
-    add(registerCreator<Heir>("Test", "Heir", {}));
-    add(registerCreator<Busy>("Test", "Busy", {}));
-    add(registerCreator<Twin>("Test", "Twin", {}));
-    add(registerCreator("Test", "Never", {0, "", "", {number}}, [] { return nullptr; }));
+    creators_ = {registerCreator<Source>("Test", "Source", {}),
+                 registerCreator<Reader>("Test", "Reader", {0, "", "", {number, deep}}),
+                 registerCreator<Refuser>("Test", "Refuser", {0, "", "", {number}}),
+                 registerCreator<Oddity>("Test", "Oddity", {}),
+                 registerCreator<Heir>("Test", "Heir", {}),
+                 registerCreator<Busy>("Test", "Busy", {}),
+                 registerCreator<Twin>("Test", "Twin", {}),
+                 registerCreator("Test", "Never", {0, "", "", {number}}, [] { return nullptr; })};
     fired() = 0;
   }
-  ~TolvenQuindleOpsTest() override {
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+  ~Session() {
     VManagedObject::clear();
     for (const auto& creator : creators_) creator->remove();
   }
 
-  void add(const StrongPtr<VCreatorBase>& creator) { creators_.push_back(creator); }
-  std::string make(const std::string& identifier, const std::string& name) {
-    return ops.create("Test/" + identifier, name, diag);
+  std::string play(const std::string& text) {
+    std::string told;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+      std::istringstream words(line);
+      Words about;
+      std::string verb;
+      words >> verb;
+      for (std::string& word : about) words >> word;
+      diag_.clear();
+      told += line + ": " + verbs_.at(verb)(about) + '\n';
+      if (!diag_.entries.empty()) told += "  " + diag_.format() + '\n';
+    }
+    return told;
   }
-  std::string read(const std::string& object, const std::string& slot) {
-    std::string value = "untouched";
-    EXPECT_TRUE(ops.getParam(object, slot, value, diag));
-    return value;
-  }
-  /// An operation has failed with this one message.
-  template <class Outcome>
-  void expectError(const Outcome& outcome, const std::string& message) {
-    EXPECT_EQ(outcome, Outcome());
-    EXPECT_EQ(diag.format(), message);
-    diag.clear();
-  }
-
-  TolvenQuindleOps ops{std::make_shared<ValuePool>()};
-  Diag diag;
 
 private:
+  using Words = std::array<std::string, 4>;
+
+  static std::string yes(bool good) { return good ? "yes" : "no"; }
+
+  static std::string all(const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+    return text;
+  }
+
+  std::string value(const std::string& object, const std::string& slot) {
+    std::string value = "as it was";
+    const bool good = ops_.getParam(object, slot, value, diag_);
+    EXPECT_TRUE(good || value == "as it was");
+    return good ? value : "no";
+  }
+
+  static std::string changed(const std::string& object, const std::string& slot) {
+    return yes(VManagedObject::find<VObject>(object)->getSlot(slot)->changed());
+  }
+
+  static std::string addOrphan(const std::string& name) {
+    VManagedObject::add(std::make_shared<Source>(), name);
+    return "yes";
+  }
+
+  TolvenQuindleOps ops_{std::make_shared<ValuePool>()};
+  Diag diag_;
   std::vector<StrongPtr<VCreatorBase>> creators_;
+  const std::map<std::string, std::function<std::string(const Words&)>> verbs_{
+      {"create", [this](const Words& w) { return ops_.create("Test/" + w[0], w[1], diag_); }},
+      {"read", [this](const Words& w) { return ops_.createConsumer(w[0], w[1], w[2], diag_); }},
+      {"connect", [this](const Words& w) { return yes(ops_.connect(w[0], w[1], w[2], w[3], diag_)); }},
+      {"set", [this](const Words& w) { return yes(ops_.setParam(w[0], w[1], w[2], diag_)); }},
+      {"get", [this](const Words& w) { return value(w[0], w[1]); }},
+      {"fire", [this](const Words& w) { return yes(ops_.fireAction(w[0], w[1], diag_)); }},
+      {"remove", [this](const Words& w) { return yes(ops_.removeObject(w[0], diag_)); }},
+      {"resolve", [this](const Words& w) { return yes(ops_.resolve(w[0], diag_) != nullptr); }},
+      {"exists", [this](const Words& w) { return yes(ops_.exists(w[0])); }},
+      {"source", [this](const Words& w) { return ops_.sourceOf(w[0], w[1]); }},
+      {"creator", [this](const Words& w) { return ops_.creatorOf(w[0]); }},
+      {"status", [this](const Words& w) { return ops_.statusOf(w[0]); }},
+      {"readers", [this](const Words& w) { return all(ops_.consumersOf(w[0])); }},
+      {"publishing", [this](const Words& w) { return all(ops_.objectsPublishing(w[0])); }},
+      {"settle", [this](const Words& /*none*/) { return std::to_string(ops_.settle()); }},
+      {"changed", [](const Words& w) { return changed(w[0], w[1]); }},
+      {"orphan", [](const Words& w) { return addOrphan(w[0]); }},
+      {"fired", [](const Words& /*none*/) { return std::to_string(fired()); }},
+  };
 };
 
-TEST_F(TolvenQuindleOpsTest, CreateGivesTheNameThatTheObjectReallyGot) {
-  EXPECT_EQ(make("Source", "s"), "s");
-  EXPECT_EQ(make("Source", "s"), "s_2");
-  EXPECT_EQ(ops.creatorOf("s_2"), "Test/Source");
-  EXPECT_EQ(diag.format(), "");
-  expectError(make("Source2", "s"), "Test/Source2: error: There is no creator called \"Test/Source2\". "
-                                    "Either the name is wrong or the plugin providing it was not built.");
-  expectError(make("Never", "n"), "Test/Never: error: \"Test/Never\" refused to create an object.");
+TEST(TolvenQuindleOps, DoesAndAnswersWhatTheGoldenDocumentShows) {
+  expectCases("scene/golden/operations.md", [](const std::string& text) { return Session().play(text); });
 }
 
-TEST_F(TolvenQuindleOpsTest, AnUnknownObjectIsAnErrorToWorkOnAndNothingToAskAbout) {
-  const std::string unknown = "ghost: error: There is no object called \"ghost\".";
-  std::string value = "as it was";
-  expectError(ops.setParam("ghost", "size", "1", diag), unknown);
-  expectError(ops.getParam("ghost", "size", value, diag), unknown);
-  expectError(ops.fireAction("ghost", "press", diag), unknown);
-  expectError(ops.createConsumer("ghost", "Test/Reader", "", diag), unknown);
-  expectError(ops.removeObject("ghost", diag), unknown);
-  expectError(ops.resolve("ghost", diag), unknown);
-  EXPECT_EQ(value, "as it was");
-  EXPECT_FALSE(ops.exists("ghost"));
-  EXPECT_EQ(ops.sourceOf("ghost", "height") + ops.creatorOf("ghost") + ops.statusOf("ghost"), "");
-  EXPECT_THAT(ops.consumersOf("ghost"), IsEmpty());
-}
-
-TEST_F(TolvenQuindleOpsTest, ConnectReportsFailuresWithTheReasonIfThereIsOne) {
-  make("Source", "s");
-  make("Reader", "r");
-  make("Refuser", "closed");
-  make("Heir", "h");
-  expectError(ops.connect("closed", "height", "s", "length", diag),
-              "closed: error: Could not attach closed.height to s.length.");
-  expectError(ops.connect("r", "height", "ghost", "", diag),
-              "r: error: Could not attach r.height to ghost: There is no object called \"ghost\".");
-  expectError(ops.connect("ghost", "height", "s", "", diag),
-              "ghost: error: Could not attach ghost.height to s: There is no object called \"ghost\".");
-  expectError(ops.connect("r", "height", "h", "", diag),
-              "r: error: The attachment of r.height to h reported success but did not hold.");
-}
-
-TEST_F(TolvenQuindleOpsTest, ConnectingToNothingAndRemovingTheSourceDetach) {
-  make("Source", "s");
-  make("Reader", "r");
-  ASSERT_TRUE(ops.connect("r", "height", "s", "width", diag));
-  EXPECT_EQ(ops.sourceOf("r", "height"), "s");
-  EXPECT_TRUE(ops.connect("r", "height", "", "", diag));
-  EXPECT_EQ(ops.sourceOf("r", "height"), "");
-  ASSERT_TRUE(ops.connect("r", "height", "s", "", diag));
-  EXPECT_TRUE(ops.removeObject("s", diag));
-  EXPECT_FALSE(ops.exists("s"));
-  EXPECT_EQ(ops.sourceOf("r", "height"), "");
-  EXPECT_EQ(diag.format(), "");
-}
-
-TEST_F(TolvenQuindleOpsTest, ParametersAreWrittenOnInputsAndReadOnBothKinds) {
-  make("Source", "s");
-  EXPECT_TRUE(ops.setParam("s", "size", "2.5", diag));
-  EXPECT_EQ(ops.settle(), 1);
-  EXPECT_EQ(read("s", "size"), "2.5");
-  EXPECT_EQ(read("s", "length"), "2.5");
-  EXPECT_EQ(ops.statusOf("s"), "resting");
-  std::string value;
-  expectError(ops.setParam("s", "length", "1", diag), "s: error: \"s\" has no slot called \"length\".");
-  expectError(ops.getParam("s", "colour", value, diag), "s: error: \"s\" has no slot called \"colour\".");
-  expectError(ops.setParam("s", "size", "big", diag), "s: error: \"big\" is not a value s.size can take.");
-  EXPECT_EQ(read("s", "size"), "2.5");
-  make("Oddity", "o");
-  expectError(ops.setParam("o", "bare", "1", diag), "o: error: \"1\" is not a value o.bare can take.");
-  EXPECT_EQ(read("o", "bare"), "");
-  make("Twin", "t");
-  EXPECT_EQ(read("t", "twin"), "1") << "the input wins the name";
-  // A slot that is about a member is written and read as a whole.
-  expectError(ops.setParam("o", "number", "1", diag), "o: error: \"1\" is not a value o.number can take.");
-  EXPECT_EQ(read("o", "number"), "a panel");
-}
-
-TEST_F(TolvenQuindleOpsTest, FiringAnActionCarriesItOutAndTouchesItsSlot) {
-  make("Source", "s");
-  make("Oddity", "o");
-  ops.settle();
-  const auto slot = VManagedObject::find<VObject>("s")->getSlot("press");
-  EXPECT_FALSE(slot->changed());
-  EXPECT_TRUE(ops.fireAction("s", "press", diag));
-  EXPECT_TRUE(slot->changed());
-  EXPECT_TRUE(ops.fireAction("o", "button", diag)) << "the button is a member of the slot's value";
-  EXPECT_EQ(fired(), 2);
-  for (const std::string name : {"number", "nothing", "bare", "hollow"})
-    expectError(ops.fireAction("o", name, diag), "o: error: \"o." + name + "\" is not an action.");
-  expectError(ops.fireAction("o", "blank", diag), "o: error: \"o.blank\" holds no action to fire.");
-  expectError(ops.fireAction("o", "missing", diag), "o: error: \"o\" has no slot called \"missing\".");
-}
-
-TEST_F(TolvenQuindleOpsTest, ObjectsPublishingLooksForTheWordInTheTypesOfTheOutputs) {
-  make("Reader", "r");
-  make("Source", "b");
-  make("Source", "a");
-  VManagedObject::add(std::make_shared<Source>(), "orphan");
-  EXPECT_EQ(ops.creatorOf("orphan"), "");
-  EXPECT_THAT(ops.objectsPublishing("Brush"), ElementsAre("b", "a"));
-  EXPECT_THAT(ops.objectsPublishing("Grid"), IsEmpty());
-  EXPECT_THAT(ops.objectsPublishing(""), ElementsAre("b", "a")) << "all that have an output";
-}
-
-TEST_F(TolvenQuindleOpsTest, ConsumersAreNamedOnceAndNeverTheObjectItself) {
-  make("Source", "s");
-  make("Reader", "r1");
-  make("Reader", "r2");
-  for (const auto& [reader, slot] :
-       {std::pair{"r2", "height"}, {"r1", "height"}, {"r1", "depth"}, {"s", "size"}})
-    ASSERT_TRUE(ops.connect(reader, slot, "s", "length", diag));
-  EXPECT_THAT(ops.consumersOf("s"), ElementsAre("r2", "r1"));
-  EXPECT_EQ(ops.sourceOf("s", "size"), "") << "its own object is no source";
-}
-
-TEST_F(TolvenQuindleOpsTest, CreateConsumerTakesTheFirstWayOfReadingThatMatches) {
-  make("Source", "s");
-  EXPECT_EQ(ops.createConsumer("s", "Test/Reader", "", diag), "Reader");
-  EXPECT_EQ(ops.sourceOf("Reader", "height"), "s");
-  EXPECT_EQ(ops.createConsumer("s", "Reader", "deep", diag), "Reader_2");
-  EXPECT_EQ(ops.sourceOf("Reader_2", "depth"), "s");
-  EXPECT_EQ(ops.settle(), 3) << "the source and its two new readers";
-  expectError(ops.createConsumer("Reader", "Reader", "", diag),
-              "Reader: error: Nothing can read what \"Reader\" publishes.");
-  for (const auto& [creator, way] : {std::pair{"Test/Oddity", ""}, {"Nobody", ""}, {"Reader", "sideways"}})
-    expectError(ops.createConsumer("s", creator, way, diag),
-                "s: error: \"" + std::string(creator) + "\" cannot read what \"s\" publishes.");
-  for (const std::string creator : {"Never", "Refuser"}) {
-    expectError(ops.createConsumer("s", creator, "", diag),
-                "s: error: \"" + creator + "\" could not be attached to \"s\".");
-    EXPECT_FALSE(ops.exists(creator));
-  }
-}
-
-TEST_F(TolvenQuindleOpsTest, SettleStopsAfterAHundredRoundsAndGoesOnWithTheNextCall) {
-  make("Busy", "b");
-  EXPECT_EQ(ops.settle(), 100);
-  EXPECT_EQ(ops.settle(), 50);
-  EXPECT_EQ(ops.settle(), 0);
-}
-
-TEST_F(TolvenQuindleOpsTest, LoadingTheLibraryMadeItsTwoValueTypesKnown) {
+TEST(TolvenQuindleOps, LoadingTheLibraryMadeItsTwoValueTypesKnown) {
   for (const auto& [type, valueType] :
        {std::pair{Rethold::typeOf<double>(), Rethold::typeOf<VValue<double>>()},
         {Rethold::typeOf<StrongPtr<VAction>>(), Rethold::typeOf<VValue<StrongPtr<VAction>>>()}}) {

@@ -3,6 +3,7 @@
 #include "quindle/runtime/QuindleOps.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -27,11 +28,12 @@ public:
   std::map<std::string, Object> objects; ///< fill before a run to stand for the user's scene
   std::vector<std::string> order;        ///< names in order of creation; for objectsPublishing
   std::set<std::string> refused;         ///< calls, as they would be written down, that fail
-  /// What the slots of a new object hold from the start, by creator.
+  /// What the slots of a new object hold as soon as it is attached to a brush, by creator.
   std::map<std::string, std::map<std::string, std::string>> presets;
   /// What the slots of a new object connect themselves to, by creator.
   std::map<std::string, std::map<std::string, std::string>> feeds;
   int settleResult = 1;
+  std::function<void()> beforeEach = [] {}; ///< In front of each call; may throw.
 
   /// Puts an object of the user's into the scene.
   Object& add(const std::string& name, const std::string& creator, std::vector<std::string> publishes = {}) {
@@ -50,7 +52,6 @@ public:
     std::string given = name;
     for (int n = 2; objects.contains(given); ++n) given = name + "_" + std::to_string(n);
     Object& object = add(given, creator);
-    object.slots = presets[creator];
     object.sources = feeds[creator];
     return given;
   }
@@ -60,6 +61,7 @@ public:
     const std::string from = sourceSlot.empty() ? source : source + "." + sourceSlot;
     if (!record("connect " + object + "." + slot + " <- " + from, diag)) return false;
     objects[object].sources[slot] = from;
+    if (slot == "brush") objects[object].slots.merge(std::map(presets[objects[object].creator]));
     return true;
   }
 
@@ -129,6 +131,7 @@ public:
 
 private:
   bool record(const std::string& call, Diag& diag) {
+    beforeEach();
     calls.push_back(call);
     if (!refused.contains(call)) return true;
     diag.error("refused: " + call, "scene");

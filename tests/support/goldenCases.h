@@ -47,6 +47,13 @@ inline std::string takeLines(std::istream& document, const std::string& end) {
 
 inline std::string asLines(const std::string& text) { return text.empty() ? text : text + '\n'; }
 
+/// Holds a text against the file `name` of tests/, which is written anew with QUINDLE_REFRESH_GOLDEN set.
+inline void expectGolden(const std::string& name, const std::string& text) {
+  const std::string golden = QUINDLE_SOURCE_DIR "/tests/" + name;
+  if (std::getenv("QUINDLE_REFRESH_GOLDEN")) std::ofstream(golden, std::ios::binary) << text;
+  EXPECT_EQ(text, readFile(golden)) << golden;
+}
+
 /// Holds what `outcome` makes of each text against the document `name` of tests/.
 inline void expectCases(const std::string& name,
                         const std::function<std::string(const std::string&)>& outcome) {

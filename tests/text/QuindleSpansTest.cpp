@@ -1,93 +1,29 @@
 #include "quindle/text/QuindleSpans.h"
 
+#include "tests/support/goldenCases.h"
 #include "tests/support/spanFaults.h"
 #include "tests/text/randomText.h"
-
-#include <gtest/gtest.h>
 
 #include <array>
 
 namespace Zamt {
 namespace {
 
-using Role = QuindleSpan::Role;
-
-/// What begins within `text`, a role and its bytes each, where `text` stands between two others.
-std::string spansOf(const std::string& text, const std::string& before = {}, const std::string& behind = {}) {
+/// A line each: its role and its bytes.
+std::string spansOf(const std::string& text) {
   static constexpr std::array<const char*, 19> roles{
       "Keyword",     "Setting",  "Parameter",    "Type",     "Variable", "Object", "Target",
       "Reference",   "Function", "ArgumentName", "Choice",   "Text",     "Number", "Operator",
       "Punctuation", "Comment",  "Placeholder",  "Argument", "Unread"};
-  const std::string whole = before + text + behind;
   std::string out;
-  for (const QuindleSpan& span : quindleSpans(whole)) {
-    if (span.offset < before.size() || span.offset >= before.size() + text.size()) continue;
-    out += (out.empty() ? "" : " | ") + std::string(roles.at(static_cast<std::size_t>(span.role))) + ' ' +
-           whole.substr(span.offset, span.length);
-  }
+  for (const QuindleSpan& span : quindleSpans(text))
+    out += std::string(roles.at(static_cast<std::size_t>(span.role))) + ' ' +
+           text.substr(span.offset, span.length) + '\n';
   return out;
 }
 
-using Case = std::pair<const char*, const char*>;
-
-TEST(QuindleSpans, GiveEveryWordOfAStepItsRole) {
-  const Case cases[] = {
-      {"let x = -1.5 create b = \"C/I\"",
-       "Keyword let | Variable x | Operator = | Operator - | Number 1.5 | Keyword create | Object b | "
-       "Operator = | Text \"C/I\""},
-      {"set a.b = true connect a.b <- c",
-       "Keyword set | Target a.b | Operator = | Keyword true | Keyword connect | Target a.b | Operator <- | "
-       "Target c"},
-      {"classify into as as 2 colour red", "Keyword classify | Keyword into | Reference as | Keyword as | "
-                                           "Number 2 | Keyword colour | Choice red"},
-      {"select not f(a, n: g() <= -2) or h",
-       "Keyword select | Keyword not | Function f | Punctuation ( | Argument a | Reference a | Punctuation , "
-       "| Argument n: g() <= -2 | ArgumentName n | Punctuation : | Function g | Punctuation ( | Punctuation "
-       ") "
-       "| Operator <= | Operator - | Number 2 | Punctuation ) | Keyword or | Reference h"},
-      {"call a.\"b c\" run \"O\"((d) and e)",
-       "Keyword call | Target a. | Text \"b c\" | Keyword run | Text \"O\" | Punctuation ( | "
-       "Argument (d) and e | Punctuation ( | Reference d | Punctuation ) | Keyword and | Reference e | "
-       "Punctuation )"},
-      {"if a { } else { for each i in l { } }",
-       "Keyword if | Reference a | Punctuation { | Punctuation } | Keyword else | Punctuation { | "
-       "Keyword for | Keyword each | Variable i | Keyword in | Reference l | Punctuation { | Punctuation } | "
-       "Punctuation }"},
-      {"report \"{a}{} {b\\\"{c} {\"",
-       "Keyword report | Text \"{a}{} {b\\\"{c} {\" | Placeholder a | Placeholder  | Placeholder b\\\"{c"},
-      {"# c\nreport /* d\n*/ \"x\" // e",
-       "Comment # c | Keyword report | Comment /* d\n*/ | Text \"x\" | Comment // e"},
-  };
-  for (const auto& [text, spans] : cases)
-    EXPECT_EQ(spansOf(text, "quindle \"a\" { on run {\n", "\n} }"), spans);
-}
-
-TEST(QuindleSpans, GoOnInATextThatIsFaultyToItsEnd) {
-  const Case cases[] = {
-      {"quindle \"a\" { tags \"t\", \"u\" enabled false param p : T.u = pick [0 .. (b, 1)] \"h\" on key "
-       "\"K\" { } }",
-       "Keyword quindle | Text \"a\" | Punctuation { | Setting tags | Text \"t\" | Punctuation , | Text "
-       "\"u\" "
-       "| Setting enabled | Keyword false | Keyword param | Parameter p | Punctuation : | Type T.u | "
-       "Operator = | Choice pick | Punctuation [ | Number 0 | Punctuation .. | Punctuation ( | Choice b | "
-       "Punctuation , | Number 1 | Punctuation ) | Punctuation ] | Text \"h\" | Keyword on | Keyword key | "
-       "Text \"K\" | Punctuation { | Punctuation } | Punctuation }"},
-      {"quindle \"a\" { on run { let x 3 oh let y f(",
-       "Keyword quindle | Text \"a\" | Punctuation { | Keyword on | Keyword run | Punctuation { | Keyword "
-       "let "
-       "| Variable x | Number 3 | Unread oh | Keyword let | Unread y | Unread f | Punctuation ("},
-      {"quindle \"a\" { on run { select f(a, ",
-       "Keyword quindle | Text \"a\" | Punctuation { | Keyword on | Keyword run | Punctuation { | "
-       "Keyword select | Function f | Punctuation ( | Argument a | Reference a | Punctuation ,"},
-      {"quindle \"a\" { icon \"x\n/* never", "Keyword quindle | Text \"a\" | Punctuation { | Setting icon | "
-                                             "Text \"x | Comment /* never"},
-      {"quindle \"a\" { } x \"y\" # c",
-       "Keyword quindle | Text \"a\" | Punctuation { | Punctuation } | Unread x "
-       "| Text \"y\" | Comment # c"},
-      {"what \"is\" 5", "Unread what | Text \"is\" | Number 5"},
-      {"", ""},
-  };
-  for (const auto& [text, spans] : cases) EXPECT_EQ(spansOf(text), spans);
+TEST(QuindleSpans, GiveEveryWordTheRoleOfTheGoldenDocument) {
+  Testing::expectCases("text/golden/spans.md", spansOf);
 }
 
 TEST(QuindleSpans, LeaveOnlyWhiteSpaceOutOfAnyText) {

@@ -1,6 +1,7 @@
 #include "quindle/text/writeQuindle.h"
 
 #include "tests/support/dumpDocument.h"
+#include "tests/support/goldenCases.h"
 #include "tests/support/parsed.h"
 #include "tests/support/smallStack.h"
 #include "tests/text/randomText.h"
@@ -34,84 +35,12 @@ std::string written(const QuindleDocument& doc) {
   return text.substr(before.size(), text.size() - before.size() - behind.size());
 }
 
-/// A text, and what it is written as.
-using Case = std::pair<const char*, const char*>;
-
-TEST(WriteQuindle, LaysOutTheFile) {
-  const Case cases[] = {
-      {"quindle \"\" { }", "quindle \"\" {\n}\n"},
-      {"quindle \"a \\\"b\\\"\" { enabled true description \"\" category \"c\" }",
-       "quindle \"a \\\"b\\\"\" {\n    category \"c\"\n}\n"},
-      {"quindle \"a\" { description \"d\" on load { } }",
-       "quindle \"a\" {\n    description \"d\"\n\n    on load {\n    }\n}\n"},
-      {"quindle \"a\" { on load { } param t : Text }",
-       "quindle \"a\" {\n    param t : Text\n\n    on load {\n    }\n}\n"},
-      {"quindle \"a\" { description \"old\" enabled false tags \"t\", \"\" tags \"u\" version \"1\" author "
-       "\"me\" shortcut \"U\" "
-       "icon \"i\"\ncategory \"c\" on key \"\" { } description \"d\"\r\non tile.enter{}\n"
-       "param n:Number=2[0..5]\"how many\" param a : Grid = active param b : Region = brush\n"
-       "param p : Surface = pick param c : Class = Ground param s : T.u = (1, (), --.50, \"x\") on load { } "
-       "}",
-       "quindle \"a\" {\n"
-       "    description \"d\"\n"
-       "    category \"c\"\n"
-       "    icon \"i\"\n"
-       "    shortcut \"U\"\n"
-       "    author \"me\"\n"
-       "    version \"1\"\n"
-       "    tags \"t\", \"\", \"u\"\n"
-       "    enabled false\n"
-       "\n"
-       "    param n : Number = 2 [0 .. 5] \"how many\"\n"
-       "    param a : Grid = active\n"
-       "    param b : Region = brush\n"
-       "    param p : Surface = pick\n"
-       "    param c : Class = Ground\n"
-       "    param s : T.u = (1, (), --.50, \"x\")\n"
-       "\n"
-       "    on key \"\" {\n    }\n"
-       "\n"
-       "    on tile.enter {\n    }\n"
-       "\n"
-       "    on load {\n    }\n"
-       "}\n"},
-  };
-  for (const auto& [text, expected] : cases) {
+TEST(WriteQuindle, WritesTheLayoutOfTheGoldenDocumentAndReadsItBack) {
+  Testing::expectCases("text/golden/layout.md", [](const std::string& text) {
     const QuindleDocument doc = parsed(text);
-    EXPECT_EQ(writeQuindle(doc), expected);
     expectReadsBack(doc);
-  }
-}
-
-TEST(WriteQuindle, LaysOutSteps) {
-  const Case cases[] = {
-      {"let x=1e-3 create b=\"C/I\"", "        let x = 1e-3\n        create b = \"C/I\"\n"},
-      {"select and < not let x = or or or", "        select and < not\n        let x = or or or\n"},
-      {"classify into \"G\" as 2 colour (0.20, 1)", "        classify into \"G\" as 2 color (0.20, 1)\n"},
-      {"classify into as as color color red", "        classify into as as color color red\n"},
-      {"set a.b = \"x\\r\\q\\\n\" connect a.b<-c",
-       "        set a.b = \"xrq\\n\"\n        connect a.b <- c\n"},
-      {"call a.\"b_2\" call x call a.\"b c\"(y:1,z)",
-       "        call a.b_2()\n        call x()\n        call a.\"b c\"(y: 1, z)\n"},
-      {"call a.\"b\" call a.\"b.c d\" call a.\"b c.d\" call a.\"b c.\"",
-       "        call a.b()\n        call a.b.\"c d\"()\n        call a.\"b c.d\"()\n        call a.\"b "
-       "c.\"()\n"},
-      {"run \"O p\"(f(a:(1),not b)) report \"\t{n}\r\"",
-       "        run \"O p\"(f(a: 1, not b))\n        report \"\\t{n}\r\"\n"},
-      {"if a { } else { } if b { select c } else { if d { } else { # e\n } }",
-       "        if a {\n        }\n"
-       "        if b {\n            select c\n        }\n"
-       "        else {\n            if d {\n            }\n            else {\n                # e\n"
-       "            }\n        }\n"},
-      {"for each i in f(x) { // c\n for each j in i { report \"\" } } // d\n",
-       "        for each i in f(x) {\n            # c\n            for each j in i {\n"
-       "                report \"\"\n            }\n        }\n        # d\n"},
-  };
-  for (const auto& [text, expected] : cases) {
-    const QuindleDocument doc = parsedRun(text);
-    EXPECT_EQ(written(doc), expected);
-    expectReadsBack(doc);
-  }
+    return writeQuindle(doc);
+  });
 }
 
 TEST(WriteQuindle, LosesOnlyTheEmptyCommentsAndTheNestingThatTheLayoutDoesNotKeep) {

@@ -1,17 +1,15 @@
 #include "host/clouds/las/LasBuilder.h"
 
-#include "files/AtomicFile.h"
-#include "host/clouds/BlockTable.h"
 #include "host/clouds/las/LasLayout.h"
+#include "host/clouds/las/PointSummary.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <limits>
 #include <mutex>
-#include <oneapi/tbb/blocked_range.h>
-#include <oneapi/tbb/parallel_for.h>
+#include <optional>
 #include <type_traits>
+#include <utility>
 
 namespace Zamt::Host {
 
@@ -19,25 +17,6 @@ namespace {
 
 constexpr std::size_t longestFieldName = 32;
 constexpr std::uint16_t usesWkt = 16; ///< Bit of the global encoding that the formats from 6 on ask for.
-
-/// What the header says of all points together.
-struct Summary {
-  std::array<std::int32_t, 3> low;
-  std::array<std::int32_t, 3> high;
-  std::array<std::uint64_t, 15> byReturn{};
-
-  Summary() {
-    low.fill(std::numeric_limits<std::int32_t>::max());
-    high.fill(std::numeric_limits<std::int32_t>::min());
-  }
-  void add(const Summary& other) {
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-      low[axis] = std::min(low[axis], other.low[axis]);
-      high[axis] = std::max(high[axis], other.high[axis]);
-    }
-    for (std::size_t i = 0; i < byReturn.size(); ++i) byReturn[i] += other.byReturn[i];
-  }
-};
 
 /// The nearest number of the type; 0 for what is no number.
 template <class T>
@@ -109,12 +88,11 @@ public:
   std::size_t extraCount() const { return extra_.size(); }
   std::size_t pointOffset() const { return headerOf14 + records().size(); }
 
-  void writePoint(const NewPoint& point, std::byte* at, Summary& summary) const;
-  std::vector<std::byte> head(std::uint64_t points, const Summary& summary) const;
+  void writePoint(const NewPoint& point, std::byte* at) const;
+  std::vector<std::byte> head() const;
 
 private:
   std::vector<std::byte> records() const;
-  void writeRanges(std::byte* header, const Summary& summary) const;
 
   const NewCloud& description_;
   std::size_t length_;
@@ -127,12 +105,10 @@ private:
   std::vector<Component> extra_;
 };
 
-void Builder::writePoint(const NewPoint& point, std::byte* at, Summary& summary) const {
+void Builder::writePoint(const NewPoint& point, std::byte* at) const {
   for (std::size_t axis = 0; axis < 3; ++axis) {
     const auto stored =
         nearest<std::int32_t>((point.position[axis] - description_.origin[axis]) / description_.scale[axis]);
-    summary.low[axis] = std::min(summary.low[axis], stored);
-    summary.high[axis] = std::max(summary.high[axis], stored);
     writeAt(at + 4 * axis, stored);
   }
   writeAt(at + 12, point.intensity);
@@ -145,7 +121,6 @@ void Builder::writePoint(const NewPoint& point, std::byte* at, Summary& summary)
   if (description_.pointFormat == 8) writeAt(at + 36, point.infrared);
   for (std::size_t i = 0; i < extra_.size(); ++i)
     writeNumber(at + extra_[i].at, extra_[i].type, point.extra[i]);
-  if (point.returnNumber >= 1 && point.returnNumber <= 15) ++summary.byReturn[point.returnNumber - 1U];
 }
 
 void addRecord(std::uint16_t id, const std::vector<std::byte>& data, std::vector<std::byte>& records) {
@@ -181,19 +156,7 @@ std::vector<std::byte> Builder::records() const {
   return result;
 }
 
-void Builder::writeRanges(std::byte* header, const Summary& summary) const {
-  for (std::size_t axis = 0; axis < 3; ++axis) {
-    const double scale = description_.scale[axis];
-    const double origin = description_.origin[axis];
-    writeAt(header + HeaderAt::scale + 8 * axis, scale);
-    writeAt(header + HeaderAt::origin + 8 * axis, origin);
-    if (summary.low[axis] > summary.high[axis]) continue; // no points
-    writeAt(header + HeaderAt::ranges + 16 * axis, summary.high[axis] * scale + origin);
-    writeAt(header + HeaderAt::ranges + 16 * axis + 8, summary.low[axis] * scale + origin);
-  }
-}
-
-std::vector<std::byte> Builder::head(std::uint64_t points, const Summary& summary) const {
+std::vector<std::byte> Builder::head() const {
   std::vector<std::byte> result(headerOf14);
   std::byte* const header = result.data();
   std::memcpy(header, "LASF", 4);
@@ -209,14 +172,10 @@ std::vector<std::byte> Builder::head(std::uint64_t points, const Summary& summar
   writeAt(header + HeaderAt::vlrCount, recordCount);
   header[HeaderAt::pointFormat] = static_cast<std::byte>(description_.pointFormat);
   writeAt(header + HeaderAt::recordLength, static_cast<std::uint16_t>(length_));
-  if (description_.pointFormat < 6 && points <= std::numeric_limits<std::uint32_t>::max()) {
-    writeAt(header + HeaderAt::legacyCount, static_cast<std::uint32_t>(points));
-    for (std::size_t i = 0; i < 5; ++i)
-      writeAt(header + HeaderAt::legacyByReturn + 4 * i, static_cast<std::uint32_t>(summary.byReturn[i]));
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    writeAt(header + HeaderAt::scale + 8 * axis, description_.scale[axis]);
+    writeAt(header + HeaderAt::origin + 8 * axis, description_.origin[axis]);
   }
-  writeAt(header + HeaderAt::count, points);
-  writeAt(header + HeaderAt::byReturn, summary.byReturn);
-  writeRanges(header, summary);
   const std::vector<std::byte> behind = records();
   result.insert(result.end(), behind.begin(), behind.end());
   return result;
@@ -245,50 +204,73 @@ std::string descriptionProblem(const NewCloud& cloud) {
   return {};
 }
 
-/// Fills and writes the points, block by block and blocks in parallel.
-bool writePoints(const Builder& builder, std::uint64_t points, const FillPoint& fill, AtomicFile& file,
-                 Summary& summary, std::string& error) {
-  std::mutex gathering;
-  std::atomic<bool> failed{false};
-  const NewPoint blank = [&] {
-    NewPoint point;
-    point.extra.resize(builder.extraCount());
-    return point;
-  }();
-  const std::uint64_t blocks = (points + blockPoints - 1) / blockPoints;
-  tbb::parallel_for(std::uint64_t{0}, blocks, [&](std::uint64_t block) {
-    if (failed) return;
-    const std::uint64_t first = block * blockPoints;
-    const std::uint64_t count = std::min<std::uint64_t>(blockPoints, points - first);
-    std::vector<std::byte> buffer(static_cast<std::size_t>(count) * builder.recordLength());
-    Summary part;
-    NewPoint point;
-    for (std::uint64_t i = 0; i < count; ++i) {
-      point = blank;
-      fill(first + i, point);
-      builder.writePoint(point, buffer.data() + i * builder.recordLength(), part);
+class MadePoints : public LasSource {
+public:
+  /// The file is made of `builder`, whose description outlives this; `fill` does so as well.
+  MadePoints(Builder builder, std::uint64_t points, const FillPoint& fill)
+      : builder_(std::move(builder)), fill_(fill), blocks_(BlockTable::even(points)) {}
+
+  bool describeFile(const std::string& path, std::string& error) {
+    file_.path = path;
+    file_.made = builder_.head();
+    if (!readFrame(file_.bytes(), path, file_.layout, error)) return false;
+    summary_.emplace(file_.layout);
+    return true;
+  }
+
+  const LasFile& file() const override { return file_; }
+  const BlockTable& blocks() const override { return blocks_; }
+  LasStretch pointData() const override { return {file_.layout.pointOffset, 0}; }
+  void removeOwnRecords(LasEdits& /*edits*/) const override {}
+  void describePoints(LasEdits& edits) const override { summary_->describe(file_.bytes(), edits); }
+  std::unique_ptr<RecordReader> makeRecordReader() const override { return std::make_unique<Reader>(*this); }
+
+private:
+  /// Makes points as they are read.
+  class Reader : public RecordReader {
+  public:
+    explicit Reader(const MadePoints& points) : points_(points) {
+      blank_.extra.resize(points.builder_.extraCount());
     }
-    std::string problem;
-    const bool good = file.write(builder.pointOffset() + first * builder.recordLength(), buffer, problem);
-    const std::lock_guard lock(gathering);
-    summary.add(part);
-    if (!good && !failed.exchange(true)) error = problem;
-  });
-  return !failed;
-}
+
+    bool read(std::size_t block, std::size_t from, std::span<std::byte> records,
+              std::string& /*problem*/) override {
+      std::uint64_t number = points_.blocks_.first(block) + from;
+      for (std::size_t at = 0; at < records.size(); at += points_.builder_.recordLength()) {
+        point_ = blank_;
+        points_.fill_(number++, point_);
+        points_.builder_.writePoint(point_, &records[at]);
+      }
+      PointSummary part(points_.file_.layout);
+      part.add(records);
+      const std::lock_guard lock(points_.gathering_);
+      points_.summary_->add(part);
+      return true;
+    }
+
+  private:
+    const MadePoints& points_;
+    NewPoint blank_;
+    NewPoint point_;
+  };
+
+  Builder builder_;
+  const FillPoint& fill_;
+  BlockTable blocks_;
+  LasFile file_;
+  mutable std::mutex gathering_;
+  mutable std::optional<PointSummary> summary_; ///< Once the layout is known.
+};
 
 } // namespace
 
-bool buildLas(const NewCloud& description, std::uint64_t points, const FillPoint& fill,
-              const std::string& path, const Stop& stop, std::string& error) {
+std::unique_ptr<const LasSource> makePoints(const NewCloud& description, std::uint64_t points,
+                                            const FillPoint& fill, const std::string& path,
+                                            std::string& error) {
   error = descriptionProblem(description);
-  if (!error.empty()) return false;
-  const Builder builder(description);
-  const auto file = AtomicFile::create(path, error, &stop);
-  if (!file || !file->reserve(builder.pointOffset() + points * builder.recordLength(), error)) return false;
-  Summary summary;
-  if (!writePoints(builder, points, fill, *file, summary, error)) return false;
-  return file->write(0, builder.head(points, summary), error) && file->commit(error);
+  if (!error.empty()) return nullptr;
+  auto made = std::make_unique<MadePoints>(Builder(description), points, fill);
+  return made->describeFile(path, error) ? std::move(made) : nullptr;
 }
 
 } // namespace Zamt::Host

@@ -91,6 +91,7 @@ bool LasEdits::writeAdded(AtomicFile& file, std::string& error) const {
 
 bool moveHeaderPlaces(std::span<const std::byte> input, const LasLayout& layout, const std::string& path,
                       LasEdits& edits, std::string& error) {
+  if (!recordsClearPoints(input, layout, path, error)) return false;
   const std::uint64_t points = edits.movedPoints(layout.pointOffset);
   if (points > std::numeric_limits<std::uint32_t>::max()) {
     error = "The header of \"" + path +

@@ -76,8 +76,8 @@ void replaceNumber(LasEdits& edits, std::size_t at, T value) {
 }
 
 /// Has the header say where things are in the output; call it once all other edits are there. A place that is
-/// not kept becomes 0. False, with a sentence in `error` that names `path`, when the points would start
-/// further on than a header can say.
+/// not kept becomes 0. False, with a sentence in `error` that names `path`, when records begin inside
+/// of the points, or these would start further on than a header can say.
 bool moveHeaderPlaces(std::span<const std::byte> input, const LasLayout& layout, const std::string& path,
                       LasEdits& edits, std::string& error);
 

@@ -1,8 +1,8 @@
 #include "host/clouds/las/LasFormat.h"
 
+#include "host/clouds/las/KeptPoints.h"
 #include "host/clouds/las/LasCompatibility.h"
 #include "host/clouds/las/LasWriter.h"
-#include "host/clouds/las/extractLas.h"
 
 #include <cstring>
 #include <utility>
@@ -73,7 +73,8 @@ public:
 
   bool extract(const PointMask& kept, const std::string& path, const Stop& stop,
                std::string& error) const override {
-    return extractLas(file_, about_.blocks, kept, path, stop, error);
+    const KeptPoints points(*this, kept);
+    return writeAsLas(points, ClassOverlay(points.blocks()), {}, path, stop, error);
   }
 
   std::string_view ending() const override { return ".las"; }

@@ -321,13 +321,15 @@ std::string truncationProblem(std::size_t size, const LasLayout& layout, const s
          " points but it holds only " + std::to_string(room) + ". Fetch the file again from where it came.";
 }
 
-/// Finds the second class of points of a compatible file.
-void findSecondClass(std::span<const std::byte> bytes, LasLayout& layout) {
+/// Finds what points of a compatible file have a second time.
+void findSecondFields(std::span<const std::byte> bytes, LasLayout& layout) {
   const LasRecord* const extra = layout.findSpecRecord(extraBytesId);
   if (layout.versionMinor >= 4 || !extra || !layout.findRecord(compatibleUserId, compatibleRecordId)) return;
   const auto found =
       findCompatibility(bytes.subspan(extra->data, extra->length), layout.pointFormat, layout.recordLength);
-  if (found) layout.secondClassAt = found->classAt;
+  if (!found) return;
+  layout.secondClassAt = found->classAt;
+  layout.moreReturnsAt = found->returnsAt;
 }
 
 } // namespace
@@ -378,12 +380,29 @@ bool readFrame(std::span<const std::byte> bytes, const std::string& path, LasLay
 }
 
 void readFields(std::span<const std::byte> bytes, std::uint64_t pointsEnd, LasLayout& layout) {
+  layout.pointsEnd = pointsEnd;
   std::erase_if(layout.records,
                 [&](const LasRecord& record) { return record.extended && record.head < pointsEnd; });
   addStandardFields(bytes.data(), layout);
   addExtraFields(bytes, layout);
   readClassNames(bytes, layout);
-  findSecondClass(bytes, layout);
+  findSecondFields(bytes, layout);
+}
+
+bool recordsClearPoints(std::span<const std::byte> bytes, const LasLayout& layout, const std::string& path,
+                        std::string& error) {
+  const auto isInside = [&](std::size_t at) {
+    const auto start = readAt<std::uint64_t>(&bytes[at]);
+    return start >= layout.pointOffset && start < layout.pointsEnd;
+  };
+  const bool hasWaveforms = layout.versionMinor >= 3 && layout.headerSize >= HeaderAt::evlrStart;
+  const bool hasEvlrs = layout.versionMinor >= 4 && layout.headerSize >= headerOf14 &&
+                        readAt<std::uint32_t>(&bytes[HeaderAt::evlrCount]) != 0;
+  if (!(hasWaveforms && isInside(HeaderAt::waveformStart)) && !(hasEvlrs && isInside(HeaderAt::evlrStart)))
+    return true;
+  error = "The header of \"" + path +
+          "\" says that records begin inside of the points. Write it anew with the program it came from.";
+  return false;
 }
 
 bool readLayout(std::span<const std::byte> bytes, const std::string& path, LasLayout& layout,

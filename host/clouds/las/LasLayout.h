@@ -122,11 +122,13 @@ struct LasLayout {
   std::size_t pointOffset = 0;
   std::size_t recordLength = 0;
   std::uint64_t points = 0;
-  std::size_t classAt = 0;    ///< Bytes from the start of a point record to its class,
-  std::uint8_t classMask = 0; ///< and the bits of that byte which hold it; they are the lowest.
+  std::uint64_t pointsEnd = 0; ///< Where the bytes end that store them.
+  std::size_t classAt = 0;     ///< Bytes from the start of a point record to its class,
+  std::uint8_t classMask = 0;  ///< and the bits of that byte which hold it; they are the lowest.
   /// Where points of a compatible file (see LasCompatibility) have their class a second time.
   std::optional<std::size_t> secondClassAt;
-  std::size_t classField = 0; ///< The place of the class in `fields`.
+  std::optional<std::size_t> moreReturnsAt; ///< Where those have what their return numbers lack.
+  std::size_t classField = 0;               ///< The place of the class in `fields`.
   std::vector<LasField> fields;
   std::vector<LasRecord> records; ///< Those that are sound: the first broken one ends the list.
   std::size_t vlrEnd = 0;         ///< Behind the last sound VLR.
@@ -161,8 +163,13 @@ bool readFrame(std::span<const std::byte> bytes, const std::string& path, LasLay
                std::string& error);
 
 /// Reads what the records say of the points and their classes, those before `pointsEnd` and the ones behind.
-/// An EVLR that reaches into the points is no record.
+/// An EVLR that begins inside of the points is no record.
 void readFields(std::span<const std::byte> bytes, std::uint64_t pointsEnd, LasLayout& layout);
+
+/// Whether no record is said to begin inside of the points, where one of the two would be damaged by a change
+/// of the other. False with a sentence in `error` that names `path`.
+bool recordsClearPoints(std::span<const std::byte> bytes, const LasLayout& layout, const std::string& path,
+                        std::string& error);
 
 /// What is said of a file whose header can't be true. `what` is the end of a sentence.
 std::string headerDamaged(const std::string& path, const std::string& what);

@@ -15,14 +15,15 @@ class RecordReader {
 public:
   virtual ~RecordReader() = default;
 
-  /// Fills `records` with those of a block from its point `from` on, which begin at 0 or where the records
-  /// read before ended. False, with a sentence in `problem` that names the file, when the block is damaged;
-  /// that may show only with the last record of it.
+  /// Fills `records` with those of a block from its point `from` on. To begin at 0, or where the records read
+  /// before ended, is cheap; anything else may take decoding those in front of it. False, with a sentence in
+  /// `problem` that names the file, when the block is damaged; that may show only with the last record of
+  /// it.
   virtual bool read(std::size_t block, std::size_t from, std::span<std::byte> records,
                     std::string& problem) = 0;
 };
 
-/// A file of LAS or of a format based on it, as writers of the others need it.
+/// Points with the file that they are in, LAS or of a format based on it, as writers of all of them need it.
 class LasSource {
 public:
   virtual ~LasSource() = default;
@@ -37,6 +38,9 @@ public:
   virtual void removeOwnRecords(LasEdits& edits) const = 0;
 
   virtual std::unique_ptr<RecordReader> makeRecordReader() const = 0;
+
+  /// Has the header say of the points what it does not yet, once all of them were read.
+  virtual void describePoints(LasEdits& /*edits*/) const {}
 };
 
 /// Gives records that lie one after the other other classes, one each.

@@ -137,12 +137,14 @@ bool writeAsLas(const LasSource& source, const ClassOverlay& changed,
   source.removeOwnRecords(edits);
   replaceNumber(edits, HeaderAt::pointFormat, static_cast<std::uint8_t>(layout.pointFormat));
   const LasStretch old = source.pointData();
-  edits.replacePoints(old.from, old.from + old.size, layout.points * layout.recordLength);
+  edits.replacePoints(old.from, old.from + old.size, source.blocks().points() * layout.recordLength);
   if (!moveHeaderPlaces(input.bytes(), layout, input.path, edits, error)) return false;
   const auto file = AtomicFile::create(path, error, &stop);
-  return file && file->reserve(edits.moved(input.bytes().size()), error) &&
-         writeBlocks(source, changed, {*file, edits.movedPoints(layout.pointOffset)}, error) &&
-         edits.writeTo(input.bytes(), *file, error) && file->commit(error);
+  if (!file || !file->reserve(edits.moved(input.bytes().size()), error) ||
+      !writeBlocks(source, changed, {*file, edits.movedPoints(layout.pointOffset)}, error))
+    return false;
+  source.describePoints(edits);
+  return edits.writeTo(input.bytes(), *file, error) && file->commit(error);
 }
 
 bool writeLas(const LasFile& input, const BlockTable& blocks, const ClassOverlay& changed,

@@ -17,8 +17,8 @@ bool writeLas(const LasFile& input, const BlockTable& blocks, const ClassOverlay
               const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
               std::string& error);
 
-/// Writes the points of a file of another format, with their classes as changed, as LAS. All records stay but
-/// those that only mean something to that format.
+/// Writes the points of a source, with their classes as changed, as LAS. All records stay but those that only
+/// mean something to the points as they were stored.
 bool writeAsLas(const LasSource& source, const ClassOverlay& changed,
                 const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
                 std::string& error);

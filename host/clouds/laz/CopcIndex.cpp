@@ -14,6 +14,7 @@ constexpr std::size_t centre = 0;
 constexpr std::size_t half = 24;
 constexpr std::size_t rootOffset = 40;
 constexpr std::size_t rootSize = 48;
+constexpr std::size_t times = 56;
 } // namespace InfoAt
 
 /// Bytes from the start of an entry to its parts.
@@ -177,8 +178,10 @@ void moveCopcPlaces(const LasFile& file, const CopcIndex& index, std::span<const
   std::vector<std::byte> changed(data.begin(), data.end());
   for (const CopcNode& node : index.nodes) {
     std::byte* const entry = &changed[node.entry - hierarchy.data];
-    writeAt(entry + EntryAt::offset, written[node.chunk].offset);
-    writeAt(entry + EntryAt::size, static_cast<std::int32_t>(written[node.chunk].size));
+    const LazChunk& chunk = written[node.chunk];
+    writeAt(entry + EntryAt::offset, chunk.points == 0 ? 0 : chunk.offset);
+    writeAt(entry + EntryAt::size, static_cast<std::int32_t>(chunk.size));
+    writeAt(entry + EntryAt::points, static_cast<std::int32_t>(chunk.points));
   }
   for (const std::size_t at : index.pages) {
     std::byte* const entry = &changed[at - hierarchy.data];
@@ -187,6 +190,10 @@ void moveCopcPlaces(const LasFile& file, const CopcIndex& index, std::span<const
   const std::size_t root = info.data + InfoAt::rootOffset;
   replaceNumber(edits, root, edits.moved(readAt<std::uint64_t>(&file.bytes()[root])));
   edits.replace(hierarchy.data, std::move(changed));
+}
+
+void setCopcTimes(const LasFile& file, const CopcIndex& index, std::array<double, 2> times, LasEdits& edits) {
+  replaceNumber(edits, file.layout.records[index.info].data + InfoAt::times, times);
 }
 
 } // namespace Zamt::Host

@@ -59,8 +59,12 @@ bool isCopc(const LasLayout& layout);
 bool readCopcIndex(const LasFile& file, std::span<const LazChunk> chunks, CopcIndex& index,
                    std::string& error);
 
-/// Has the hierarchy tell of the chunks as they are written. `edits` hold all that moves the hierarchy.
+/// Has the hierarchy tell of the chunks as they are written, those that are left without points included.
+/// `edits` hold all that moves the hierarchy.
 void moveCopcPlaces(const LasFile& file, const CopcIndex& index, std::span<const LazChunk> written,
                     LasEdits& edits);
+
+/// Has the info tell of these as the least and the greatest GPS time.
+void setCopcTimes(const LasFile& file, const CopcIndex& index, std::array<double, 2> times, LasEdits& edits);
 
 } // namespace Zamt::Host

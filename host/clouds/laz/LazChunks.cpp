@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <ranges>
 
 namespace Zamt::Host {
 
@@ -185,17 +186,19 @@ bool findLazChunks(const LazFormat& format, std::span<const std::byte> file, con
 
 std::vector<std::byte> lazChunkTable(const LazFormat& format, std::span<const LazChunk> chunks) {
   std::vector<std::byte> table(tableHead);
-  store(&table[4], static_cast<std::uint32_t>(chunks.size()));
-  if (chunks.empty()) return table;
+  const auto hasPoints = [](const LazChunk& chunk) { return chunk.points != 0; };
+  const auto count = static_cast<std::uint32_t>(std::ranges::count_if(chunks, hasPoints));
+  store(&table[4], count);
+  if (count == 0) return table;
   GrowingBytes bytes;
   RangeEncoder coder;
   coder.start(bytes);
   auto numbers = std::make_unique<TableCoder<RangeEncoder>>(format.isVariable());
-  for (const LazChunk& chunk : chunks) {
-    std::uint32_t count = chunk.points;
+  for (const LazChunk& chunk : chunks | std::views::filter(hasPoints)) {
+    std::uint32_t points = chunk.points;
     auto size = static_cast<std::uint32_t>(chunk.size);
     coder.proceed();
-    numbers->code(coder, count, size);
+    numbers->code(coder, points, size);
   }
   const auto stream = coder.finish();
   table.insert(table.end(), stream.begin(), stream.end());

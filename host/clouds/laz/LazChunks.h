@@ -43,7 +43,8 @@ struct LazChunks {
 bool findLazChunks(const LazFormat& format, std::span<const std::byte> file, const LazPointData& data,
                    const std::string& path, LazChunks& found, std::string& error);
 
-/// The chunk table of these chunks, of which the number of points and the size count.
+/// The chunk table of these chunks, of which the number of points and the size count; those without points
+/// are left out.
 std::vector<std::byte> lazChunkTable(const LazFormat& format, std::span<const LazChunk> chunks);
 
 } // namespace Zamt::Host

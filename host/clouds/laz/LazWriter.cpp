@@ -84,6 +84,38 @@ private:
   tbb::enumerable_thread_specific<Local> locals_;
 };
 
+/// The chunks of a COPC file with some of their points; those without any are empty.
+class KeptChunks : public LazChunkMaker {
+public:
+  KeptChunks(const LazFile& input, const KeptPoints& kept)
+      : kept_(kept), locals_([&input, &kept] {
+          return Local{kept.makeRecordReader(), LazEncoder(input.coding), {}};
+        }) {}
+
+  std::span<const std::byte> original(std::size_t /*chunk*/) const override { return {}; }
+
+  bool make(std::size_t chunk, std::vector<std::byte>& bytes, std::string& problem) override {
+    const std::size_t points = kept_.blocks().count(chunk);
+    if (points == 0) return true;
+    Local& local = locals_.local();
+    local.records.resize(points * kept_.file().layout.recordLength);
+    if (!local.reader->read(chunk, 0, local.records, problem)) return false;
+    local.encoder.add(local.records);
+    local.encoder.finish(bytes);
+    return true;
+  }
+
+private:
+  struct Local {
+    std::unique_ptr<RecordReader> reader;
+    LazEncoder encoder;
+    std::vector<std::byte> records;
+  };
+
+  const KeptPoints& kept_;
+  tbb::enumerable_thread_specific<Local> locals_;
+};
+
 bool isAnyChanged(const LazFile& input, const ClassOverlay& changed) {
   for (std::size_t chunk = 0; chunk < input.chunks.chunks.size(); ++chunk)
     if (!changed.of(chunk).empty()) return true;
@@ -107,6 +139,14 @@ bool writeFrame(const LazFile& input, const std::vector<LazChunk>& written, LasE
   moveSpecialRecords(input, edits);
   if (input.copc) moveCopcPlaces(input, *input.copc, written, edits);
   return edits.writeTo(input.bytes(), file, error);
+}
+
+/// The chunks of blocks, one for each.
+std::vector<LazChunk> chunksOf(const BlockTable& blocks) {
+  std::vector<LazChunk> chunks;
+  for (std::size_t block = 0; block < blocks.size(); ++block)
+    chunks.push_back({blocks.first(block), static_cast<std::uint32_t>(blocks.count(block)), 0, 0});
+  return chunks;
 }
 
 std::vector<LazChunk> evenChunks(std::uint64_t points, std::uint32_t chunkSize) {
@@ -147,6 +187,22 @@ bool writeLaz(const LazFile& input, const ClassOverlay& changed, const std::vect
   return writeFrame(input, chunks, edits, *file, error) && file->commit(error);
 }
 
+bool writeKeptNodes(const LazFile& input, const KeptPoints& kept, const std::string& path, const Stop& stop,
+                    std::string& error) {
+  LasEdits edits;
+  const auto file = AtomicFile::create(path, error, &stop);
+  if (!file) return false;
+  const std::uint64_t start = input.layout.pointOffset;
+  KeptChunks maker(input, kept);
+  std::vector<LazChunk> chunks = chunksOf(kept.blocks());
+  std::uint64_t end = 0;
+  if (!writeLazChunks(input.coding, maker, start, *file, chunks, end, error)) return false;
+  edits.replacePoints(input.layout.pointOffset, input.keptFrom(), end - start);
+  kept.describePoints(edits);
+  setCopcTimes(input, *input.copc, kept.summary().times(), edits);
+  return writeFrame(input, chunks, edits, *file, error) && file->commit(error);
+}
+
 bool writeAsLaz(const LasSource& source, const ClassOverlay& changed,
                 const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
                 std::string& error) {
@@ -163,12 +219,13 @@ bool writeAsLaz(const LasSource& source, const ClassOverlay& changed,
   const auto file = AtomicFile::create(path, error, &stop);
   if (!file) return false;
   const std::uint64_t start = edits.movedPoints(layout.pointOffset);
-  std::vector<LazChunk> chunks = evenChunks(layout.points, format.chunkSize);
+  std::vector<LazChunk> chunks = evenChunks(source.blocks().points(), format.chunkSize);
   NewChunks maker(source, changed, format, chunks);
   std::uint64_t end = 0;
   if (!writeLazChunks(format, maker, start, *file, chunks, end, error)) return false;
   const LasStretch old = source.pointData();
   edits.replacePoints(old.from, old.from + old.size, end - start);
+  source.describePoints(edits);
   return moveHeaderPlaces(input.bytes(), layout, input.path, edits, error) &&
          edits.writeTo(input.bytes(), *file, error) && file->commit(error);
 }

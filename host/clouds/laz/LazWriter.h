@@ -2,6 +2,7 @@
 
 #include "files/Stop.h"
 #include "host/clouds/ClassOverlay.h"
+#include "host/clouds/las/KeptPoints.h"
 #include "host/clouds/las/LasSource.h"
 #include "host/clouds/laz/LazFile.h"
 
@@ -16,8 +17,13 @@ namespace Zamt::Host {
 bool writeLaz(const LazFile& input, const ClassOverlay& changed, const std::vector<ClassName>& addedNames,
               const std::string& path, const Stop& stop, std::string& error);
 
-/// Writes the points of a file of another format, with their classes as changed, as LAZ. All records stay but
-/// those that only mean something to that format.
+/// Writes those of the points of a COPC file that are kept, as `CloudFormat::extract` asks: in their nodes,
+/// so that the tree is the same with fewer points.
+bool writeKeptNodes(const LazFile& input, const KeptPoints& kept, const std::string& path, const Stop& stop,
+                    std::string& error);
+
+/// Writes the points of a source, with their classes as changed, as LAZ. All records stay but those that only
+/// mean something to the points as they were stored.
 bool writeAsLaz(const LasSource& source, const ClassOverlay& changed,
                 const std::vector<ClassName>& addedNames, const std::string& path, const Stop& stop,
                 std::string& error);

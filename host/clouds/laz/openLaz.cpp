@@ -1,5 +1,6 @@
 #include "host/clouds/laz/openLaz.h"
 
+#include "host/clouds/las/KeptPoints.h"
 #include "host/clouds/las/LasSource.h"
 #include "host/clouds/laz/LazDecoder.h"
 #include "host/clouds/laz/LazReader.h"
@@ -18,19 +19,45 @@ public:
   bool read(std::size_t block, std::size_t from, std::span<std::byte> records,
             std::string& problem) override {
     const LazChunk& chunk = file_.chunks.chunks[block];
-    const std::vector<LazColumn> columns = recordColumns(file_.coding, records.data());
-    const std::size_t count = records.size() / file_.coding.recordLength;
     std::string damage;
-    if ((from != 0 || decoder_.begin(file_.chunk(block), chunk.points, columns, false, damage)) &&
-        decoder_.next(count, columns, damage) && (from + count < chunk.points || decoder_.finish(damage)))
+    if (goTo(block, from, damage) && next(records, damage) &&
+        (next_ < chunk.points || decoder_.finish(damage)))
       return true;
+    block_ = none;
     problem = chunkDamaged(file_.path, block, chunk.offset, damage);
     return false;
   }
 
 private:
+  static constexpr std::size_t none = ~std::size_t{0};
+
+  bool goTo(std::size_t block, std::size_t from, std::string& damage) {
+    if (block == block_ && from == next_ && from != 0) return true;
+    block_ = block;
+    next_ = 0;
+    skipped_.resize(std::min<std::size_t>(from, blockPoints) * file_.coding.recordLength);
+    std::byte place{};
+    const auto columns = recordColumns(file_.coding, &place);
+    if (!decoder_.begin(file_.chunk(block), file_.chunks.chunks[block].points, columns, false, damage))
+      return false;
+    while (next_ < from) {
+      const std::size_t count = std::min<std::size_t>(from - next_, blockPoints);
+      if (!next(std::span(skipped_).first(count * file_.coding.recordLength), damage)) return false;
+    }
+    return true;
+  }
+
+  bool next(std::span<std::byte> records, std::string& damage) {
+    const std::size_t count = records.size() / file_.coding.recordLength;
+    next_ += count;
+    return decoder_.next(count, recordColumns(file_.coding, records.data()), damage);
+  }
+
   const LazFile& file_;
   LazDecoder decoder_;
+  std::size_t block_ = none;
+  std::size_t next_ = 0; ///< The point of the block that the decoder is at.
+  std::vector<std::byte> skipped_;
 };
 
 class LazCloud : public CloudFormat, public LasSource {
@@ -51,6 +78,13 @@ public:
   bool write(const ClassOverlay& changed, const std::vector<ClassName>& addedNames, const std::string& path,
              const Stop& stop, std::string& error) const override {
     return writeLaz(file_, changed, addedNames, path, stop, error);
+  }
+
+  bool extract(const PointMask& kept, const std::string& path, const Stop& stop,
+               std::string& error) const override {
+    const KeptPoints points(*this, kept);
+    return file_.copc ? writeKeptNodes(file_, points, path, stop, error)
+                      : writeAsLaz(points, ClassOverlay(points.blocks()), {}, path, stop, error);
   }
 
   std::string_view ending() const override { return file_.copc ? ".copc.laz" : ".laz"; }

@@ -1,3 +1,4 @@
+#include "host/session/cloudClasses.h"
 #include "host/verbs/clouds/oneLine.h"
 #include "host/verbs/clouds/runJob.h"
 #include "host/verbs/verbs.h"
@@ -6,13 +7,23 @@ namespace Zamt::Host {
 
 namespace {
 
+/// The class, by the name that a file of the command has for it where it is written as a number.
+std::string classOf(const Request& request, const Stop& stop) {
+  const std::string& written = request.text("class");
+  if (written.find_first_not_of("0123456789") != std::string::npos) return written;
+  for (const CloudClasses& cloud : classesOfFiles(request.texts("cloud"), stop))
+    for (const ClassName& named : cloud.names)
+      if (std::to_string(named.number) == written) return named.name;
+  return written;
+}
+
 Answer classify(const Request& request, const Context& context) {
   if (request.text("into") != "into" || request.text("class").empty())
     return refused(Status::Usage, "The word \"into\" and a class stand behind the condition, as in  quindle "
                                   "classify 'z > 430' into \"High Noise\" lake.las -o out.las");
   Job job;
   Answer answer;
-  if (!readOneLine(request, request.text("class"), context, job, answer)) return answer;
+  if (!readOneLine(request, classOf(request, context.stop), context, job, answer)) return answer;
   std::string problem;
   const Status planned = readOutputs(request, job, problem);
   if (planned != Status::Done) return refused(planned, problem);

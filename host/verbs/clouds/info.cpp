@@ -1,5 +1,7 @@
 #include "host/clouds/cloudInfo.h"
 #include "host/clouds/openCloud.h"
+#include "host/session/cloudClasses.h"
+#include "host/verbs/clouds/infoStats.h"
 #include "host/verbs/options.h"
 #include "host/verbs/texts.h"
 #include "host/verbs/verbs.h"
@@ -19,14 +21,23 @@ namespace {
 struct Inspected {
   std::string path;
   CloudInfo info;
+  CloudClasses classes;            ///< What it calls them.
+  std::optional<CloudStats> stats; ///< If asked for.
 };
 
-bool inspect(const std::string& path, const Stop& stop, CloudInfo& info, Diag& diag) {
+bool inspect(Inspected& inspected, bool measured, const Stop& stop, Diag& diag) {
   std::string problem;
-  const std::shared_ptr<PointCloud> cloud = openCloud(path, problem);
-  if (cloud && inspectCloud(*cloud, stop, info, problem)) return true;
-  diag.error(problem, path);
-  return false;
+  const std::shared_ptr<PointCloud> cloud = openCloud(inspected.path, problem);
+  bool good = cloud != nullptr;
+  if (good && measured) {
+    good = measureCloud(*cloud, stop, inspected.stats.emplace(), problem);
+    if (good) inspected.info = infoOf(*cloud, *inspected.stats);
+  } else if (good) {
+    good = inspectCloud(*cloud, stop, inspected.info, problem);
+  }
+  if (good) inspected.classes = classesOf(*cloud);
+  if (!good) diag.error(problem, inspected.path);
+  return good;
 }
 
 /// "uint16", or "float[3]" for several components.
@@ -61,12 +72,14 @@ std::string fieldsText(const CloudInfo& info) {
   return text;
 }
 
-std::string classesText(const CloudInfo& info) {
-  if (info.classes.empty()) return {};
+std::string classesText(const Inspected& cloud) {
+  if (cloud.info.classes.empty()) return {};
   std::string text = fmt::format("  {:>5}  {:>15}  {}\n", "class", "points", "name");
-  for (const ClassCount& entry : info.classes)
-    text += fmt::format("  {:>5}  {:>15}  {}\n", entry.number, grouped(entry.points),
-                        entry.name.empty() ? "-" : entry.name);
+  for (const ClassCount& entry : cloud.info.classes) {
+    const std::string name = nameOfClass(cloud.classes, entry.number);
+    text +=
+        fmt::format("  {:>5}  {:>15}  {}\n", entry.number, grouped(entry.points), name.empty() ? "-" : name);
+  }
   return text;
 }
 
@@ -89,7 +102,8 @@ std::string infoText(const Inspected& cloud) {
     for (std::size_t axis = 0; axis < 3; ++axis)
       text += fmt::format("  {}  {} .. {}\n", "xyz"[axis], coordinateText(info.bounds.low[axis]),
                           coordinateText(info.bounds.high[axis]));
-  return text + fieldsText(info) + classesText(info);
+  text += fieldsText(info) + classesText(cloud);
+  return cloud.stats ? text + statsText(*cloud.stats, cloud.classes) : text;
 }
 
 /// The number of a text of digits: programs get what people read.
@@ -112,10 +126,6 @@ Data fieldData(const FieldRange& field) {
                 {"high", endOf(field, field.high)}};
 }
 
-Data classData(const ClassCount& entry) {
-  return Fields{{"number", entry.number}, {"name", entry.name}, {"points", entry.points}};
-}
-
 Data layerData(const Compression::Layer& layer) {
   return Fields{{"name", layer.name}, {"bytes", layer.bytes}};
 }
@@ -136,23 +146,30 @@ Data boundsData(const Bounds& bounds) {
 
 Data infoData(const Inspected& cloud) {
   const CloudInfo& info = cloud.info;
-  return Fields{{"file", cloud.path},
-                {"version", fmt::format("1.{}", info.versionMinor)},
-                {"pointFormat", info.pointFormat},
-                {"points", info.points},
-                {"compression", compressionData(info.compression)},
-                {"bounds", boundsData(info.bounds)},
-                {"fields", Data::list(info.fields, fieldData)},
-                {"classes", Data::list(info.classes, classData)}};
+  const auto classData = [&cloud](const ClassCount& entry) -> Data {
+    return Fields{{"number", entry.number},
+                  {"name", nameOfClass(cloud.classes, entry.number)},
+                  {"points", entry.points}};
+  };
+  Fields data{{"file", cloud.path},
+              {"version", fmt::format("1.{}", info.versionMinor)},
+              {"pointFormat", info.pointFormat},
+              {"points", info.points},
+              {"compression", compressionData(info.compression)},
+              {"bounds", boundsData(info.bounds)},
+              {"fields", Data::list(info.fields, fieldData)},
+              {"classes", Data::list(info.classes, classData)}};
+  if (cloud.stats) data.push_back({"stats", statsData(*cloud.stats, cloud.classes)});
+  return data;
 }
 
 Answer showInfo(const Request& request, const Context& context) {
   Answer answer;
   for (const std::string& path : request.texts("cloud")) {
     if (context.stop.requested()) break;
-    Inspected cloud{path, {}};
+    Inspected cloud{path, {}, {}, {}};
     Diag diag;
-    const bool good = inspect(path, context.stop, cloud.info, diag);
+    const bool good = inspect(cloud, request.flag("stats"), context.stop, diag);
     if (!good) answer.status = Status::Failed;
     context.deliver(answer, good ? partOf(std::move(diag), std::move(cloud), infoText, infoData)
                                  : Part{std::move(diag), {}, {}, {}});
@@ -167,17 +184,23 @@ Verb infoVerb() {
   return {.name = "info",
           .summary = "Show what clouds hold. Fields come with their ranges, classes with their counts.",
           .footer = "Example:\n  quindle info lake.las",
-          .options = {{.name = "cloud",
-                       .kind = Option::Kind::Texts,
-                       .help = "The clouds: LAS or LAZ files.",
-                       .placeholder = "CLOUD",
-                       .argument = true,
-                       .required = true,
-                       .names = Option::Names::Cloud},
-                      jsonOption("Print JSON: \"clouds\" with file, version, pointFormat, points, "
-                                 "compression (compressor, chunks, bytes, layers), bounds (low, high), "
-                                 "fields (name, type, components, low, high) and classes (number, name, "
-                                 "points) of each, and \"diagnostics\".")},
+          .options =
+              {{.name = "cloud",
+                .kind = Option::Kind::Texts,
+                .help = "The clouds: LAS or LAZ files.",
+                .placeholder = "CLOUD",
+                .argument = true,
+                .required = true,
+                .names = Option::Names::Cloud},
+               {.name = "stats",
+                .kind = Option::Kind::Flag,
+                .help = "Tell also, of each field, mean, deviation and a histogram, and of each class "
+                        "where its points lie and how densely."},
+               jsonOption(
+                   "Print JSON: \"clouds\" with file, version, pointFormat, points, "
+                   "compression (compressor, chunks, bytes, layers), bounds (low, high), "
+                   "fields (name, type, components, low, high) and classes (number, name, "
+                   "points) of each, with --stats also stats (fields, classes, all), and \"diagnostics\".")},
           .listName = "clouds",
           .run = showInfo};
 }

@@ -64,6 +64,7 @@ struct Total {
 
 /// Of one cloud its own line says it all.
 std::string totalText(const Total& total) {
+  if (total.clouds.empty()) return {};
   if (total.clouds.size() == 1) return selectedText(total.clouds[0]);
   return fmt::format("in all: {} of {} in {}\n", grouped(total.kept), countOf(total.points, "point"),
                      countOf(total.good, "cloud")) +
@@ -133,7 +134,7 @@ Answer selectPoints(const Job& job, const Context& context, Answer answer) {
       last = std::move(said);
   };
   std::string problem;
-  if (!selectClouds(job, {context.stop, context.progress, finished}, problem))
+  if (!selectClouds(job, {context.stop, context.progress, finished, noticeTo(answer, context)}, problem))
     return refused(Status::Usage, problem);
   if (context.stop.requested()) answer.status = Status::Failed;
   Part all = partOf(std::move(last), std::move(total), totalText, totalData);

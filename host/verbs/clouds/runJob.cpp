@@ -145,8 +145,7 @@ Option outcomesJsonOption() {
       "Print JSON: \"clouds\" with file, ok, report, output, changes (class, name, considered, modified, "
       "from), moves (from, fromName, to, toName, points) and files (that actions write) of each, "
       "\"summary\" with changed, unchanged, failed (how many of them), moves and failures (kind, clouds, "
-      "first, "
-      "why) of all, and \"diagnostics\".");
+      "first, why) of all, and \"diagnostics\".");
 }
 
 std::vector<Option> jobOptions() {
@@ -178,6 +177,13 @@ Status readOutputs(const Request& request, Job& job, std::string& problem) {
   return Status::Done;
 }
 
+std::function<void(Diag)> noticeTo(Answer& answer, const Context& context) {
+  return [&](Diag diag) {
+    if (diag.errorCount != 0) answer.status = Status::Failed;
+    context.deliver(answer, {std::move(diag), {}, {}, {}});
+  };
+}
+
 Answer carryOut(const Job& job, const Context& context, Answer answer) {
   const auto summary = std::make_shared<RunSummary>();
   const auto finished = [&](Outcome outcome, Diag said) {
@@ -189,7 +195,7 @@ Answer carryOut(const Job& job, const Context& context, Answer answer) {
     context.deliver(answer, std::move(part));
   };
   std::string problem;
-  if (!runClouds(job, {context.stop, context.progress, finished}, problem))
+  if (!runClouds(job, {context.stop, context.progress, finished, noticeTo(answer, context)}, problem))
     return refused(Status::Usage, problem);
   if (context.stop.requested()) answer.status = Status::Failed;
   if (job.clouds.size() > 1) answer.summary.text = [summary] { return summary->text(); };

@@ -3,6 +3,7 @@
 #include "host/session/runClouds.h"
 #include "host/verbs/Verb.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,9 @@ bool readJob(const Request& request, const Context& context, Job& job, std::stri
 /// Gives a job its clouds with the places that `outputOptions` say. What is not `Status::Done` comes with a
 /// sentence in `problem`.
 Status readOutputs(const Request& request, Job& job, std::string& problem);
+
+/// Hands on what is said of all clouds of a command, which fails if there is an error in it.
+std::function<void(Diag)> noticeTo(Answer& answer, const Context& context);
 
 /// Runs a job and adds what it came to to the answer, with a summary.
 Answer carryOut(const Job& job, const Context& context, Answer answer);

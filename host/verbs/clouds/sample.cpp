@@ -12,7 +12,7 @@ namespace Zamt::Host {
 
 namespace {
 
-/// The generator keeps all points in memory; this many (inclusive) take some 8 GB.
+/// Inclusive. The generator keeps up to three bytes of each point, so that this many take some 400 MB.
 constexpr std::uint64_t maxSamplePoints = 100'000'000;
 constexpr std::uint64_t defaultSamplePoints = 200'000;
 constexpr std::uint64_t defaultSeed = 1;
@@ -85,7 +85,7 @@ Verb sampleVerb() {
               "same numbers give the same files.",
           .footer = "Example:\n  quindle sample lake.las --seed 2",
           .options = {{.name = "out",
-                       .help = "The LAS file to make.",
+                       .help = "The LAS file to make; LAZ if its name ends in .laz.",
                        .placeholder = "OUT",
                        .argument = true,
                        .required = true,

@@ -18,8 +18,6 @@ using Kind = QuindleExpr::Kind;
 /// Below this many letters one letter makes another word too easily, as in "Rail" and "Rain".
 constexpr std::size_t fewestLetters = 6;
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
 bool isNumber(std::string_view name) {
   return !name.empty() && std::all_of(name.begin(), name.end(), isDigit);
 }

@@ -1,6 +1,7 @@
 #include "quindle/check/advice/expressionTextAdvice.h"
 
 #include "quindle/check/advice/fieldAdvice.h"
+#include "quindle/core/AsciiText.h"
 #include "quindle/text/signWords.h"
 
 #include <algorithm>
@@ -10,13 +11,8 @@ namespace Zamt {
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
-/// Bytes of other alphabets are letters, as fields may be named in any language.
-bool isLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
-         static_cast<unsigned char>(c) >= 0x80;
-}
+/// Bytes of other alphabets count, as fields may be named in any language.
+bool beginsName(char c) { return isLetter(c) || c == '_' || static_cast<unsigned char>(c) >= 0x80; }
 
 class ExpressionTextAdvice {
 public:
@@ -26,7 +22,7 @@ public:
   void advise() {
     while (!rest_.empty()) {
       const char c = rest_.front();
-      if (isLetter(c) || isDigit(c))
+      if (beginsName(c) || isDigit(c))
         readWord();
       else if (c == '\'')
         readQuotedName();
@@ -44,7 +40,7 @@ private:
   /// A number counts as a word, as its exponent has letters in it.
   void readWord() {
     const auto end = std::find_if(rest_.begin(), rest_.end(),
-                                  [](char c) { return !isLetter(c) && !isDigit(c) && c != '.'; });
+                                  [](char c) { return !beginsName(c) && !isDigit(c) && c != '.'; });
     const std::string_view word = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
     rest_.remove_prefix(word.size());
     if (isDigit(word.front()) || isCoordinate(word)) return;

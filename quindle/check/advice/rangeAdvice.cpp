@@ -1,5 +1,6 @@
 #include "quindle/check/advice/rangeAdvice.h"
 
+#include "quindle/core/AsciiText.h"
 #include "quindle/core/Numbers.h"
 #include "quindle/core/PointVocabulary.h"
 
@@ -55,7 +56,7 @@ Whole wholeOf(const QuindlePlanNode& plan) {
 
 /// Whether a field of this name can stand on the left of a comparison.
 bool isWord(const std::string& name) {
-  return !name.empty() && !(name.front() >= '0' && name.front() <= '9') && quindleIdentifier(name) == name;
+  return !name.empty() && !isDigit(name.front()) && quindleIdentifier(name) == name;
 }
 
 /// A condition that sets one end and leaves the other open.

@@ -2,11 +2,10 @@
 
 #include "host/clouds/laz/LazChunks.h"
 #include "host/clouds/laz/LazDecoder.h"
+#include "tests/support/TemporaryDirectory.h"
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,8 +22,7 @@ class LazFile {
 public:
   explicit LazFile(Bytes content) : bytes(std::move(content)) { read(); }
   static LazFile at(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(in), {}};
+    const std::string text = readFile(path);
     const auto data = std::as_bytes(std::span(text));
     return LazFile({data.begin(), data.end()});
   }
