@@ -18,10 +18,12 @@ bool endsIn(const std::string& path, std::string_view ending) {
                                                     path.end(), ending.begin(), same);
 }
 
-/// What is to be one is told of where the directory turns out to be missing.
-bool isDirectory(const std::string& path) {
+/// Whether a path is a directory's, there or not, or that of a device or the like: what is wrong with these
+/// is told by who writes.
+bool isNoFile(const std::string& path) {
   std::error_code unknown;
-  return path.ends_with('/') || std::filesystem::is_directory(path, unknown);
+  return path.ends_with('/') ||
+         (std::filesystem::exists(path, unknown) && !std::filesystem::is_regular_file(path, unknown));
 }
 
 std::string refusalOf(Option::Names names, const std::string& value) {
@@ -29,7 +31,7 @@ std::string refusalOf(Option::Names names, const std::string& value) {
     return "A cloud can't be read from standard input, since its points are read in any order. Write it to a "
            "file, and name that.";
   if (names == Option::Names::CloudOutput && !endsIn(value, ".las") && !endsIn(value, ".laz") &&
-      !isDirectory(value))
+      !isNoFile(value))
     return fmt::format(
         "\"{}\" does not say how to write the cloud. Let the name end in .las or .laz, or name a "
         "directory that is there.",

@@ -24,10 +24,11 @@ std::vector<NamedMove> RunSummary::moves() const {
 }
 
 std::string RunSummary::text() const {
-  std::string text =
-      fmt::format("in all: {}, {} {}, {} {}", countOf(changed_ + unchanged_ + failures_.count(), "cloud"),
-                  grouped(changed_), preview_ ? "would change" : "changed", grouped(unchanged_),
-                  preview_ ? "would not" : "unchanged");
+  const std::uint64_t clouds = changed_ + unchanged_ + failures_.count();
+  if (clouds == 0) return {}; // the run was refused as a whole
+  std::string text = fmt::format("in all: {}, {} {}, {} {}", countOf(clouds, "cloud"), grouped(changed_),
+                                 preview_ ? "would change" : "changed", grouped(unchanged_),
+                                 preview_ ? "would not" : "unchanged");
   if (failures_.count() != 0) text += fmt::format(", {} failed", grouped(failures_.count()));
   return text + '\n' + movesText(moves()) + failures_.text();
 }
