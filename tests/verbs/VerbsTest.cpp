@@ -1,5 +1,6 @@
 #include "host/verbs/verbs.h"
 
+#include "host/cli/progressLine.h"
 #include "host/cli/shownBytes.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/environment.h"
@@ -184,6 +185,16 @@ TEST_F(VerbsTest, WithoutStandardInputADashIsTheNameOfAFile) {
   const Answer answer = call("check", {{"quindle", Texts{"-"}}});
   EXPECT_EQ(answer.status, Status::Failed);
   EXPECT_THAT(answer.parts.at(0).diag.firstError(), testing::StartsWith("There is no Quindle called \"-\"."));
+}
+
+TEST(ProgressLine, TellsSpeedAndTimeLeftAsSoonAsThereIsSomethingToTellThemFrom) {
+  using Seconds = std::chrono::duration<double>;
+  EXPECT_EQ(progressLine({"a.las", 0, 2, 0.5, 1000}, Seconds(0.1), Seconds(0.1)),
+            "[=======                       ] 0 of 2  a.las");
+  EXPECT_EQ(progressLine({"b.las", 1, 2, 0.5, 9000}, Seconds(60), Seconds(3)),
+            "[======================        ] 1 of 2  b.las  1,500 points a second  20 s left");
+  EXPECT_EQ(progressLine({"a.las", 0, 1, 0.01, 100}, Seconds(1), Seconds(1)),
+            "[                              ] 0 of 1  a.las  1 point a second  1:39 min left");
 }
 
 TEST(ShownBytes, AreThoseThatBelongToNoCharacter) {

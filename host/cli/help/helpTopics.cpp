@@ -216,6 +216,8 @@ column of 0 means none. Wrong usage is told on standard error even so.
   quindle info --json lake.las
 
 Colour and progress appear only on a terminal, and never when NO_COLOR is set.
+Progress tells how far the work is, how many points of the cloud at hand it
+gets through in a second, and about how long the rest will take.
 There, too, the texts of "reference" and "help" are shown by a pager.
 
 Files are written whole or not at all: beside the old one first, then in its
