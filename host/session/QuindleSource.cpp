@@ -3,6 +3,7 @@
 #include "host/session/Collection.h"
 #include "host/session/adviseOnText.h"
 #include "quindle/library/QuindleFiles.h"
+#include "quindle/plan/diagnoseQuindle.h"
 #include "quindle/text/parseQuindle.h"
 
 #include <fmt/format.h>
@@ -111,7 +112,11 @@ bool QuindleReader::load(const std::string& which, QuindleDocument& document, Di
 
 bool QuindleReader::loadAdvised(const std::string& which, QuindleDocument& document, Diag& diag) const {
   QuindleSource source;
-  if (!read(which, source, diag) || !parseQuindle(source.text, source.label, document, diag)) return false;
+  if (!read(which, source, diag)) return false;
+  Diag said;
+  if (!parseQuindle(source.text, source.label, document, said))
+    return diagnoseQuindle(source.text, source.label, document, diag); // which has more to say of it
+  diag.absorb(said);
   adviseOnText(document, source.text, diag);
   return true;
 }
