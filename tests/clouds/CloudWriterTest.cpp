@@ -200,7 +200,7 @@ TEST_F(CloudWriterTest, AFileThatNoOtherMayReplaceIsRefusedWithAnotherWay) {
   for (const Perms of : {readOnly, everybodys | Perms::sticky_bit}) {
     std::filesystem::permissions(path(), of);
     EXPECT_TRUE(Testing::asNobody([&] {
-      return refusal(*open(file), {}, file) == "The directory \"" + path() +
+      return refusal(*openWell(file), {}, file) == "The directory \"" + path() +
                                                    "\" lets no other file take the place of \"" + file +
                                                    "\". Write to another directory with -o.";
     }));
