@@ -3,6 +3,7 @@
 #include "host/cli/Pager.h"
 #include "host/cli/jsonText.h"
 #include "host/cli/shownBytes.h"
+#include "host/session/nearest.h"
 
 #include <utility>
 
@@ -20,12 +21,14 @@ const char* wordOf(Diag::Severity severity) {
 }
 
 /// A line or column of 0 means none.
-Data entryData(const Diag::Entry& entry) {
-  return Fields{{"severity", wordOf(entry.severity)},
+Data entryData(const Diag::Entry& entry, const std::string& about) {
+  Fields fields{{"severity", wordOf(entry.severity)},
                 {"message", shownBytes(entry.message)},
                 {"file", shownBytes(entry.file)},
                 {"line", entry.line},
                 {"column", entry.column}};
+  if (!about.empty()) fields.emplace_back("cloud", shownBytes(about));
+  return fields;
 }
 
 } // namespace
@@ -52,29 +55,37 @@ Status AnswerPrinter::finish(const Answer& answer) {
       gather(part);
     else
       showText(part, answer.isLong);
-  if (asJson_) showJson();
+  if (asJson_)
+    showJson(answer.summary);
+  else
+    showText(answer.summary, answer.isLong);
   return answer.status;
 }
 
 void AnswerPrinter::showText(const Part& part, bool isLong) {
-  console_.report(part.diag, part.source);
+  console_.report(withNearestNames(part.diag), part.source, part.about);
   const std::string text = part.text ? part.text() : std::string();
   if (!text.empty() && (!isLong || !showPaged(text))) console_.print(text);
   console_.report(part.remarks);
 }
 
 void AnswerPrinter::gather(const Part& part) {
-  diag_.absorb(part.diag);
+  for (const Diag::Entry& entry : withNearestNames(part.diag).entries)
+    said_.push_back(entryData(entry, part.about));
   if (part.data) data_.push_back(part.data());
 }
 
-void AnswerPrinter::showJson() {
+void AnswerPrinter::showJson(const Part& summary) {
   Fields fields;
   if (!verb_.listName.empty())
     fields.emplace_back(verb_.listName.c_str(), std::move(data_));
   else if (!data_.empty())
     fields = std::get<Fields>(std::move(data_.front().value));
-  fields.emplace_back("diagnostics", Data::list(diag_.entries, entryData));
+  if (summary.data) {
+    Data more = summary.data();
+    for (auto& field : std::get<Fields>(more.value)) fields.push_back(std::move(field));
+  }
+  fields.emplace_back("diagnostics", std::move(said_));
   console_.print(jsonText(fields));
 }
 

@@ -20,13 +20,13 @@ public:
 private:
   void showText(const Part& part, bool isLong);
   void gather(const Part& part);
-  void showJson();
+  void showJson(const Part& summary);
 
   const Verb& verb_;
   const bool asJson_;
   Console& console_;
   Data::List data_; ///< Of the parts so far, of those that have any.
-  Diag diag_;       ///< Likewise.
+  Data::List said_; ///< Their diagnostics.
 };
 
 } // namespace Zamt::Host

@@ -94,9 +94,23 @@ private:
   std::map<std::string, CLI::Option*> byName_;
 };
 
+/// An option that the verb has, where the first word that it does not know looks like one.
+std::string nearestOption(const CLI::App& command, const Program& program) {
+  const std::vector<std::string> words = command.remaining();
+  const Verb* const verb = findVerb(program, command.get_name());
+  if (words.empty() || verb == nullptr || !words.front().starts_with("--")) return {};
+  std::vector<std::string> names{"--" + program.help.name};
+  for (const Option& option : verb->options)
+    if (!option.argument && !option.hidden) names.push_back("--" + option.name);
+  return didYouMean(words.front().substr(0, words.front().find('=')), names);
+}
+
 /// What is wrong with the command line, in a sentence.
 std::string complaint(const CLI::App& app, const Program& program, const CLI::ParseError& problem) {
-  if (!app.get_subcommands().empty()) return problem.what();
+  if (const std::vector<CLI::App*> chosen = app.get_subcommands(); !chosen.empty()) {
+    const std::string offer = nearestOption(*chosen.front(), program);
+    return offer.empty() ? problem.what() : fmt::format("{}.{}", problem.what(), offer);
+  }
   const std::vector<std::string> words = app.remaining();
   if (words.empty()) return "No command is named.";
   std::vector<std::string> names;

@@ -1,5 +1,6 @@
 #include "host/cli/Console.h"
 
+#include "host/cli/progressLine.h"
 #include "host/cli/quotedPlace.h"
 #include "host/cli/shownBytes.h"
 
@@ -27,6 +28,12 @@ const char* colourOf(Diag::Severity severity) {
   case Diag::Severity::Error: break;
   }
   return "\x1b[31m";
+}
+
+std::string lineOf(const Diag::Entry& entry, std::string_view about) {
+  if (about.empty() || entry.file == about) return entry.format();
+  return entry.line > 0 ? fmt::format("{} ({})", entry.format(), about)
+                        : fmt::format("{}: {}", about, entry.format());
 }
 
 /// 0, or the errno of the write that failed.
@@ -60,10 +67,13 @@ void Console::print(std::string_view text) {
   if (pending_.size() >= flushBytes) flush();
 }
 
-void Console::report(const Diag& diag, std::string_view source) {
+void Console::report(const Diag& diag, std::string_view source, std::string_view about) {
+  const Diag::Entry* before = nullptr;
   for (const Diag::Entry& entry : diag.entries) {
-    complain(entry.severity, shownBytes(entry.format()));
-    if (!source.empty()) writeAll(STDERR_FILENO, quotedPlace(source, entry.line, entry.column));
+    complain(entry.severity, shownBytes(lineOf(entry, about)));
+    const bool same = before != nullptr && before->line == entry.line && before->column == entry.column;
+    before = &entry;
+    if (!source.empty() && !same) writeAll(STDERR_FILENO, quotedPlace(source, entry.line, entry.column));
   }
 }
 
@@ -86,14 +96,14 @@ void Console::complain(Diag::Severity severity, std::string_view line) {
   writeAll(STDERR_FILENO, text);
 }
 
-void Console::progress(std::string_view what, std::uint64_t done, std::uint64_t total) {
-  if (!decorated_ || total == 0) return;
-  constexpr std::size_t width = 30;
-  const std::size_t filled = static_cast<std::size_t>(static_cast<double>(width) * static_cast<double>(done) /
-                                                      static_cast<double>(total));
-  const std::string bar =
-      std::string(std::min(filled, width), '=') + std::string(width - std::min(filled, width), ' ');
-  writeAll(STDERR_FILENO, fmt::format("\r[{}] {} of {}  {}\x1b[K", bar, done, total, what));
+void Console::progress(const ProgressNow& now) {
+  if (!decorated_ || now.total == 0) return;
+  const auto time = std::chrono::steady_clock::now();
+  if (!clock_.start) clock_.start = time;
+  if (clock_.what != now.what) clock_.startOfOne = time;
+  clock_.what = now.what;
+  writeAll(STDERR_FILENO,
+           '\r' + progressLine(now, time - *clock_.start, time - clock_.startOfOne) + "\x1b[K");
   progressShown_ = true;
 }
 

@@ -23,8 +23,11 @@ const Program& quindleProgram() {
                           .kind = Option::Kind::Flag,
                           .help = "Print the version and end."},
         .verbs = allVerbs()});
-    made->verbs.push_back(helpVerb(*made));
-    made->verbs.back().group = made->verbs[made->verbs.size() - 2].group;
+    const std::string lastGroup = made->verbs.back().group;
+    for (const auto& describe : {helpVerb, completionVerb}) {
+      made->verbs.push_back(describe(*made));
+      made->verbs.back().group = lastGroup;
+    }
     return made;
   }();
   return *program;

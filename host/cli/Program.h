@@ -24,6 +24,9 @@ const Program& quindleProgram();
 /// The verb of that name; null if there is none.
 const Verb* findVerb(const Program& program, const std::string& name);
 
+/// "completion", which makes shells complete the words of all of them. The program must outlive it.
+Verb completionVerb(const Program& program);
+
 /// "help", which shows what the others say of themselves. The program must outlive it.
 Verb helpVerb(const Program& program);
 

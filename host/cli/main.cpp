@@ -2,7 +2,7 @@
 #include "host/cli/CommandLine.h"
 #include "host/cli/Console.h"
 #include "host/cli/Interrupt.h"
-#include "host/cli/helpPages.h"
+#include "host/cli/help/helpPages.h"
 
 #include <unistd.h>
 
@@ -16,8 +16,7 @@ Status runVerb(const CommandLine& line, const Stop& stop, Console& console) {
   const auto readInput = [&stop](std::string& text) { return readToEnd(STDIN_FILENO, stop, text); };
   const Context context{.stop = stop,
                         .quindles = QuindleReader(stop, readInput),
-                        .progress = [&console](const std::string& what, std::uint64_t done,
-                                               std::uint64_t total) { console.progress(what, done, total); },
+                        .progress = [&console](const ProgressNow& now) { console.progress(now); },
                         .part = [&printer](const Part& part) { printer.take(part); }};
   return printer.finish(line.verb->run(line.request, context));
 }

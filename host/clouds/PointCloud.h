@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/clouds/CloudFormat.h"
+#include "host/clouds/PassMeter.h"
 
 #include <atomic>
 #include <cstddef>
@@ -64,6 +65,9 @@ public:
   /// Writes those of the file's points that the mask holds to `path`, as `extractCloud` does.
   bool extract(const PointMask& kept, const std::string& path, const Stop& stop, std::string& error) const;
 
+  /// Counts the points of the cloud, in every pass over it anew.
+  PassMeter& meter() const { return meter_; }
+
 private:
   friend class BlockReader;
 
@@ -83,6 +87,7 @@ private:
   const CloudDescription& about_;
   ClassOverlay classes_;
   mutable std::vector<KeptBox> boxes_; ///< Empty where the file says them itself.
+  mutable PassMeter meter_;
 };
 
 } // namespace Zamt::Host

@@ -18,6 +18,10 @@ bool visitBlock(std::size_t block, BlockReader& reader, const BlockVisit& visit,
   return !reader.failed();
 }
 
+std::uint64_t pointsBefore(const BlockTable& blocks, std::size_t block) {
+  return block < blocks.size() ? blocks.first(block) : blocks.points();
+}
+
 bool endedWell(const Stop& stop, std::string& problem) {
   if (stop.requested()) problem = stoppedMessage;
   return !stop.requested();
@@ -41,6 +45,7 @@ bool forEachBlock(const PointCloud& cloud, std::span<const ColumnKey> expected, 
       const std::lock_guard lock(firstProblem);
       if (!failed.exchange(true)) problem = why;
     }
+    cloud.meter().add(pointsBefore(blocks, end) - blocks.first(blocks.firstOfGroup(group)));
   });
   return !failed && endedWell(stop, problem);
 }

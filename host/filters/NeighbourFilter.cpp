@@ -90,6 +90,7 @@ private:
     tbb::parallel_for(tbb::blocked_range<std::size_t>(0, grid.cellCount(), cellsPerTask),
                       [&](const tbb::blocked_range<std::size_t>& range) {
                         CellSweep(grid, radius_, wanted_).run(range.begin(), range.end(), asked, stop, found);
+                        cloud_.meter().add(grid.starts[range.end()] - grid.starts[range.begin()]);
                       });
     if (stop.requested()) problem = stoppedMessage;
     return !stop.requested();

@@ -187,6 +187,14 @@ std::shared_ptr<const PointFilter> makePolygonFilter(std::span<const Polygon> po
   return std::make_shared<PolygonFilter>(std::move(outline));
 }
 
+Bounds boundsOf(const Region& region) {
+  if (region.polygons.empty()) return region.box;
+  Bounds box = Outline(region.polygons).bounds();
+  box.low[2] = -std::numeric_limits<double>::infinity();
+  box.high[2] = std::numeric_limits<double>::infinity();
+  return box;
+}
+
 std::shared_ptr<const PointFilter> makeRegionFilter(const Region& region, std::string& problem) {
   if (region.polygons.empty()) return makeBoxFilter(region.box, problem);
   return makePolygonFilter(region.polygons, problem);

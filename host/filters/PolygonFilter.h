@@ -15,6 +15,9 @@ namespace Zamt::Host {
 /// or too many of their lines lie side by side.
 std::shared_ptr<const PointFilter> makePolygonFilter(std::span<const Polygon> polygons, std::string& problem);
 
+/// A box around a region: its own, or one around its polygons over all heights. Empty if there is nothing.
+Bounds boundsOf(const Region& region);
+
 /// The filter for a region: that of its polygons, or of its box.
 std::shared_ptr<const PointFilter> makeRegionFilter(const Region& region, std::string& problem);
 

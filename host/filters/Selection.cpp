@@ -48,17 +48,23 @@ void keepHolding(PointList& list, const std::vector<std::uint8_t>& holds, bool i
   list.resize(kept);
 }
 
+void noteNear(const SelectionStep& step) {
+  if (step.place) step.place->isNear = true;
+}
+
 void applyFilter(const SelectionStep& step, BlockReader& block, PointList& list,
                  std::vector<std::uint8_t>& holds) {
   if (list.empty()) return;
   auto coverage = PointFilter::Coverage::Some;
   if (list.size() * coverageWorthwhile >= block.size()) coverage = step.filter->coverage(block);
+  if (coverage == PointFilter::Coverage::All) noteNear(step);
   if (coverage != PointFilter::Coverage::Some) {
     if ((coverage == PointFilter::Coverage::None) != step.invert) list.clear();
     return;
   }
   holds.resize(list.size());
   step.filter->test(block, list, holds);
+  if (step.place && !step.place->isNear && std::ranges::find(holds, 1) != holds.end()) noteNear(step);
   keepHolding(list, holds, step.invert);
 }
 

@@ -18,7 +18,9 @@
 
 #include "sorbine/VCreator.h"
 
+#include <array>
 #include <charconv>
+#include <limits>
 
 namespace Zamt::Host {
 
@@ -130,6 +132,14 @@ class ByTin : public BrushFilter {
       input<double>("margin", "How far past the surface a point has to be, in units of the cloud.", 0);
   SurfaceCache surfaces_;
 
+  /// Heights don't matter: a surface may lie as deep below the points as it likes.
+  std::shared_ptr<const StepPlace> placeOf(const HeightModel& surface) const {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const auto& plan = surface.planBounds();
+    return std::make_shared<StepPlace>("the surface \"" + surface_.get() + '"',
+                                       Bounds{{plan[0], plan[1], -infinity}, {plan[2], plan[3], infinity}});
+  }
+
   bool make(const Grid& grid, SelectionStep& step, std::string& problem) override {
     const bool above = side_.get() == "above";
     if (!above && side_.get() != "below") {
@@ -142,6 +152,7 @@ class ByTin : public BrushFilter {
     }
     std::shared_ptr<const HeightModel> surface = open(grid, problem);
     if (!surface) return false;
+    step.place = placeOf(*surface);
     step.filter = makeSurfaceFilter(std::move(surface), above, margin_.get(), problem);
     return step.filter != nullptr;
   }
@@ -196,9 +207,19 @@ class ByBox : public BrushFilter {
 
   bool make(const Grid& /*grid*/, SelectionStep& step, std::string& problem) override {
     step.filter = makeRegionFilter(box_.get(), problem);
+    step.place = std::make_shared<StepPlace>("the region", boundsOf(box_.get()));
     return step.filter != nullptr;
   }
 };
+
+Bounds boxAround(const std::array<double, 3>& centre, double radius) {
+  Bounds box;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    box.low[axis] = centre[axis] - radius;
+    box.high[axis] = centre[axis] + radius;
+  }
+  return box;
+}
 
 class BySphere : public BrushFilter {
   VInput<WorldPoint> centre_ =
@@ -212,6 +233,7 @@ class BySphere : public BrushFilter {
       return false;
     }
     step.filter = makeSphereFilter(centre_.get().at, radius_.get(), problem);
+    step.place = std::make_shared<StepPlace>("the ball", boxAround(centre_.get().at, radius_.get()));
     return step.filter != nullptr;
   }
 };

@@ -23,6 +23,7 @@ public:
 
   bool describe(const Grid& /*grid*/, SelectionStep& step, std::string& problem) override {
     step.filter = makeRegionFilter(region_.get(), problem);
+    step.place = std::make_shared<StepPlace>("the region", boundsOf(region_.get()));
     tell(step.filter ? "Keeps the points inside " + VValueTrait<Region>::Text(region_.get()) + "." : problem);
     return step.filter != nullptr;
   }

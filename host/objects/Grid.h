@@ -3,6 +3,7 @@
 #include "files/Stop.h"
 #include "host/clouds/PointMask.h"
 #include "host/clouds/openCloud.h"
+#include "host/filters/Selection.h"
 #include "host/objects/ActionFiles.h"
 
 #include "cadmer/LabelSet.h"
@@ -12,6 +13,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace Zamt {
 class VObject;
@@ -38,6 +40,12 @@ struct Grid {
 
   /// Classes that points were put into and that neither the file nor the standard has that name for.
   std::map<std::uint8_t, std::string> addedClasses;
+
+  /// What is doubtful in what was asked of this cloud, in sentences, each once.
+  std::vector<std::string> warnings;
+
+  /// Adds what `findFarPlaces` says of a selection that was worked out. False with a sentence in `problem`.
+  bool warnOfFarPlaces(const std::vector<SelectionStep>& steps, std::string& problem);
 };
 
 /// What objects of the graph are given by whoever makes the scene, and which outlives it.

@@ -152,7 +152,8 @@ void MaskedLabels::select() {
   std::vector<SelectionStep> steps;
   PointMask kept;
   if (!target(*grid, number, problem) || !buildSelection(start, *grid, steps, problem) ||
-      !evaluateSelection(*grid->cloud, steps, grid->stop, kept, problem))
+      !evaluateSelection(*grid->cloud, steps, grid->stop, kept, problem) ||
+      !grid->warnOfFarPlaces(steps, problem))
     return fail(problem);
 
   change_.editor = name();

@@ -65,11 +65,15 @@ const QuindleLibraryEntry* findInCollection(const QuindleLibrary& library, const
                                             Diag& diag) {
   const QuindleLibraryEntry* const found = findQuindleLoosely(library, name);
   if (found != nullptr) return found;
+  diag.error(fmt::format("There is no Quindle called \"{}\".{} \"quindle list\" lists them all.", name,
+                         nearestInCollection(library, name)));
+  return nullptr;
+}
+
+std::string nearestInCollection(const QuindleLibrary& library, const std::string& name) {
   std::vector<std::string> names;
   for (const QuindleLibraryEntry* const entry : library.search({})) names.push_back(displayName(*entry));
-  diag.error(fmt::format("There is no Quindle called \"{}\".{} \"quindle list\" lists them all.", name,
-                         didYouMean(name, names)));
-  return nullptr;
+  return didYouMean(name, names);
 }
 
 bool isOwn(const QuindleLibraryEntry& entry) { return isOwnQuindle(userQuindleDirectory(), entry.path); }

@@ -20,6 +20,9 @@ QuindleLibrary scanCollection();
 const QuindleLibraryEntry* findInCollection(const QuindleLibrary& library, const std::string& name,
                                             Diag& diag);
 
+/// The sentence that offers the names nearest to `name`, with a blank in front; empty if none is near.
+std::string nearestInCollection(const QuindleLibrary& library, const std::string& name);
+
 /// Whether the file is the user's, and not part of the installation.
 bool isOwn(const QuindleLibraryEntry& entry);
 

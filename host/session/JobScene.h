@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/session/Progress.h"
 #include "host/session/Scene.h"
 #include "host/session/runClouds.h"
 
@@ -25,7 +26,17 @@ public:
 
   Scene& scene() { return scene_; }
 
+  /// Opens one of the clouds of the job, and tells `progress` from now on how far the work on it is, of which
+  /// there are some `passes` over its points.
+  bool openCloud(std::size_t index, const Progress& progress, double passes, Diag& diag);
+
+  /// Adds to `diag` what is doubtful in what was asked of the cloud, and takes from it what was told
+  /// before and, unless the job wants it, what objects of the scene said in passing.
+  void finishDiag(const JobCloud& cloud, Diag& diag) const;
+
 private:
+  bool isWanted(const Diag::Entry& entry) const;
+
   const Job& job_;
   const Stop& stop_;
   std::optional<tbb::global_control> limit_;

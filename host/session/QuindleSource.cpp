@@ -1,6 +1,7 @@
 #include "host/session/QuindleSource.h"
 
 #include "host/session/Collection.h"
+#include "host/session/adviseOnText.h"
 #include "quindle/library/QuindleFiles.h"
 #include "quindle/text/parseQuindle.h"
 
@@ -97,9 +98,22 @@ bool QuindleReader::read(const std::string& which, QuindleSource& source, Diag& 
   return problem.empty();
 }
 
+bool QuindleReader::readInput(const std::string& what, std::string& text, std::string& problem) const {
+  if (input_ && input_(text).empty()) return true;
+  problem = fmt::format("The {} can't be read from standard input. Write it to a file, and name that.", what);
+  return false;
+}
+
 bool QuindleReader::load(const std::string& which, QuindleDocument& document, Diag& diag) const {
   QuindleSource source;
   return read(which, source, diag) && parseQuindle(source.text, source.label, document, diag);
+}
+
+bool QuindleReader::loadAdvised(const std::string& which, QuindleDocument& document, Diag& diag) const {
+  QuindleSource source;
+  if (!read(which, source, diag) || !parseQuindle(source.text, source.label, document, diag)) return false;
+  adviseOnText(document, source.text, diag);
+  return true;
 }
 
 } // namespace Zamt::Host

@@ -36,8 +36,15 @@ public:
   /// error in `diag` when it can't be read.
   bool read(const std::string& which, QuindleSource& source, Diag& diag) const;
 
+  /// Adds all of standard input to `text`. False, with a sentence in `problem` that calls it a `what`, when
+  /// there is none to be had or it can't be read.
+  bool readInput(const std::string& what, std::string& text, std::string& problem) const;
+
   /// Reads and parses a Quindle. False, with everything that is wrong in `diag`, when it can't be used.
   bool load(const std::string& which, QuindleDocument& document, Diag& diag) const;
+
+  /// The same, with what is probably not meant in it as warnings: for who is about to run it.
+  bool loadAdvised(const std::string& which, QuindleDocument& document, Diag& diag) const;
 
 private:
   std::string readFile(QuindleSource& source) const;

@@ -4,6 +4,7 @@
 #include "host/objects/registerHostObjects.h"
 #include "host/objects/values.h"
 #include "host/session/ClassTable.h"
+#include "host/session/checkValues.h"
 #include "host/session/classNames.h"
 #include "host/views/renderCloud.h"
 
@@ -24,30 +25,6 @@ using Source = QuindleParam::DefaultSource;
 /// Whether the user left it to the application to supply the value.
 bool leftToApplication(const QuindleParam& param) {
   return param.defaultSource != Source::Written || param.defaultValue.kind == QuindleValue::Kind::None;
-}
-
-std::string parameterNames(const QuindleDocument& document) {
-  std::string names;
-  for (const QuindleParam& param : document.params) {
-    if (!names.empty()) names += ", ";
-    names += param.name;
-  }
-  return names.empty() ? "no parameters" : names;
-}
-
-bool isNumber(const std::string& text, double& value) {
-  return VValueTrait<double>::setValueFromText(value, text);
-}
-
-/// Whether `text` is a number outside the range that the parameter was declared with.
-bool outsideRange(const QuindleParam& param, const std::string& text) {
-  double value = 0;
-  if (!isNumber(text, value)) return false;
-  const auto beyond = [&](const QuindleValue& bound, bool below) {
-    return bound.kind == QuindleValue::Kind::Number &&
-           (below ? value < bound.numberValue : value > bound.numberValue);
-  };
-  return beyond(param.minimum, true) || beyond(param.maximum, false);
 }
 
 } // namespace
@@ -124,7 +101,7 @@ bool Scene::openCloud(const std::string& path, const QuindleDocument& document, 
     return false;
   }
   open->everything = VManagedObject::find<VObject>(brush_);
-    nestedRuns_ = 0;
+  nestedRuns_ = 0;
   if (!findLabels(document, *open->cloud, open->labels, diag)) return false;
   if (!(open->labels == compiledFor_)) forgetCompiled();
   compiledFor_ = open->labels;
@@ -156,25 +133,6 @@ void Scene::forgetCompiled() {
   });
   Diag ignored;
   for (const std::string& name : own) ops_->removeObject(name, ignored);
-}
-
-bool Scene::checkValues(const QuindleDocument& document, const std::map<std::string, std::string>& values,
-                        Diag& diag) const {
-  const std::uint64_t before = diag.errorCount;
-  for (const auto& [name, value] : values) {
-    const QuindleParam* const param = document.findParam(name);
-    if (!param)
-      diag.error(fmt::format("\"{}\" has no parameter called \"{}\". It takes: {}.", document.name, name,
-                             parameterNames(document)),
-                 document.name);
-    else if (double number = 0; param->type == "Number" && !isNumber(value, number))
-      diag.error(fmt::format("\"{}\" takes a number, and \"{}\" is none.", name, value), document.name);
-    else if (outsideRange(*param, value))
-      diag.error(fmt::format("\"{}\" is {}, outside its range from {} to {}.", name, value,
-                             param->minimum.toSource(), param->maximum.toSource()),
-                 document.name);
-  }
-  return diag.errorCount == before;
 }
 
 bool Scene::makeField(const QuindleParam& param, const std::string& field, std::string& object, Diag& diag) {

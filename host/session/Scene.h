@@ -102,8 +102,6 @@ private:
   bool compileCondition(const QuindleDocument& document, Diag& diag);
   bool bindCondition(const QuindleDocument& document, const std::map<std::string, std::string>& args,
                      Diag& diag);
-  bool checkValues(const QuindleDocument& document, const std::map<std::string, std::string>& values,
-                   Diag& diag) const;
   bool supply(const QuindleParam& param, std::map<std::string, std::string>& args, Diag& diag);
   bool makeField(const QuindleParam& param, const std::string& field, std::string& object, Diag& diag);
   bool makeRegion(const QuindleParam& param, const std::string& text, std::string& object, Diag& diag);
@@ -121,9 +119,9 @@ private:
   std::map<std::string, std::string> made_; ///< Objects made for parameter values, by what they stand for.
   std::optional<LabelSet> labels_;          ///< Of `setLabels`.
 
-  unsigned nestedRuns_ = 0;                 ///< That the resolver was asked for since a run began.
-  std::optional<Chain> chain_;              ///< Of `select`.
-  LabelSet compiledFor_;                    ///< The classes that the cached programs were compiled with.
+  unsigned nestedRuns_ = 0;    ///< That the resolver was asked for since a run began.
+  std::optional<Chain> chain_; ///< Of `select`.
+  LabelSet compiledFor_;       ///< The classes that the cached programs were compiled with.
 };
 
 } // namespace Zamt::Host

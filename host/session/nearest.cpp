@@ -48,6 +48,34 @@ std::optional<std::size_t> nearness(const std::string& wanted, const std::string
   return std::nullopt;
 }
 
+/// The words of a list "a, b, c." at the end of a sentence.
+std::vector<std::string> listedNames(std::string_view list) {
+  if (list.ends_with('.')) list.remove_suffix(1);
+  std::vector<std::string> names;
+  while (!list.empty()) {
+    const std::size_t end = std::min(list.find(", "), list.size());
+    names.emplace_back(list.substr(0, end));
+    list.remove_prefix(std::min(end + 2, list.size()));
+  }
+  return names;
+}
+
+/// What offers a word in place of the one that a sentence calls unknown; empty if it calls none so, or lists
+/// none.
+std::string offerFor(std::string_view message) {
+  constexpr std::string_view unknown = " called \"";
+  static constexpr std::string_view lists[] = {
+      ". The ones there are: ", "\"; this cloud has ", " It has: ",
+      ". It takes: ",           ". It takes ",         " There is: "};
+  const std::size_t said = message.find(unknown);
+  if (said == std::string_view::npos) return {};
+  const std::string_view word = message.substr(said + unknown.size());
+  for (const std::string_view list : lists)
+    if (const std::size_t at = message.find(list, said); at != std::string_view::npos)
+      return didYouMean(word.substr(0, word.find('"')), listedNames(message.substr(at + list.size())));
+  return {};
+}
+
 } // namespace
 
 std::vector<std::string> nearestNames(std::string_view wanted, const std::vector<std::string>& names) {
@@ -69,6 +97,16 @@ std::string didYouMean(std::string_view wanted, const std::vector<std::string>& 
     sentence += '"' + best[i] + '"';
   }
   return sentence.empty() ? sentence : sentence + '?';
+}
+
+Diag withNearestNames(const Diag& diag) {
+  Diag offered;
+  for (const Diag::Entry& entry : diag.entries) {
+    offered.at(entry.severity, entry.message, entry.file, entry.line, entry.column);
+    if (const std::string offer = offerFor(entry.message); !offer.empty())
+      offered.at(Diag::Severity::Note, offer.substr(1), entry.file, entry.line, entry.column);
+  }
+  return offered;
 }
 
 } // namespace Zamt::Host

@@ -5,6 +5,7 @@
 #include "host/objects/Grid.h"
 #include "host/session/JobScene.h"
 #include "host/session/cloudClasses.h"
+#include "quindle/core/QuindleNodes.h"
 
 #include <filesystem>
 #include <set>
@@ -25,21 +26,38 @@ void collectNames(const Grid& grid, Outcome& outcome) {
     outcome.classNames[number] = nameOfClass(*grid.cloud, grid.labels, number);
 }
 
+/// About how often the points are gone through: for every change to work out, count and apply it, thrice more
+/// where neighbours are counted, and once to compare at the end. What other Quindles do is not known before;
+/// writing, which is not counted, gets its share.
+double passesOf(const Job& job) {
+  const bool writes = !job.clouds.empty() && !job.clouds.front().output.empty();
+  double passes = writes ? 3 : 1;
+  for (const QuindleStep* const step : quindleSteps(job.document)) {
+    if (step->kind == QuindleStep::Kind::Classify) passes += 3;
+    for (const QuindleExpr* const expr : quindleExprs(step->condition))
+      if (expr->kind == QuindleExpr::Kind::Call && expr->name == "neighbours") passes += 3;
+  }
+  return passes;
+}
+
 /// The clouds of one job, in a scene that is ready for them.
 class JobRun {
 public:
-  JobRun(const Job& job, const JobWatch& watch, Scene& scene) : job_(job), watch_(watch), scene_(scene) {}
+  JobRun(const Job& job, const JobWatch& watch, JobScene& session)
+      : job_(job), watch_(watch), session_(session), scene_(session.scene()), passes_(passesOf(job)) {}
 
   void runAll() {
     for (std::size_t i = 0; i < job_.clouds.size() && !watch_.stop.requested(); ++i) {
       const JobCloud& cloud = job_.clouds[i];
-      if (watch_.progress) watch_.progress(cloud.file, i, job_.clouds.size());
       Outcome outcome;
       outcome.cloud = cloud.file;
       outcome.preview = cloud.output.empty();
       Diag diag;
-      runOne(cloud, outcome, diag);
+      runOne(i, outcome, diag);
+      session_.finishDiag(cloud, diag);
+      outcome.ok = outcome.failure == Failure::None;
       if (watch_.stop.requested() && !outcome.ok) {
+        outcome.failure = Failure::Interrupted;
         diag.clear(); // what failed, failed because of that
         diag.error(stoppedMessage, cloud.file);
         outcome.report.clear();
@@ -50,23 +68,28 @@ public:
 
 private:
   /// Keeps what came of it in `outcome`; writes if there is an output.
-  void runOne(const JobCloud& cloud, Outcome& outcome, Diag& diag) {
+  void runOne(std::size_t index, Outcome& outcome, Diag& diag) {
+    const JobCloud& cloud = job_.clouds[index];
     scene_.files() = {outcome.preview, {}};
     HeldFile held;
+    outcome.failure = Failure::Writing;
     if (!mayWrite(cloud, held, diag)) return;
-    if (!scene_.openCloud(cloud.file, job_.document, diag)) return;
+    outcome.failure = Failure::Reading;
+    if (!session_.openCloud(index, watch_.progress, passes_, diag)) return;
+    outcome.failure = Failure::Running;
     QuindleRunResult result;
     const bool good = scene_.run(job_.document, job_.values, false, result, diag);
     outcome.report = result.report;
     outcome.files = scene_.files().paths;
     if (!good || watch_.stop.requested()) return;
     outcome.changes = scene_.changes();
-    if (!compareClasses(outcome, diag) ||
-        !scene_.writeCloud(outcome.preview ? cloud.file : cloud.output, diag) ||
+    if (!compareClasses(outcome, diag)) return;
+    outcome.failure = Failure::Writing;
+    if (!scene_.writeCloud(outcome.preview ? cloud.file : cloud.output, diag) ||
         !(job_.picture.empty() || scene_.savePicture(job_.picture, diag)))
       return;
     outcome.output = outcome.preview ? job_.picture : cloud.output;
-    outcome.ok = true;
+    outcome.failure = Failure::None;
   }
 
   /// Finds out which classes went where.
@@ -87,7 +110,9 @@ private:
 
   const Job& job_;
   const JobWatch& watch_;
+  JobScene& session_;
   Scene& scene_;
+  const double passes_;
 };
 
 } // namespace
@@ -109,7 +134,7 @@ bool runClouds(const Job& job, const JobWatch& watch, std::string& problem) {
   Diag diag;
   const bool good = session.findClasses(diag);
   if (watch.noticed && !diag.entries.empty()) watch.noticed(std::move(diag));
-  if (good) JobRun(job, watch, session.scene()).runAll();
+  if (good) JobRun(job, watch, session).runAll();
   return true;
 }
 

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,8 +35,13 @@ struct Job {
   std::string classes;                       ///< The only ones whose points may change; empty for all.
   unsigned threads = 0;                      ///< 0 for as many as the machine has.
   std::vector<JobCloud> clouds;
-  std::string picture; ///< A PNG file to draw a preview into; empty for none.
+  std::string picture;        ///< A PNG file to draw a preview into; empty for none.
+  std::set<std::string> told; ///< Sentences that are not to be said again of every cloud, errors excepted.
+  bool verbose = false;       ///< What the objects of the scene say in passing is told too.
 };
+
+/// With what of the work on a cloud it ended early.
+enum class Failure { None, Reading, Running, Writing, Interrupted };
 
 /// How many points went from one class to another.
 struct ClassMove {
@@ -50,6 +56,7 @@ struct Outcome {
   bool preview = false;
   std::string output; ///< What was written or drawn; empty for nothing.
   bool ok = false;
+  Failure failure = Failure::None; ///< If it is not ok.
   std::vector<std::string> report;
   std::uint64_t points = 0;         ///< Of the cloud.
   std::vector<ClassChange> changes; ///< Of each editor, as it selected last.

@@ -1,5 +1,6 @@
 #include "host/objects/BrushObject.h"
 #include "host/session/Scene.h"
+#include "host/session/checkValues.h"
 #include "quindle/plan/QuindlePlanNode.h"
 
 namespace Zamt::Host {
@@ -46,7 +47,7 @@ bool Scene::select(const QuindleDocument& document, const std::map<std::string, 
   std::vector<SelectionStep> steps;
   std::string problem;
   if (buildSelection(VManagedObject::find<VObject>(chain_->end), *open, steps, problem) &&
-      evaluateSelection(*open->cloud, steps, stop_, kept, problem))
+      evaluateSelection(*open->cloud, steps, stop_, kept, problem) && open->warnOfFarPlaces(steps, problem))
     return true;
   diag.error(problem, open->cloud->path());
   return false;

@@ -8,23 +8,26 @@ namespace Zamt::Host {
 
 namespace {
 
-bool selectOne(const Job& job, const JobCloud& cloud, Scene& scene, Selected& selected, Diag& diag) {
+/// The points are gone through once, and where neighbours are counted some more.
+constexpr double passes = 2;
+
+/// Sets with what it ended.
+void selectOne(const Job& job, const JobCloud& cloud, Scene& scene, Selected& selected, Diag& diag) {
   PointMask kept;
-  HeldFile held;
-  if (!mayWrite(cloud, held, diag)) return false;
-  if (!scene.openCloud(cloud.file, job.document, diag) || !scene.select(job.document, job.values, kept, diag))
-    return false;
+  selected.failure = Failure::Running;
+  if (!scene.select(job.document, job.values, kept, diag)) return;
+  selected.failure = Failure::None;
   selected.points = kept.size();
   selected.kept = kept.count();
-  if (cloud.output.empty()) return true;
+  if (cloud.output.empty()) return;
   const Rethold::StrongPtr<Grid> grid = scene.grid();
   std::string problem;
   if (grid->cloud->extract(kept, cloud.output, grid->stop, problem)) {
     selected.output = cloud.output;
-    return true;
+    return;
   }
+  selected.failure = Failure::Writing;
   diag.error(problem, cloud.output);
-  return false;
 }
 
 } // namespace
@@ -38,12 +41,20 @@ bool selectClouds(const Job& job, const SelectWatch& watch, std::string& problem
   if (!good) return true;
   for (std::size_t i = 0; i < job.clouds.size() && !watch.stop.requested(); ++i) {
     const JobCloud& cloud = job.clouds[i];
-    if (watch.progress) watch.progress(cloud.file, i, job.clouds.size());
     Selected selected;
     selected.cloud = cloud.file;
     Diag diag;
-    selected.ok = selectOne(job, cloud, session.scene(), selected, diag);
+    HeldFile held;
+    selected.failure = Failure::Writing;
+    if (mayWrite(cloud, held, diag)) {
+      selected.failure = Failure::Reading;
+      if (session.openCloud(i, watch.progress, passes, diag))
+        selectOne(job, cloud, session.scene(), selected, diag);
+    }
+    session.finishDiag(cloud, diag);
+    selected.ok = selected.failure == Failure::None;
     if (watch.stop.requested() && !selected.ok) {
+      selected.failure = Failure::Interrupted;
       diag.clear(); // what failed, failed because of that
       diag.error(stoppedMessage, cloud.file);
     }

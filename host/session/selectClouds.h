@@ -13,8 +13,9 @@ struct Selected {
   std::string cloud;
   std::string output; ///< Where they were written; empty for nowhere.
   bool ok = false;
-  std::uint64_t points = 0; ///< Of the cloud.
-  std::uint64_t kept = 0;   ///< Of these, how many it holds for.
+  Failure failure = Failure::None; ///< If it is not ok.
+  std::uint64_t points = 0;        ///< Of the cloud.
+  std::uint64_t kept = 0;          ///< Of these, how many it holds for.
 };
 
 /// Who is told what a selection comes to.

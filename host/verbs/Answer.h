@@ -26,6 +26,7 @@ struct Part {
   std::function<Data()> data;        ///< For programs: the fields that the verb's help names, or null.
   Diag remarks;                      ///< What only people are told, behind the text.
   std::string source{};              ///< The text that the places in `diag` are in, if it is to be quoted.
+  std::string about{};               ///< The cloud that `diag` is about, as people and programs are told.
 };
 
 /// Keeps what was found out, and makes of it a text by `textOf(value)` and data by `dataOf(value)`.
@@ -41,11 +42,12 @@ struct Answer {
   Status status = Status::Done;
   std::string refusal;     ///< Why the call can't be carried out at all; then there are no parts.
   std::vector<Part> parts; ///< Those that were not handed on before, in their order.
+  Part summary{};          ///< What they come to together; its data, if any, are fields beside the list.
   bool isLong = false;     ///< The text is to be read at leisure.
 };
 
 /// The answer to a call that makes no sense, or that can't be begun.
-inline Answer refused(Status status, std::string why) { return {status, std::move(why), {}, false}; }
+inline Answer refused(Status status, std::string why) { return {status, std::move(why), {}, {}, false}; }
 
 /// The answer that is one part. It fails if there is an error in it.
 inline Answer answerOf(Part part) {

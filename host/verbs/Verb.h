@@ -26,6 +26,21 @@ struct Option {
     Level   ///< One of `words`, or a number.
   };
 
+  /// What its texts name, for faces that offer some and for refusing those that can't be meant.
+  enum class Names {
+    Anything,
+    Cloud,       ///< A file to read points from.
+    CloudOutput, ///< A file to write points to, or a directory.
+    Picture,     ///< A PNG file to write.
+    QuindleFile, ///< A file that holds a Quindle.
+    Quindle,     ///< The same, or one of the collection.
+    Entry,       ///< A Quindle of the collection.
+    Class,       ///< A class.
+    Classes,     ///< Several, separated by commas.
+    Setting,     ///< A parameter and its value, "NAME=VALUE".
+    Choice       ///< One of `choices`.
+  };
+
   std::string name; ///< What a request calls it.
   Kind kind = Kind::Text;
   std::string help;                    ///< What it does, in whole sentences.
@@ -40,7 +55,13 @@ struct Option {
   std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
   std::optional<std::uint64_t> preset{}; ///< The number that is taken if it is left out.
   std::map<std::string, int> words{};    ///< Of a level.
+  Names names = Names::Anything;
+  std::vector<std::string> choices{}; ///< What it can be, as far as that is known beforehand.
 };
+
+/// Why a request can't be meant, whatever the verb: a cloud can't be read from standard input, and what is
+/// written is what its name says. Empty if all is well.
+std::string refusalOf(const std::vector<Option>& options, const Request& request);
 
 /// What a verb may use of the world around the call.
 struct Context {

@@ -1,5 +1,7 @@
 #include "host/verbs/options.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 namespace Zamt::Host {
@@ -9,7 +11,8 @@ Option quindleArgument() {
           .help = "The Quindle: a file, the name of one in the collection, or - for standard input.",
           .placeholder = "QUINDLE",
           .argument = true,
-          .required = true};
+          .required = true,
+          .names = Option::Names::Quindle};
 }
 
 Option quindlesArgument() {
@@ -18,7 +21,8 @@ Option quindlesArgument() {
           .help = "The Quindles: files, names of some in the collection, or - for standard input.",
           .placeholder = "QUINDLE",
           .argument = true,
-          .required = true};
+          .required = true,
+          .names = Option::Names::Quindle};
 }
 
 Option nameArgument() {
@@ -26,7 +30,29 @@ Option nameArgument() {
           .help = "Its name; the case of letters does not matter.",
           .placeholder = "NAME",
           .argument = true,
-          .required = true};
+          .required = true,
+          .names = Option::Names::Entry};
+}
+
+Option setOption() {
+  return {.name = "set",
+          .kind = Option::Kind::Texts,
+          .help = "Give a parameter its value. May be written several times. See \"quindle help values\".",
+          .placeholder = "NAME=VALUE",
+          .names = Option::Names::Setting};
+}
+
+bool readSettings(const std::vector<std::string>& settings, std::map<std::string, std::string>& values,
+                  std::string& problem) {
+  for (const std::string& setting : settings) {
+    const std::size_t equals = setting.find('=');
+    if (equals == std::string::npos || equals == 0) {
+      problem = fmt::format("\"{}\" sets nothing. Write --set NAME=VALUE.", setting);
+      return false;
+    }
+    values[setting.substr(0, equals)] = setting.substr(equals + 1);
+  }
+  return true;
 }
 
 Option jsonOption(std::string help) {

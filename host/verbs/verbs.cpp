@@ -4,6 +4,19 @@
 
 namespace Zamt::Host {
 
+namespace {
+
+/// Refuses what can't be meant before the verb sees it.
+void guard(Verb& verb) {
+  verb.run = [options = verb.options, run = std::move(verb.run)](const Request& request,
+                                                                 const Context& context) {
+    const std::string why = refusalOf(options, request);
+    return why.empty() ? run(request, context) : refused(Status::Usage, why);
+  };
+}
+
+} // namespace
+
 std::vector<Verb> allVerbs() {
   struct Group {
     const char* title;
@@ -22,6 +35,7 @@ std::vector<Verb> allVerbs() {
     for (const auto& describe : group.verbs) {
       verbs.push_back(describe());
       verbs.back().group = group.title;
+      guard(verbs.back());
     }
   return verbs;
 }

@@ -1,5 +1,6 @@
 #include "host/verbs/verbs.h"
 
+#include "host/cli/progressLine.h"
 #include "host/cli/shownBytes.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/environment.h"
@@ -143,8 +144,10 @@ TEST_F(VerbsTest, PartsAreHandedOnAsTheyComeAndAStopLetsNoneFollow) {
     shown.push_back(part.text());
     if (shown.size() == 2) stop.request();
   };
-  context.progress = [&](const std::string& what, std::uint64_t done, std::uint64_t total) {
-    progress.push_back(what + ' ' + std::to_string(done) + '/' + std::to_string(total));
+  context.progress = [&](const ProgressNow& now) {
+    EXPECT_TRUE(now.part >= 0 && now.part <= 1) << now.part;
+    if (now.points == 0)
+      progress.push_back(now.what + ' ' + std::to_string(now.done) + '/' + std::to_string(now.total));
   };
   const std::string lake = path("lake.las");
   const Answer answer =
@@ -157,10 +160,41 @@ TEST_F(VerbsTest, PartsAreHandedOnAsTheyComeAndAStopLetsNoneFollow) {
   EXPECT_EQ(progress, (Texts{lake + " 0/3", "none 1/3"}));
 }
 
+TEST_F(VerbsTest, NothingIsDoubtfulInTheExamplesNorInTheDocumentsButTheMistakesShownThere) {
+  Texts quindles;
+  for (const auto& entry : std::filesystem::directory_iterator(QUINDLE_SOURCE_DIR "/examples"))
+    if (entry.path().extension() == ".quindle") quindles.push_back(entry.path());
+  const std::string fence = "```quindle";
+  for (const std::string document : {"/README.md", "/docs/tutorial.md"}) {
+    const std::string text = Testing::readFile(QUINDLE_SOURCE_DIR + document);
+    for (std::size_t at = 0; (at = text.find(fence, at)) != std::string::npos;) {
+      const std::size_t begin = text.find('\n', at) + 1;
+      const std::string title = text.substr(at, begin - at);
+      at = text.find("```", begin);
+      if (title.find("broken") == std::string::npos)
+        quindles.push_back(
+            write(std::to_string(quindles.size()) + ".quindle", text.substr(begin, at - begin)));
+    }
+  }
+  EXPECT_GT(quindles.size(), 15U);
+  for (const Part& part : call("check", {{"quindle", quindles}}).parts)
+    EXPECT_EQ(part.diag.format(), "") << part.text();
+}
+
 TEST_F(VerbsTest, WithoutStandardInputADashIsTheNameOfAFile) {
   const Answer answer = call("check", {{"quindle", Texts{"-"}}});
   EXPECT_EQ(answer.status, Status::Failed);
   EXPECT_THAT(answer.parts.at(0).diag.firstError(), testing::StartsWith("There is no Quindle called \"-\"."));
+}
+
+TEST(ProgressLine, TellsSpeedAndTimeLeftAsSoonAsThereIsSomethingToTellThemFrom) {
+  using Seconds = std::chrono::duration<double>;
+  EXPECT_EQ(progressLine({"a.las", 0, 2, 0.5, 1000}, Seconds(0.1), Seconds(0.1)),
+            "[=======                       ] 0 of 2  a.las");
+  EXPECT_EQ(progressLine({"b.las", 1, 2, 0.5, 9000}, Seconds(60), Seconds(3)),
+            "[======================        ] 1 of 2  b.las  1,500 points a second  20 s left");
+  EXPECT_EQ(progressLine({"a.las", 0, 1, 0.01, 100}, Seconds(1), Seconds(1)),
+            "[                              ] 0 of 1  a.las  1 point a second  1:39 min left");
 }
 
 TEST(ShownBytes, AreThoseThatBelongToNoCharacter) {

@@ -37,12 +37,15 @@ std::vector<Option> classifyOptions() {
                           .help = "The word itself.",
                           .placeholder = "into",
                           .argument = true,
-                          .required = true},
+                          .required = true,
+                          .names = Option::Names::Choice,
+                          .choices = {"into"}},
                          {.name = "class",
                           .help = "The class to put the points into: a name, or a number.",
                           .placeholder = "CLASS",
                           .argument = true,
-                          .required = true}},
+                          .required = true,
+                          .names = Option::Names::Class}},
                         std::move(options));
 }
 

@@ -1,6 +1,6 @@
 #include "host/verbs/clouds/oneLine.h"
-#include "host/verbs/options.h"
 #include "host/verbs/clouds/runJob.h"
+#include "host/verbs/options.h"
 #include "host/verbs/verbs.h"
 
 namespace Zamt::Host {

@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
 #include <string>
 
@@ -46,10 +47,15 @@ std::string typeText(const FieldRange& field) {
 }
 
 /// With the digits that the type means, without those that only rounding brings.
-std::string valueText(const FieldRange& field, double value) {
-  if (!field.hasValues) return "-";
-  return field.type == FieldType::F32 ? fmt::format("{:.7g}", value) : fmt::format("{:.12g}", value);
+std::string digitsOf(const FieldRange& field, double value) {
+  return field.type == FieldType::F32 ? fmt::format("{:.7g}", value) : fmt::format("{:.15g}", value);
 }
+
+std::string valueText(const FieldRange& field, double value) {
+  return field.hasValues ? digitsOf(field, value) : "-";
+}
+
+std::string coordinateText(double value) { return fmt::format("{:.15g}", value); }
 
 std::string fieldsText(const CloudInfo& info) {
   std::size_t names = 5;
@@ -94,15 +100,22 @@ std::string infoText(const Inspected& cloud) {
   if (info.compression) text += compressionText(*info.compression);
   if (!info.bounds.empty())
     for (std::size_t axis = 0; axis < 3; ++axis)
-      text += fmt::format("  {}  {:.12g} .. {:.12g}\n", "xyz"[axis], info.bounds.low[axis],
-                          info.bounds.high[axis]);
+      text += fmt::format("  {}  {} .. {}\n", "xyz"[axis], coordinateText(info.bounds.low[axis]),
+                          coordinateText(info.bounds.high[axis]));
   text += fieldsText(info) + classesText(cloud);
   return cloud.stats ? text + statsText(*cloud.stats, cloud.classes) : text;
 }
 
+/// The number of a text of digits: programs get what people read.
+double numberOf(const std::string& digits) {
+  double number = 0;
+  std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  return number;
+}
+
 Data endOf(const FieldRange& field, double end) {
   if (!field.hasValues) return {};
-  return end;
+  return numberOf(digitsOf(field, end));
 }
 
 Data fieldData(const FieldRange& field) {
@@ -127,7 +140,8 @@ Data compressionData(const std::optional<Compression>& compression) {
 
 Data boundsData(const Bounds& bounds) {
   if (bounds.empty()) return {};
-  return Fields{{"low", Data::list(bounds.low)}, {"high", Data::list(bounds.high)}};
+  const auto coordinate = [](double value) { return numberOf(coordinateText(value)); };
+  return Fields{{"low", Data::list(bounds.low, coordinate)}, {"high", Data::list(bounds.high, coordinate)}};
 }
 
 Data infoData(const Inspected& cloud) {
@@ -176,7 +190,8 @@ Verb infoVerb() {
                 .help = "The clouds: LAS or LAZ files.",
                 .placeholder = "CLOUD",
                 .argument = true,
-                .required = true},
+                .required = true,
+                .names = Option::Names::Cloud},
                {.name = "stats",
                 .kind = Option::Kind::Flag,
                 .help = "Tell also, of each field, mean, deviation and a histogram, and of each class "

@@ -1,9 +1,11 @@
 #include "host/verbs/clouds/oneLine.h"
 
+#include "host/session/checkValues.h"
 #include "host/session/quindleOfCondition.h"
 #include "host/session/selectClouds.h"
-#include "host/verbs/options.h"
+#include "host/verbs/clouds/Failures.h"
 #include "host/verbs/clouds/runJob.h"
+#include "host/verbs/options.h"
 #include "host/verbs/texts.h"
 #include "quindle/text/writeQuindle.h"
 
@@ -49,8 +51,10 @@ struct Total {
   std::uint64_t points = 0;
   std::uint64_t kept = 0;
   std::uint64_t good = 0; ///< Of the clouds.
+  Failures failures;
 
-  void add(Selected selected) {
+  void add(Selected selected, const Diag& said) {
+    if (!selected.ok) failures.add(selected.failure, selected.cloud, said);
     points += selected.points;
     kept += selected.kept;
     good += selected.ok ? 1 : 0;
@@ -63,12 +67,15 @@ std::string totalText(const Total& total) {
   if (total.clouds.empty()) return {};
   if (total.clouds.size() == 1) return selectedText(total.clouds[0]);
   return fmt::format("in all: {} of {} in {}\n", grouped(total.kept), countOf(total.points, "point"),
-                     countOf(total.good, "cloud"));
+                     countOf(total.good, "cloud")) +
+         total.failures.text();
 }
 
 Data totalData(const Total& total) {
-  return Fields{
-      {"clouds", Data::list(total.clouds, selectedData)}, {"points", total.points}, {"counted", total.kept}};
+  return Fields{{"clouds", Data::list(total.clouds, selectedData)},
+                {"points", total.points},
+                {"counted", total.kept},
+                {"failures", total.failures.data()}};
 }
 
 } // namespace
@@ -97,11 +104,16 @@ bool readOneLine(const Request& request, const std::string& className, const Con
   const bool wanted = request.flag("quindle");
   if (good && !wanted && request.texts("cloud").empty())
     problem = "No cloud is named. Write the clouds behind, or --quindle for the Quindle alone.";
-  if (!problem.empty() || (good && !wanted && !readJob(request, job, problem))) {
+  if (!problem.empty() || (good && !wanted && !readJob(request, context, job, problem))) {
     answer = refused(Status::Usage, problem);
     return false;
   }
   if (!good) answer.status = Status::Failed;
+  if (good && !wanted && !checkValues(job.document, job.values, diag)) {
+    answer = answerOf({std::move(diag), {}, {}, {}});
+    return false;
+  }
+  for (const Diag::Entry& entry : diag.entries) job.told.insert(entry.message);
   if (!diag.entries.empty()) context.deliver(answer, {std::move(diag), {}, {}, {}, condition});
   if (good && wanted) context.deliver(answer, quindlePart(job.document));
   return good && !wanted;
@@ -113,19 +125,21 @@ Answer selectPoints(const Job& job, const Context& context, Answer answer) {
   const bool several = job.clouds.size() > 1;
   const auto finished = [&](Selected selected, Diag said) {
     if (!selected.ok) answer.status = Status::Failed;
-    if (several) {
-      const std::string text = selectedText(selected);
-      context.deliver(answer, {std::move(said), [text] { return text; }, {}, {}});
-    } else {
+    const std::string text = selectedText(selected);
+    const std::string about = selected.cloud;
+    total.add(std::move(selected), said);
+    if (several)
+      context.deliver(answer, {std::move(said), [text] { return text; }, {}, {}, {}, about});
+    else
       last = std::move(said);
-    }
-    total.add(std::move(selected));
   };
   std::string problem;
   if (!selectClouds(job, {context.stop, context.progress, finished, noticeTo(answer, context)}, problem))
     return refused(Status::Usage, problem);
   if (context.stop.requested()) answer.status = Status::Failed;
-  context.deliver(answer, partOf(std::move(last), std::move(total), totalText, totalData));
+  Part all = partOf(std::move(last), std::move(total), totalText, totalData);
+  if (!several) all.about = job.clouds[0].file;
+  context.deliver(answer, std::move(all));
   return answer;
 }
 

@@ -27,6 +27,6 @@ Answer selectPoints(const Job& job, const Context& context, Answer answer);
 /// What the JSON of those holds.
 inline constexpr const char* selectedJsonHelp =
     "Print JSON: \"clouds\" with file, ok, points, counted and output of each, \"points\" and \"counted\" of "
-    "all, and \"diagnostics\".";
+    "all, \"failures\" with kind, clouds, first and why of those alike, and \"diagnostics\".";
 
 } // namespace Zamt::Host

@@ -19,7 +19,8 @@ std::vector<Option> previewOptions() {
   options.push_back(
       {.name = "picture",
        .help = "Draw the cloud into this PNG file, with what would change in front. For one cloud only.",
-       .placeholder = "FILE.png"});
+       .placeholder = "FILE.png",
+       .names = Option::Names::Picture});
   return options;
 }
 

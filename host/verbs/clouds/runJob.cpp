@@ -2,6 +2,8 @@
 
 #include "host/regions/Region.h"
 #include "host/session/OutputPlan.h"
+#include "host/session/checkValues.h"
+#include "host/verbs/clouds/RunSummary.h"
 #include "host/verbs/options.h"
 #include "host/verbs/texts.h"
 
@@ -9,7 +11,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <utility>
 
@@ -23,6 +24,9 @@ constexpr unsigned maxThreads = 1024;
 /// What a region's file may hold, inclusive: far more than any outline drawn by hand or taken from a map.
 constexpr std::size_t maxRegionBytes = std::size_t{64} * 1024 * 1024;
 
+/// What says that the region comes from standard input.
+constexpr const char* regionFromInput = "@-";
+
 bool readText(const std::string& path, std::string& text, std::string& problem) {
   std::ifstream file(path, std::ios::binary);
   std::vector<char> piece(65536);
@@ -35,55 +39,20 @@ bool readText(const std::string& path, std::string& text, std::string& problem) 
   return false;
 }
 
-/// The text of a region, read from its file if it is "@" and the name of one; empty if there is none. False,
-/// with a sentence in `problem`, when it is no region.
-bool readRegionText(const std::string& written, std::string& text, std::string& problem) {
+/// The text of a region, read from its file if it is "@" and the name of one, or from standard input if that
+/// is "-"; empty if there is none. False, with a sentence in `problem`, when it is no region.
+bool readRegionText(const std::string& written, const QuindleReader& reader, std::string& text,
+                    std::string& problem) {
   text = written;
   if (text.empty()) return true;
   if (text[0] == '@') {
     text.clear();
-    if (!readText(written.substr(1), text, problem)) return false;
+    if (written == regionFromInput ? !reader.readInput("region", text, problem)
+                                   : !readText(written.substr(1), text, problem))
+      return false;
   }
   Region region;
   return parseRegion(text, region, problem);
-}
-
-/// The values of "set" by parameter. False, with a sentence in `problem`, when one is no "name=value".
-bool readSettings(const std::vector<std::string>& settings, std::map<std::string, std::string>& values,
-                  std::string& problem) {
-  for (const std::string& setting : settings) {
-    const std::size_t equals = setting.find('=');
-    if (equals == std::string::npos || equals == 0) {
-      problem = fmt::format("\"{}\" sets nothing. Write --set NAME=VALUE.", setting);
-      return false;
-    }
-    values[setting.substr(0, equals)] = setting.substr(equals + 1);
-  }
-  return true;
-}
-
-/// Puts blanks in front of numbers, so that they end in one column.
-void alignRight(std::vector<std::vector<std::string>>& rows, std::size_t column) {
-  std::size_t width = 0;
-  for (const auto& row : rows) width = std::max(width, row[column].size());
-  for (auto& row : rows) row[column].insert(0, width - row[column].size(), ' ');
-}
-
-/// Which classes went where, a row each.
-std::string movesText(const Outcome& outcome) {
-  if (outcome.moves.empty()) return {};
-  const auto classText = [&](std::uint8_t number) {
-    const std::string& name = outcome.classNames.at(number);
-    return name.empty() ? fmt::format("{}", number) : fmt::format("{} {}", number, name);
-  };
-  std::vector<std::vector<std::string>> rows;
-  for (const ClassMove& move : outcome.moves)
-    rows.push_back({classText(move.from), classText(move.to), grouped(move.points)});
-  alignRight(rows, 2);
-  std::istringstream lines(tableText({"FROM", "TO", "POINTS"}, rows));
-  std::string text;
-  for (std::string line; std::getline(lines, line);) text += "    " + line + '\n';
-  return text;
 }
 
 std::string outcomeText(const Outcome& outcome) {
@@ -96,7 +65,7 @@ std::string outcomeText(const Outcome& outcome) {
   for (const ClassMove& move : outcome.moves) moved += move.points;
   text += fmt::format("  {} of {} {}\n", grouped(moved), countOf(outcome.points, "point"),
                       outcome.preview ? "would change" : "changed");
-  text += movesText(outcome);
+  text += movesText(namedMoves(outcome));
   if (outcome.output.empty()) return text;
   return text + (outcome.preview ? "  drawn in " : "  written to ") + outcome.output + '\n';
 }
@@ -113,22 +82,13 @@ Data changeData(const ClassChange& change, const Outcome& outcome) {
                 {"from", std::move(from)}};
 }
 
-Data moveData(const ClassMove& move, const Outcome& outcome) {
-  return Fields{{"from", move.from},
-                {"fromName", outcome.classNames.at(move.from)},
-                {"to", move.to},
-                {"toName", outcome.classNames.at(move.to)},
-                {"points", move.points}};
-}
-
 Data outcomeData(const Outcome& outcome) {
   const auto dataOf = [&outcome](const ClassChange& change) { return changeData(change, outcome); };
-  const auto dataOfMove = [&outcome](const ClassMove& move) { return moveData(move, outcome); };
   return Fields{{"file", outcome.cloud},
                 {"ok", outcome.ok},
                 {"report", Data::list(outcome.report)},
                 {"changes", Data::list(outcome.changes, dataOf)},
-                {"moves", Data::list(outcome.moves, dataOfMove)},
+                {"moves", movesData(namedMoves(outcome))},
                 {"files", Data::list(outcome.files)},
                 {"output", outcome.output}};
 }
@@ -141,34 +101,37 @@ std::vector<Option> cloudOptions() {
            .help = "The clouds: LAS or LAZ files, each worked on by itself.",
            .placeholder = "CLOUD",
            .argument = true,
-           .required = true},
-          {.name = "set",
-           .kind = Option::Kind::Texts,
-           .help = "Give a parameter its value. May be written several times. See \"quindle help values\".",
-           .placeholder = "NAME=VALUE"},
+           .required = true,
+           .names = Option::Names::Cloud},
+          setOption(),
           {.name = "region",
            .help = "Where to work: a box of four or six numbers, a polygon as WKT or GeoJSON, or @FILE "
-                   "with one of these in it. See \"quindle help regions\".",
+                   "with one of these in it, or @- for standard input. See \"quindle help regions\".",
            .placeholder = "REGION"},
           {.name = "classes",
            .help = "The only classes whose points are looked at: names or numbers, separated by commas.",
-           .placeholder = "CLASSES"},
+           .placeholder = "CLASSES",
+           .names = Option::Names::Classes},
           {.name = "threads",
            .kind = Option::Kind::Number,
            .help = fmt::format("How many threads to use, at most {}. As many as the machine has if left out.",
                                maxThreads),
            .placeholder = "N",
            .least = 1,
-           .most = maxThreads}};
+           .most = maxThreads},
+          {.name = "verbose",
+           .kind = Option::Kind::Flag,
+           .help = "Tell also what the objects of the scene say in passing."}};
 }
 
 std::vector<Option> outputOptions(bool inPlace) {
   std::vector<Option> options;
   options.push_back(
       {.name = "output",
-       .help = "Where to write: a file, or a directory that is there, which several clouds need.",
+       .help = "Where to write: a LAS or LAZ file, or a directory that is there, which several clouds need.",
        .placeholder = "OUT",
-       .letter = 'o'});
+       .letter = 'o',
+       .names = Option::Names::CloudOutput});
   if (inPlace)
     options.push_back({.name = "in-place",
                        .kind = Option::Kind::Flag,
@@ -180,8 +143,9 @@ std::vector<Option> outputOptions(bool inPlace) {
 Option outcomesJsonOption() {
   return jsonOption(
       "Print JSON: \"clouds\" with file, ok, report, output, changes (class, name, considered, modified, "
-      "from), moves (from, fromName, to, toName, points) and files (that actions write) of each, and "
-      "\"diagnostics\".");
+      "from), moves (from, fromName, to, toName, points) and files (that actions write) of each, "
+      "\"summary\" with changed, unchanged, failed (how many of them), moves and failures (kind, clouds, "
+      "first, why) of all, and \"diagnostics\".");
 }
 
 std::vector<Option> jobOptions() {
@@ -191,10 +155,15 @@ std::vector<Option> jobOptions() {
   return options;
 }
 
-bool readJob(const Request& request, Job& job, std::string& problem) {
+bool readJob(const Request& request, const Context& context, Job& job, std::string& problem) {
+  if (request.text("quindle") == "-" && request.text("region") == regionFromInput) {
+    problem = "Standard input can hold the Quindle or the region, but not both. Write one of them to a file.";
+    return false;
+  }
+  job.verbose = request.flag("verbose");
   job.classes = request.text("classes");
   job.threads = static_cast<unsigned>(request.number("threads", 0));
-  return readRegionText(request.text("region"), job.region, problem) &&
+  return readRegionText(request.text("region"), context.quindles, job.region, problem) &&
          readSettings(request.texts("set"), job.values, problem);
 }
 
@@ -216,25 +185,34 @@ std::function<void(Diag)> noticeTo(Answer& answer, const Context& context) {
 }
 
 Answer carryOut(const Job& job, const Context& context, Answer answer) {
+  const auto summary = std::make_shared<RunSummary>();
   const auto finished = [&](Outcome outcome, Diag said) {
     if (!outcome.ok) answer.status = Status::Failed;
-    context.deliver(answer, partOf(std::move(said), std::move(outcome), outcomeText, outcomeData));
+    summary->add(outcome, said);
+    const std::string about = outcome.cloud;
+    Part part = partOf(std::move(said), std::move(outcome), outcomeText, outcomeData);
+    part.about = about;
+    context.deliver(answer, std::move(part));
   };
   std::string problem;
   if (!runClouds(job, {context.stop, context.progress, finished, noticeTo(answer, context)}, problem))
     return refused(Status::Usage, problem);
   if (context.stop.requested()) answer.status = Status::Failed;
+  if (job.clouds.size() > 1) answer.summary.text = [summary] { return summary->text(); };
+  answer.summary.data = [summary] { return summary->data(); };
   return answer;
 }
 
 Answer runJob(const Request& request, Job job, const Context& context) {
   std::string problem;
-  if (!readJob(request, job, problem)) return refused(Status::Usage, problem);
+  if (!readJob(request, context, job, problem)) return refused(Status::Usage, problem);
   Diag diag;
-  if (!context.quindles.load(request.text("quindle"), job.document, diag))
+  if (!context.quindles.loadAdvised(request.text("quindle"), job.document, diag) ||
+      !checkValues(job.document, job.values, diag))
     return answerOf({std::move(diag), {}, {}, {}});
+  for (const Diag::Entry& entry : diag.entries) job.told.insert(entry.message);
   Answer answer;
-  context.deliver(answer, {{}, {}, {}, std::move(diag)});
+  context.deliver(answer, {std::move(diag), {}, {}, {}});
   return carryOut(job, context, std::move(answer));
 }
 

@@ -25,7 +25,7 @@ std::vector<Option> jobOptions();
 
 /// Fills in what `cloudOptions` say beside the clouds. False with a sentence in `problem` when one of them
 /// makes no sense.
-bool readJob(const Request& request, Job& job, std::string& problem);
+bool readJob(const Request& request, const Context& context, Job& job, std::string& problem);
 
 /// Gives a job its clouds with the places that `outputOptions` say. What is not `Status::Done` comes with a
 /// sentence in `problem`.
@@ -34,7 +34,7 @@ Status readOutputs(const Request& request, Job& job, std::string& problem);
 /// Hands on what is said of all clouds of a command, which fails if there is an error in it.
 std::function<void(Diag)> noticeTo(Answer& answer, const Context& context);
 
-/// Runs a job and adds what it came to to the answer.
+/// Runs a job and adds what it came to to the answer, with a summary.
 Answer carryOut(const Job& job, const Context& context, Answer answer);
 
 /// Reads what "run" and "preview" have in common, which `job` gets beside its clouds and its picture, and

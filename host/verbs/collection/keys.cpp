@@ -99,7 +99,8 @@ Verb keysVerb() {
                   {.name = "for",
                    .help = "The Quindle that is to have it: what it holds itself is free.",
                    .placeholder = "NAME",
-                   .needs = {"free"}},
+                   .needs = {"free"},
+                   .names = Option::Names::Entry},
                   jsonOption("Print JSON: \"keys\" with key, names and conflict of each, or with --free "
                              "key, free and names (of those that ask for it), and \"diagnostics\".")},
       .run = keys};

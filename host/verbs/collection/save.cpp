@@ -94,7 +94,8 @@ Verb saveVerb() {
                    .help = "The file that holds it, or - for standard input.",
                    .placeholder = "FILE",
                    .argument = true,
-                   .required = true},
+                   .required = true,
+                   .names = Option::Names::QuindleFile},
                   jsonOption("Print JSON: \"name\", \"path\", \"hides\" (the installed file of that name) "
                              "and \"diagnostics\".")},
       .run = save};

@@ -12,12 +12,16 @@ namespace Zamt::Host {
 
 namespace {
 
-std::string unknownCondition(const std::string& name) {
+std::vector<std::string> conditionNames() {
   std::vector<std::string> names;
   for (const QuindleOperation& operation : allQuindleOperations()) names.push_back(operation.name);
+  return names;
+}
+
+std::string unknownCondition(const std::string& name) {
   return fmt::format(
       "There is no condition called \"{}\".{} \"quindle conditions\" without a name lists them all.", name,
-      didYouMean(name, names));
+      didYouMean(name, conditionNames()));
 }
 
 Data argumentData(const QuindleOpParam& param) {
@@ -64,7 +68,12 @@ Verb conditionsVerb() {
       .summary =
           "List the conditions, or show the page on one. They are what a \"select\" can ask of points.",
       .footer = "Example:\n  quindle conditions neighbours",
-      .options = {{.name = "name", .help = "The condition to show.", .placeholder = "NAME", .argument = true},
+      .options = {{.name = "name",
+                   .help = "The condition to show.",
+                   .placeholder = "NAME",
+                   .argument = true,
+                   .names = Option::Names::Choice,
+                   .choices = conditionNames()},
                   jsonOption("Print JSON: \"conditions\" with name, summary, description, cost, creator and "
                              "arguments (name, required, default, help) of each, and \"diagnostics\".")},
       .run = conditions};

@@ -140,7 +140,8 @@ Verb registryVerb() {
                        .argument = true},
                       {.name = "cloud",
                        .help = "List the actions of the scene of this cloud too.",
-                       .placeholder = "FILE"},
+                       .placeholder = "FILE",
+                       .names = Option::Names::Cloud},
                       {.name = "level",
                        .kind = Option::Kind::Level,
                        .help = "How mature a creator has to be: mature, beta, experimental, unfinished, or a "

@@ -1,4 +1,4 @@
-#include "host/cli/helpPages.h"
+#include "host/cli/help/helpPages.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

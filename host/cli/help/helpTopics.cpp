@@ -1,4 +1,4 @@
-#include "host/cli/helpTopics.h"
+#include "host/cli/help/helpTopics.h"
 
 #include <algorithm>
 #include <array>
@@ -100,8 +100,8 @@ outline may lie side by side at one height of the map.
   quindle preview "Isolated noise" lake.las \
     --region "POLYGON ((512000 5403000, 512100 5403000, 512050 5403080))"
 
---region takes a file as well, written @FILE, with any of these in it. --set
-does not: have the shell read it.
+--region takes a file as well, written @FILE, with any of these in it; @- is
+standard input. --set does not: have the shell read it.
 
   echo "512000 5403000 512100 5403080" > field.txt
   quindle preview "Isolated noise" lake.las --region @field.txt
@@ -203,17 +203,21 @@ Each diagnostic is one line, a whole sentence that says what to do next:
 
 SEVERITY is note, warning or error. COLUMN, LINE and FILE are left out where
 there is none. FILE is <stdin> for standard input. While a Quindle runs, it is
-the name of the Quindle or of one of its parts.
+the name of the Quindle or of one of its parts, and the cloud stands in front
+of it, or in parentheses behind a message that has a place in a file. What the
+objects of the scene say in passing is told with --verbose only.
 
 With --json the result is one JSON object on standard output. The diagnostics
 are in it, under "diagnostics": a list of objects with the keys severity,
-message, file, line and column; a line or column of 0 means none. Wrong usage
-is told on standard error even so.
+message, file, line and column, and cloud where they are about one; a line or
+column of 0 means none. Wrong usage is told on standard error even so.
 
   quindle check --json my.quindle
   quindle info --json lake.las
 
 Colour and progress appear only on a terminal, and never when NO_COLOR is set.
+Progress tells how far the work is, how many points of the cloud at hand it
+gets through in a second, and about how long the rest will take.
 There, too, the texts of "reference" and "help" are shown by a pager.
 
 Files are written whole or not at all: beside the old one first, then in its
@@ -240,7 +244,11 @@ code is then 1. Without -o or --in-place nothing is run.
 
 With a directory after -o each cloud keeps its name in it; the directory has
 to be there. Several clouds need one, or --in-place. Two clouds that would be
-written to the same file are refused before anything is run.
+written to the same file are refused before anything is run, and so is a name
+that ends in neither .las nor .laz.
+
+Several clouds end in a summary: how many were changed, which classes went
+where in all of them, and how many failed and why.
 
 In a shell, go by the exit code, and take numbers from the JSON rather than
 from the text.

@@ -1,7 +1,7 @@
-#include "host/cli/manPage.h"
+#include "host/cli/help/manPage.h"
 
-#include "host/cli/helpPages.h"
-#include "host/cli/helpTopics.h"
+#include "host/cli/help/helpPages.h"
+#include "host/cli/help/helpTopics.h"
 
 #include <fmt/format.h>
 
