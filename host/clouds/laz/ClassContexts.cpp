@@ -23,20 +23,30 @@ std::uint64_t packed(std::span<const std::uint8_t> contexts, Bit bit) {
   return word;
 }
 
+/// Takes so many bytes of what is left, if there are as many and any are wanted.
+bool takeRoom(std::atomic<std::int64_t>& room, std::size_t bytes) {
+  const auto size = static_cast<std::int64_t>(bytes);
+  if (size == 0 || room.load(std::memory_order_relaxed) < size) return false;
+  room.fetch_sub(size, std::memory_order_relaxed);
+  return true;
+}
+
 } // namespace
 
-void ClassContexts::keep(std::size_t chunk, std::span<const std::uint8_t> contexts) {
+void ClassContexts::keep(std::size_t chunk, std::span<const std::uint8_t> contexts,
+                         std::span<const std::byte> classes) {
   const bool isSeveral =
       std::ranges::any_of(contexts, [](std::uint8_t context) { return channelOf(context) != 0; });
   const std::size_t length = wordsFor(contexts.size());
   const std::size_t words = isSeveral ? 3 * length : length;
-  const auto size = static_cast<std::int64_t>(words * sizeof(std::uint64_t));
   Chunk& kept = chunks_[chunk];
   std::uint8_t expected = Unknown;
-  if (room_.load(std::memory_order_relaxed) < size ||
-      !kept.state.compare_exchange_strong(expected, BeingKept))
-    return;
-  room_.fetch_sub(size, std::memory_order_relaxed);
+  if (!kept.state.compare_exchange_strong(expected, BeingKept)) return;
+  if (!takeRoom(contextRoom_, words * sizeof(std::uint64_t))) return;
+  if (takeRoom(classRoom_, classes.size())) {
+    kept.classes = std::make_unique_for_overwrite<std::byte[]>(classes.size());
+    std::ranges::copy(classes, kept.classes.get());
+  }
   kept.words = std::make_unique<std::uint64_t[]>(words);
   for (std::size_t word = 0; word < length; ++word) {
     const std::size_t first = word * pointsOfWord;
@@ -47,6 +57,11 @@ void ClassContexts::keep(std::size_t chunk, std::span<const std::uint8_t> contex
           packed(some, [bit](unsigned context) { return channelOf(context) >> bit & 1U; });
   }
   kept.state.store(isSeveral ? SeveralChannels : OneChannel, std::memory_order_release);
+}
+
+std::span<const std::byte> ClassContexts::classes(std::size_t chunk, std::size_t points) const {
+  if (!has(chunk) || !chunks_[chunk].classes) return {};
+  return {chunks_[chunk].classes.get(), points};
 }
 
 bool ClassContexts::has(std::size_t chunk) const {

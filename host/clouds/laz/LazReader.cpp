@@ -50,6 +50,11 @@ public:
     if (block != block_)
       for (Slot& slot : slots_) slot.isDecoded = false;
     block_ = block;
+    if (file_.contexts && key.field == file_.layout.classField)
+      if (const auto kept = file_.contexts->classes(block, points()); !kept.empty()) {
+        column = {kept.data(), 1, FieldType::U8};
+        return true;
+      }
     const Place place = placeOf(key);
     if (!slots_[place.slot].isDecoded && !decode(place.slot, problem)) return false;
     const LasField& field = file_.layout.fields[key.field];
@@ -122,15 +127,21 @@ private:
     }
     std::ranges::fill(columns_, LazColumn{});
     if (!decoder_.finish(damage)) return false;
-    if (areKept) file_.contexts->keep(block_, contexts_);
+    if (areKept) file_.contexts->keep(block_, contexts_, decodedClasses(slots));
     return true;
+  }
+
+  Slot* classSlot() { return &slots_[placeOf({file_.layout.classField, 0}).slot]; }
+
+  /// The classes of the block if they are among what was decoded.
+  std::span<const std::byte> decodedClasses(const std::vector<Slot*>& slots) {
+    if (std::ranges::find(slots, classSlot()) == slots.end()) return {};
+    return std::span(classSlot()->values).first(points());
   }
 
   /// What was kept of an earlier decoding of the block, if no more than that is needed.
   std::span<const std::uint8_t> knownContexts(const std::vector<Slot*>& slots) {
-    if (!file_.contexts || slots.size() != 1 ||
-        slots[0] != &slots_[placeOf({file_.layout.classField, 0}).slot])
-      return {};
+    if (!file_.contexts || slots.size() != 1 || slots[0] != classSlot()) return {};
     if (!file_.contexts->has(block_)) return {};
     contexts_.resize(points());
     file_.contexts->read(block_, contexts_);
