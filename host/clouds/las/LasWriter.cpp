@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <functional>
 #include <mutex>
 #include <oneapi/tbb/enumerable_thread_specific.h>
 #include <oneapi/tbb/parallel_for.h>
@@ -21,6 +22,23 @@ struct Piece {
   LasStretch stretch;
   std::optional<std::size_t> block;
 };
+
+/// Writes one of several parts. False with a sentence in `error`.
+using WritePart = std::function<bool(std::size_t part, std::string& error)>;
+
+/// Writes parts by several threads. False, with what the first one that failed says, when one could not be.
+bool writeParts(std::size_t parts, const WritePart& write, std::string& error) {
+  std::atomic<bool> failed{false};
+  std::mutex firstError;
+  tbb::parallel_for(std::size_t{0}, parts, [&](std::size_t part) {
+    if (failed) return;
+    std::string problem;
+    if (write(part, problem)) return;
+    const std::lock_guard lock(firstError);
+    if (!failed.exchange(true)) error = problem;
+  });
+  return !failed;
+}
 
 /// What the pieces of a written file are made from.
 struct Source {
@@ -125,17 +143,11 @@ bool writePiece(const Source& source, const Piece& piece, std::vector<std::byte>
 
 bool writePieces(const Source& source, AtomicFile& file, std::string& error) {
   const std::vector<Piece> pieces = piecesOf(source);
-  std::atomic<bool> failed{false};
-  std::mutex firstError;
   tbb::enumerable_thread_specific<std::vector<std::byte>> buffers;
-  tbb::parallel_for(std::size_t{0}, pieces.size(), [&](std::size_t i) {
-    if (failed) return;
-    std::string problem;
-    if (writePiece(source, pieces[i], buffers.local(), file, problem)) return;
-    const std::lock_guard lock(firstError);
-    if (!failed.exchange(true)) error = problem;
-  });
-  return !failed;
+  const auto write = [&](std::size_t piece, std::string& problem) {
+    return writePiece(source, pieces[piece], buffers.local(), file, problem);
+  };
+  return writeParts(pieces.size(), write, error);
 }
 
 /// Where points that are stored otherwise go in a LAS file.
@@ -167,17 +179,11 @@ bool writeBlocks(const LasSource& source, const ClassOverlay& changed, const Tar
     std::vector<std::byte> buffer;
   };
   tbb::enumerable_thread_specific<Local> locals([&] { return Local{source.makeRecordReader(), {}}; });
-  std::atomic<bool> failed{false};
-  std::mutex firstError;
-  tbb::parallel_for(std::size_t{0}, source.blocks().size(), [&](std::size_t block) {
-    if (failed) return;
+  const auto write = [&](std::size_t block, std::string& problem) {
     Local& local = locals.local();
-    std::string problem;
-    if (writeBlock(source, changed, block, *local.reader, local.buffer, target, problem)) return;
-    const std::lock_guard lock(firstError);
-    if (!failed.exchange(true)) error = problem;
-  });
-  return !failed;
+    return writeBlock(source, changed, block, *local.reader, local.buffer, target, problem);
+  };
+  return writeParts(source.blocks().size(), write, error);
 }
 
 } // namespace

@@ -140,6 +140,32 @@ TEST_F(LazCloudTest, WhatCannotBeDecodedEndsInTheSentenceOfTheGoldenDocument) {
   EXPECT_TRUE(names().empty());
 }
 
+TEST_F(LazCloudTest, AWrongNumberOfPointsEndsInASentenceAndAWrongPlaceOfTheTableIsDoneWithout) {
+  const std::string sound = readFile(files.at("pf6.laz").path);
+  const auto start = numberAt<std::uint32_t>(sound, 96);
+  const auto said = [&](std::size_t at, std::uint64_t value) -> std::string {
+    std::string bytes = sound;
+    putNumber(bytes, at, value);
+    const auto cloud = Host::openCloud(write("a.laz", bytes), error);
+    Host::ClassCounts counts{};
+    if (cloud && Host::countClasses(*cloud, goOn, counts, error)) return std::to_string(cloud->size());
+    return error.substr(0, error.find(". Fetch"));
+  };
+  const std::string file = "\"" + path("a.laz") + "\"";
+  const std::string cannot = "The points of " + file + " can't be read: its ";
+  const std::string last = "Chunk 2 of " + file + ", at byte 123332, is damaged: it says 5408 points, where ";
+  EXPECT_EQ(said(247, 0), cannot + "header says that it has no points, but its chunk table tells of some");
+  EXPECT_EQ(said(247, 25407), last + "5407 are expected");
+  EXPECT_EQ(said(247, 25409), last + "5409 are expected");
+  for (const unsigned bits : {40U, 63U})
+    EXPECT_EQ(said(247, std::uint64_t{1} << bits),
+              cannot + "chunk table is damaged, and in chunk 2, at byte 123332, there are 5408 points, where "
+                       "10000 are expected");
+  for (const std::uint64_t place : {std::uint64_t{0}, std::uint64_t{start}, std::uint64_t{start} + 8,
+                                    sound.size() - 8, sound.size() - 7, ~std::uint64_t{0}, ~std::uint64_t{7}})
+    EXPECT_EQ(said(start, place), "25408") << place;
+}
+
 TEST_F(LazCloudTest, ANewClassNameMovesAllPlacesWithIt) {
   for (const auto& [name, file] : files) {
     if (file.sum.empty()) continue;
