@@ -115,13 +115,17 @@ class Stopwatch {
 public:
   template <class Work>
   void run(const Work& work) {
-    seconds += secondsOf(work, 1);
+    const double took = secondsOf(work, 1);
+    seconds += took;
+    least_ = std::min(least_, took);
     ++rounds;
   }
+  double least() const { return least_; }
   double mean() const { return rounds > 0 ? seconds / rounds : 0; }
 
 private:
   double seconds = 0;
+  double least_ = std::numeric_limits<double>::infinity();
   int rounds = 0;
 };
 

@@ -121,7 +121,7 @@ void neighboursDense(benchmark::State& state) {
 }
 
 /// About half of the points of the dense cloud have as many neighbours or fewer.
-constexpr std::int64_t middle = 850;
+constexpr std::int64_t middle = 820;
 
 BENCHMARK(selectByClassFieldAndBox)
     ->Arg(10 * million)

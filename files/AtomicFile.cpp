@@ -1,5 +1,6 @@
 #include "files/AtomicFile.h"
 
+#include "files/MappedFile.h"
 #include "files/Stop.h"
 #include "files/temporaryName.h"
 
@@ -149,6 +150,25 @@ bool AtomicFile::reserve(std::uint64_t size, std::string& error) {
   const std::error_code code = size == 0 ? std::error_code() : System::reserve(file_, size);
   if (code) error = whyNotWritten(name_, code);
   return !code;
+}
+
+bool AtomicFile::shareBlocks(const MappedFile& input) {
+  return !System::shareBlocks(file_, input.descriptor(), input.bytes().size());
+}
+
+bool AtomicFile::copy(std::uint64_t offset, const MappedFile& input, std::uint64_t from, std::size_t size,
+                      std::string& error) {
+  while (size > 0) {
+    if (stopped(error)) return false;
+    std::size_t copied = 0;
+    if (System::copyAt(file_, offset, input.descriptor(), from, std::min(size, pieceSize), copied))
+      return write(offset, input.bytes().subspan(from, size), error);
+    if (copied >= worthStarting) System::startFlush(file_, offset, copied);
+    offset += copied;
+    from += copied;
+    size -= copied;
+  }
+  return true;
 }
 
 bool AtomicFile::write(std::uint64_t offset, std::span<const std::byte> bytes, std::string& error) {

@@ -10,6 +10,7 @@
 
 namespace Zamt {
 
+class MappedFile;
 class Stop;
 
 /// A file that appears under its name only when it is complete. It is written under a temporary name in the
@@ -37,6 +38,15 @@ public:
   /// Makes room for `size` bytes, so that a full disk shows before the work. False with a sentence in
   /// `error`.
   bool reserve(std::uint64_t size, std::string& error);
+
+  /// Starts with the bytes of another file, whose blocks it shares until they are written over. False where
+  /// that can't be; nothing has happened then. To be asked before anything else is done with the file.
+  bool shareBlocks(const MappedFile& input);
+
+  /// Writes the bytes of another file from a place of it on, as `write` does, but has the system copy them
+  /// where it can.
+  bool copy(std::uint64_t offset, const MappedFile& input, std::uint64_t from, std::size_t size,
+            std::string& error);
 
   /// Writes bytes at a place of the file. False, with a sentence in `error`, when the disk is full or the
   /// work was stopped.

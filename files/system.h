@@ -76,6 +76,16 @@ std::error_code givePermissions(const File& file, const Occupant& replaced);
 /// Makes room for that many bytes, as far as the file system knows how to.
 std::error_code reserve(const File& file, std::uint64_t size);
 
+/// Fills an empty file with the first `size` bytes of the one that is open for reading as `from`, by sharing
+/// its blocks until either file is given others. Fails, and leaves the file empty, where the file system
+/// can't.
+std::error_code shareBlocks(const File& file, int from, std::uint64_t size);
+
+/// Copies up to all of `size` bytes at a place of the file that is open for reading as `from`, without their
+/// passing through this process. Fails where the file system can't; `copied` says how many were.
+std::error_code copyAt(const File& file, std::uint64_t offset, int from, std::uint64_t fromOffset,
+                       std::size_t size, std::size_t& copied);
+
 /// Writes up to all of `bytes` at a place of the file; `written` says how many.
 std::error_code writeAt(const File& file, std::uint64_t offset, std::span<const std::byte> bytes,
                         std::size_t& written);

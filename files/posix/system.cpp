@@ -10,6 +10,10 @@
 #include <new>
 #include <string_view>
 #include <sys/file.h>
+#if defined(__linux__)
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#endif
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -167,6 +171,41 @@ std::error_code reserve(const File& file, std::uint64_t size) {
   const std::error_code code = lastError();
   return code == std::errc::no_space_on_device || code == std::errc::file_too_large ? code
                                                                                     : std::error_code();
+}
+
+std::error_code shareBlocks([[maybe_unused]] const File& file, [[maybe_unused]] int from,
+                            [[maybe_unused]] std::uint64_t size) {
+#if defined(FICLONE)
+  if (isBeyondLimit(size)) return std::make_error_code(std::errc::file_too_large);
+  if (::ioctl(file.handle(), FICLONE, from) != 0) return lastError();
+  const std::error_code code = cut(file, size);
+  if (code) cut(file, 0);
+  return code;
+#else
+  return std::make_error_code(std::errc::not_supported);
+#endif
+}
+
+std::error_code copyAt([[maybe_unused]] const File& file, [[maybe_unused]] std::uint64_t offset,
+                       [[maybe_unused]] int from, [[maybe_unused]] std::uint64_t fromOffset,
+                       [[maybe_unused]] std::size_t size, std::size_t& copied) {
+  copied = 0;
+#if defined(__linux__)
+  if (isBeyondLimit(offset + size)) return std::make_error_code(std::errc::file_too_large);
+  auto source = static_cast<off_t>(fromOffset);
+  auto target = static_cast<off_t>(offset);
+  ssize_t taken = -1;
+  do {
+    taken = ::copy_file_range(from, &source, file.handle(), &target, size, 0);
+  } while (taken < 0 && errno == EINTR);
+  if (taken < 0) return lastError();
+  // Some file systems copy nothing instead of saying that they can't.
+  if (taken == 0 && size != 0) return std::make_error_code(std::errc::not_supported);
+  copied = static_cast<std::size_t>(taken);
+  return {};
+#else
+  return std::make_error_code(std::errc::not_supported);
+#endif
 }
 
 std::error_code writeAt(const File& file, std::uint64_t offset, std::span<const std::byte> bytes,

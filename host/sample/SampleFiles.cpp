@@ -32,8 +32,8 @@ bool writeSample(const SampleScene& scene, const std::string& cloudPath, const s
   const auto fill = [&](std::uint64_t index, NewPoint& point) {
     fillPoint(readers.local().at(index), point);
   };
-  return writePly(surfacePath, scene.water(), problem) &&
-         buildCloud(cloud, scene.points(), fill, cloudPath, stop, problem);
+  return buildCloud(cloud, scene.points(), fill, cloudPath, stop, problem) &&
+         writePly(surfacePath, scene.water(), problem);
 }
 
 } // namespace Zamt::Host

@@ -62,18 +62,22 @@ protected:
 
 TEST_F(CloudWriterTest, OnlyTheClassBitsOfChangedPointsDiffer) {
   REQUIRE_REAL_CLOUDS();
-  for (const std::string& file : realClouds()) {
+  std::vector<std::string> files = realClouds();
+  files.push_back(built()); // beside the output, where a file system may let both share blocks
+  for (const std::string& file : files) {
     SCOPED_TRACE(file);
     const auto cloud = openWell(file);
     if (!cloud) continue;
     std::string expected = readFile(file);
     EXPECT_TRUE(written(*cloud, {}) == expected);
-    Testing::setClasses(*cloud, 29, [](std::uint64_t point) { return point % 3 == 0; });
-    for (std::uint64_t point = 0; point < cloud->size(); point += 3) {
-      char& byte = expected[classAt(expected, point)];
-      byte = static_cast<char>(expected[104] >= 6 ? 29 : (byte & 0xE0) | 29);
+    for (const std::uint64_t step : {5000U, 3U}) {
+      Testing::setClasses(*cloud, 29, [step](std::uint64_t point) { return point % step == 0; });
+      for (std::uint64_t point = 0; point < cloud->size(); point += step) {
+        char& byte = expected[classAt(expected, point)];
+        byte = static_cast<char>(expected[104] >= 6 ? 29 : (byte & 0xE0) | 29);
+      }
+      EXPECT_TRUE(written(*cloud, {}) == expected);
     }
-    EXPECT_TRUE(written(*cloud, {}) == expected);
   }
 }
 
@@ -200,7 +204,7 @@ TEST_F(CloudWriterTest, AFileThatNoOtherMayReplaceIsRefusedWithAnotherWay) {
   for (const Perms of : {readOnly, everybodys | Perms::sticky_bit}) {
     std::filesystem::permissions(path(), of);
     EXPECT_TRUE(Testing::asNobody([&] {
-      return refusal(*open(file), {}, file) == "The directory \"" + path() +
+      return refusal(*openWell(file), {}, file) == "The directory \"" + path() +
                                                    "\" lets no other file take the place of \"" + file +
                                                    "\". Write to another directory with -o.";
     }));

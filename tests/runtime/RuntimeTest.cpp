@@ -184,6 +184,7 @@ private:
        [this](const std::string& labels) {
          scene_.presets["Edit/MaskedLabels"]["labels"] = labelText(labels);
        }},
+      {"settles", [this](const std::string& count) { scene_.settleResult = std::stoi(count); }},
       {"refuse", [this](const std::string& call) { scene_.refused.insert(call); }},
       {"allow", [this](const std::string& /*all*/) { scene_.refused.clear(); }},
       {"touch", [this](const std::string& name) { quindle(name).touch(); }},

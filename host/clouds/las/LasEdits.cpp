@@ -49,6 +49,10 @@ std::uint64_t LasEdits::movedPoints(std::size_t pointOffset) const {
   return to;
 }
 
+bool LasEdits::movesNothing() const {
+  return std::ranges::all_of(edits_, [](const Edit& edit) { return edit.added == edit.removed; });
+}
+
 bool LasEdits::isKept(std::uint64_t place) const {
   return std::ranges::none_of(edits_, [&](const Edit& edit) {
     return edit.ofPoints && edit.at <= place && place - edit.at < edit.removed;

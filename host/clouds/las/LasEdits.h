@@ -41,6 +41,9 @@ public:
   /// Where the points start in the output, if they start at `pointOffset` in the input.
   std::uint64_t movedPoints(std::size_t pointOffset) const;
 
+  /// Whether every byte that is kept stays where it is.
+  bool movesNothing() const;
+
   /// Whether a place is not among the points that were replaced.
   bool isKept(std::uint64_t place) const;
 

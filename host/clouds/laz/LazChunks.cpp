@@ -47,10 +47,11 @@ public:
     if (firstChunk < data.offset || firstChunk > file.size()) return "it ends before its first chunk";
     if (readAnyTable(found)) return {};
     // A file without points may end behind a place that says nothing.
-    if (data.points == 0) {
+    if (data.points == 0 && !tellsOfPoints) {
       found = {{}, false, firstChunk};
       return {};
     }
+    if (tellsOfPoints) return problem;
     if (format.isVariable()) return problem + ", and without it chunks of different sizes can't be found";
     return walk(found);
   }
@@ -86,6 +87,11 @@ private:
     if (load<std::uint32_t>(&file[at]) != 0) return false;
     if (count > (at - firstChunk) / format.smallestChunk()) return false;
     if (count == 0 && data.points != 0) return false;
+    if (count != 0 && data.points == 0) {
+      problem = "its header says that it has no points, but its chunk table tells of some";
+      tellsOfPoints = true;
+      return false;
+    }
     found = {{}, true, at + tableHead};
     return count == 0 || readChunks(at, count, found);
   }
@@ -170,7 +176,8 @@ private:
   std::span<const std::byte> file;
   LazPointData data;
   std::uint64_t firstChunk;
-  std::string problem; ///< Why there is no table that can be used.
+  std::string problem;        ///< Why there is no table that can be used.
+  bool tellsOfPoints = false; ///< The table, though there are none.
 };
 
 } // namespace

@@ -14,7 +14,9 @@ class LazDecoder::Body {
 public:
   virtual ~Body() = default;
   virtual bool begin(std::span<const std::byte> chunk, std::uint64_t points,
-                     std::span<const LazColumn> columns, bool wantsClassContexts, std::string& damage) = 0;
+                     std::span<const LazColumn> columns, bool wantsClassContexts, std::string& damage,
+                     std::span<const std::uint8_t> known) = 0;
+  virtual bool decodesClassContexts() const { return false; }
   virtual bool next(std::size_t count, std::span<const LazColumn> columns, std::string& damage,
                     std::uint8_t* classContexts) = 0;
   virtual bool finish(std::string& damage) = 0;
@@ -59,7 +61,7 @@ public:
   }
 
   bool begin(std::span<const std::byte> bytes, std::uint64_t, std::span<const LazColumn>, bool,
-             std::string& damage) override {
+             std::string& damage, std::span<const std::uint8_t>) override {
     if (bytes.size() < format.recordLength) {
       damage = "it is shorter than one point";
       return false;
@@ -142,7 +144,8 @@ public:
       : format(format_), layers(format_), streams(format_.layerCount()) {}
 
   bool begin(std::span<const std::byte> bytes, std::uint64_t points, std::span<const LazColumn> columns,
-             bool wantsClassContexts, std::string& damage) override {
+             bool wantsClassContexts, std::string& damage,
+             std::span<const std::uint8_t> knownContexts) override {
     if (!readLayeredChunk(format, bytes, chunk) || chunk.size != bytes.size()) {
       damage = "the sizes of its layers are not those of the chunk";
       return false;
@@ -158,6 +161,7 @@ public:
     }
     first = bytes.first(format.recordLength);
     atStart = true;
+    known = knownContexts;
     startLayers(columns, wantsClassContexts);
     return true;
   }
@@ -169,6 +173,7 @@ public:
       for (std::size_t part = 0; part < columns.size(); ++part)
         if (columns[part].at) copyPart(format.parts[part], first.data(), 0, columns[part], 1);
       if (classContexts) classContexts[0] = static_cast<std::uint8_t>(firstContext);
+      if (!known.empty()) known = known.subspan(1);
       atStart = false;
       done = 1;
     }
@@ -190,6 +195,7 @@ public:
   }
 
   std::size_t consumed() const override { return chunk.size; }
+  bool decodesClassContexts() const override { return streams[returnLayer].isDecoded; }
 
 private:
   static constexpr std::size_t blockPoints = 1024;
@@ -230,7 +236,7 @@ private:
       startStream(layer);
       coder.start(firstContext, load<Value>(&first[format.parts[part].offset]), layers.hasOddChannels);
     });
-    if (needsContexts && !chunk.layers[returnLayer].empty()) startStream(returnLayer);
+    if (needsContexts && known.empty() && !chunk.layers[returnLayer].empty()) startStream(returnLayer);
   }
 
   bool decodeBlock(std::size_t from, std::size_t count, std::span<const LazColumn> columns,
@@ -238,6 +244,10 @@ private:
     if (streams[returnLayer].isDecoded && !decodeReturns(from, count, columns)) {
       endedLayer = returnLayer;
       return false;
+    }
+    if (!known.empty()) {
+      std::ranges::copy(known.first(count), contexts.begin());
+      known = known.subspan(count);
     }
     if (classContexts)
       std::transform(contexts.begin(), contexts.begin() + static_cast<std::ptrdiff_t>(count),
@@ -305,6 +315,7 @@ private:
   std::span<const std::byte> first;
   PointContext firstContext = 0;
   bool atStart = false;
+  std::span<const std::uint8_t> known; ///< Class contexts of the points that are left; mostly none.
   std::size_t endedLayer = 0;
   std::array<PointContext, blockPoints> contexts{};
 };
@@ -330,9 +341,12 @@ bool LazDecoder::decode(std::span<const std::byte> chunk, std::uint64_t points,
 }
 
 bool LazDecoder::begin(std::span<const std::byte> chunk, std::uint64_t points,
-                       std::span<const LazColumn> columns, bool wantsClassContexts, std::string& damage) {
-  return body->begin(chunk, points, columns, wantsClassContexts, damage);
+                       std::span<const LazColumn> columns, bool wantsClassContexts, std::string& damage,
+                       std::span<const std::uint8_t> known) {
+  return body->begin(chunk, points, columns, wantsClassContexts, damage, known);
 }
+
+bool LazDecoder::decodesClassContexts() const { return body->decodesClassContexts(); }
 
 bool LazDecoder::next(std::size_t count, std::span<const LazColumn> columns, std::string& damage,
                       std::uint8_t* classContexts) {

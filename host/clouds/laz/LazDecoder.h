@@ -36,9 +36,13 @@ public:
   // The same in steps, for chunks of more points than there is room for.
 
   /// Starts a chunk, of which the parts with a column that is not null are asked for. The bytes must stay
-  /// until it is finished.
+  /// until it is finished. `known`, which must stay as well, is empty, or the class contexts that were given
+  /// of this chunk before; then only classes may be asked for, and the first layer is left alone.
   bool begin(std::span<const std::byte> chunk, std::uint64_t points, std::span<const LazColumn> columns,
-             bool wantsClassContexts, std::string& damage);
+             bool wantsClassContexts, std::string& damage, std::span<const std::uint8_t> known = {});
+
+  /// Whether the chunk that was begun has its class contexts decoded, be it for other columns.
+  bool decodesClassContexts() const;
 
   /// Decodes the next `count` points, which must be left, to the columns that were null or not in `begin`.
   bool next(std::size_t count, std::span<const LazColumn> columns, std::string& damage,

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "host/clouds/las/LasFile.h"
+#include "host/clouds/laz/ClassContexts.h"
 #include "host/clouds/laz/CopcIndex.h"
 #include "host/clouds/laz/LazChunks.h"
 
+#include <memory>
 #include <optional>
 
 namespace Zamt::Host {
@@ -14,6 +16,7 @@ struct LazFile : LasFile {
   LazChunks chunks;
   std::size_t lazRecord = 0; ///< The place of the LAZ record among the records of the layout.
   std::optional<CopcIndex> copc;
+  std::unique_ptr<ClassContexts> contexts; ///< Of layered points.
 
   std::span<const std::byte> chunk(std::size_t number) const {
     const LazChunk& place = chunks.chunks[number];

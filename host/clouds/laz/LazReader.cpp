@@ -50,6 +50,11 @@ public:
     if (block != block_)
       for (Slot& slot : slots_) slot.isDecoded = false;
     block_ = block;
+    if (file_.contexts && key.field == file_.layout.classField)
+      if (const auto kept = file_.contexts->classes(block, points()); !kept.empty()) {
+        column = {kept.data(), 1, FieldType::U8};
+        return true;
+      }
     const Place place = placeOf(key);
     if (!slots_[place.slot].isDecoded && !decode(place.slot, problem)) return false;
     const LasField& field = file_.layout.fields[key.field];
@@ -109,15 +114,38 @@ private:
 
   bool decode(const std::vector<Slot*>& slots, std::string& damage) {
     const std::span<const std::byte> chunk = file_.chunk(block_);
+    const std::span<const std::uint8_t> known = knownContexts(slots);
+    bool areKept = false;
     for (std::size_t done = 0; done < points();) {
       const std::size_t count = std::min(points() - done, pointsAtOnce);
       for (Slot* const slot : slots) place(*slot, done, count);
-      if (done == 0 && !decoder_.begin(chunk, points(), columns_, false, damage)) return false;
-      if (!decoder_.next(count, columns_, damage)) return false;
+      if (done == 0 && !decoder_.begin(chunk, points(), columns_, false, damage, known)) return false;
+      if (done == 0) areKept = file_.contexts && decoder_.decodesClassContexts();
+      if (areKept) contexts_.resize(done + count);
+      if (!decoder_.next(count, columns_, damage, areKept ? &contexts_[done] : nullptr)) return false;
       done += count;
     }
     std::ranges::fill(columns_, LazColumn{});
-    return decoder_.finish(damage);
+    if (!decoder_.finish(damage)) return false;
+    if (areKept) file_.contexts->keep(block_, contexts_, decodedClasses(slots));
+    return true;
+  }
+
+  Slot* classSlot() { return &slots_[placeOf({file_.layout.classField, 0}).slot]; }
+
+  /// The classes of the block if they are among what was decoded.
+  std::span<const std::byte> decodedClasses(const std::vector<Slot*>& slots) {
+    if (std::ranges::find(slots, classSlot()) == slots.end()) return {};
+    return std::span(classSlot()->values).first(points());
+  }
+
+  /// What was kept of an earlier decoding of the block, if no more than that is needed.
+  std::span<const std::uint8_t> knownContexts(const std::vector<Slot*>& slots) {
+    if (!file_.contexts || slots.size() != 1 || slots[0] != classSlot()) return {};
+    if (!file_.contexts->has(block_)) return {};
+    contexts_.resize(points());
+    file_.contexts->read(block_, contexts_);
+    return contexts_;
   }
 
   /// Has the parts of a slot decoded behind the points that are.
@@ -135,8 +163,9 @@ private:
   LazDecoder decoder_;
   std::vector<LazColumn> columns_;
   std::vector<Slot> slots_;
-  std::vector<Place> places_;         ///< Of three components of each field; empty if there is one slot.
-  std::vector<std::uint8_t> classes_; ///< Of points that say them in two places.
+  std::vector<Place> places_;          ///< Of three components of each field; empty if there is one slot.
+  std::vector<std::uint8_t> contexts_; ///< What the first layer says to that of classes.
+  std::vector<std::uint8_t> classes_;  ///< Of points that say them in two places.
   std::size_t block_ = ~std::size_t{0};
 };
 

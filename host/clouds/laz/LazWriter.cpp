@@ -20,9 +20,9 @@ namespace {
 class ChangedChunks : public LazChunkMaker {
 public:
   ChangedChunks(const LazFile& input, const ClassOverlay& changed)
-      : input_(input),
-        changed_(changed),
-        encoders_([&input] { return LazClassEncoder(input.coding, input.layout.secondClassAt); }) {}
+      : input_(input), changed_(changed), locals_([&input] {
+          return Local{LazClassEncoder(input.coding, input.layout.secondClassAt), {}};
+        }) {}
 
   std::span<const std::byte> original(std::size_t chunk) const override {
     return changed_.of(chunk).empty() ? input_.chunk(chunk) : std::span<const std::byte>();
@@ -30,18 +30,27 @@ public:
 
   bool make(std::size_t chunk, std::vector<std::byte>& bytes, std::string& problem) override {
     std::string damage;
-    if (encoders_.local().encode(input_.chunk(chunk), changed_.of(chunk), {}, bytes, damage)) return true;
+    Local& local = locals_.local();
+    const std::span<const std::uint8_t> classes = changed_.of(chunk);
+    local.contexts.resize(classes.size());
+    if (!input_.contexts || !input_.contexts->read(chunk, local.contexts)) local.contexts.clear();
+    if (local.encoder.encode(input_.chunk(chunk), classes, local.contexts, bytes, damage)) return true;
     problem = chunkDamaged(input_.path, chunk, input_.chunks.chunks[chunk].offset, damage);
     return false;
   }
 
 private:
+  struct Local {
+    LazClassEncoder encoder;
+    std::vector<std::uint8_t> contexts;
+  };
+
   const LazFile& input_;
   const ClassOverlay& changed_;
-  tbb::enumerable_thread_specific<LazClassEncoder> encoders_;
+  tbb::enumerable_thread_specific<Local> locals_;
 };
 
-/// The points of another file, cut into chunks.
+/// The points of a source, cut into chunks; one without points has no bytes.
 class NewChunks : public LazChunkMaker {
 public:
   NewChunks(const LasSource& source, const ClassOverlay& changed, const LazFormat& format,
@@ -53,6 +62,7 @@ public:
   std::span<const std::byte> original(std::size_t /*chunk*/) const override { return {}; }
 
   bool make(std::size_t chunk, std::vector<std::byte>& bytes, std::string& problem) override {
+    if (chunks_[chunk].points == 0) return true;
     Local& local = locals_.local();
     const std::size_t length = source_.file().layout.recordLength;
     local.records.resize(chunks_[chunk].points * length);
@@ -81,38 +91,6 @@ private:
   const LasSource& source_;
   const ClassOverlay& changed_;
   const std::vector<LazChunk>& chunks_;
-  tbb::enumerable_thread_specific<Local> locals_;
-};
-
-/// The chunks of a COPC file with some of their points; those without any are empty.
-class KeptChunks : public LazChunkMaker {
-public:
-  KeptChunks(const LazFile& input, const KeptPoints& kept)
-      : kept_(kept), locals_([&input, &kept] {
-          return Local{kept.makeRecordReader(), LazEncoder(input.coding), {}};
-        }) {}
-
-  std::span<const std::byte> original(std::size_t /*chunk*/) const override { return {}; }
-
-  bool make(std::size_t chunk, std::vector<std::byte>& bytes, std::string& problem) override {
-    const std::size_t points = kept_.blocks().count(chunk);
-    if (points == 0) return true;
-    Local& local = locals_.local();
-    local.records.resize(points * kept_.file().layout.recordLength);
-    if (!local.reader->read(chunk, 0, local.records, problem)) return false;
-    local.encoder.add(local.records);
-    local.encoder.finish(bytes);
-    return true;
-  }
-
-private:
-  struct Local {
-    std::unique_ptr<RecordReader> reader;
-    LazEncoder encoder;
-    std::vector<std::byte> records;
-  };
-
-  const KeptPoints& kept_;
   tbb::enumerable_thread_specific<Local> locals_;
 };
 
@@ -193,8 +171,9 @@ bool writeKeptNodes(const LazFile& input, const KeptPoints& kept, const std::str
   const auto file = AtomicFile::create(path, error, &stop);
   if (!file) return false;
   const std::uint64_t start = input.layout.pointOffset;
-  KeptChunks maker(input, kept);
+  const ClassOverlay unchanged(kept.blocks());
   std::vector<LazChunk> chunks = chunksOf(kept.blocks());
+  NewChunks maker(kept, unchanged, input.coding, chunks);
   std::uint64_t end = 0;
   if (!writeLazChunks(input.coding, maker, start, *file, chunks, end, error)) return false;
   edits.replacePoints(input.layout.pointOffset, input.keptFrom(), end - start);

@@ -163,6 +163,7 @@ std::unique_ptr<const CloudFormat> openLaz(std::unique_ptr<MappedFile> file, con
     if (!readCopcIndex(laz, laz.chunks.chunks, index, error)) return nullptr;
     laz.copc = std::move(index);
   }
+  if (laz.coding.isLayered()) laz.contexts = std::make_unique<ClassContexts>(laz.chunks.chunks.size());
   return std::make_unique<LazCloud>(std::move(laz));
 }
 

@@ -140,6 +140,32 @@ TEST_F(LazCloudTest, WhatCannotBeDecodedEndsInTheSentenceOfTheGoldenDocument) {
   EXPECT_TRUE(names().empty());
 }
 
+TEST_F(LazCloudTest, AWrongNumberOfPointsEndsInASentenceAndAWrongPlaceOfTheTableIsDoneWithout) {
+  const std::string sound = readFile(files.at("pf6.laz").path);
+  const auto start = numberAt<std::uint32_t>(sound, 96);
+  const auto said = [&](std::size_t at, std::uint64_t value) -> std::string {
+    std::string bytes = sound;
+    putNumber(bytes, at, value);
+    const auto cloud = Host::openCloud(write("a.laz", bytes), error);
+    Host::ClassCounts counts{};
+    if (cloud && Host::countClasses(*cloud, goOn, counts, error)) return std::to_string(cloud->size());
+    return error.substr(0, error.find(". Fetch"));
+  };
+  const std::string file = "\"" + path("a.laz") + "\"";
+  const std::string cannot = "The points of " + file + " can't be read: its ";
+  const std::string last = "Chunk 2 of " + file + ", at byte 123332, is damaged: it says 5408 points, where ";
+  EXPECT_EQ(said(247, 0), cannot + "header says that it has no points, but its chunk table tells of some");
+  EXPECT_EQ(said(247, 25407), last + "5407 are expected");
+  EXPECT_EQ(said(247, 25409), last + "5409 are expected");
+  for (const unsigned bits : {40U, 63U})
+    EXPECT_EQ(said(247, std::uint64_t{1} << bits),
+              cannot + "chunk table is damaged, and in chunk 2, at byte 123332, there are 5408 points, where "
+                       "10000 are expected");
+  for (const std::uint64_t place : {std::uint64_t{0}, std::uint64_t{start}, std::uint64_t{start} + 8,
+                                    sound.size() - 8, sound.size() - 7, ~std::uint64_t{0}, ~std::uint64_t{7}})
+    EXPECT_EQ(said(start, place), "25408") << place;
+}
+
 TEST_F(LazCloudTest, ANewClassNameMovesAllPlacesWithIt) {
   for (const auto& [name, file] : files) {
     if (file.sum.empty()) continue;
@@ -240,7 +266,7 @@ TEST_F(LazCloudTest, ExtractedPartsHaveTheirPointsAllRecordsAndAHeaderThatIsTrue
     const Laz::LazFile before = Laz::decodeLaz(input);
     for (const std::uint64_t step : {1, 3, 1000000}) { // the last one keeps the first point
       SCOPED_TRACE(name + " " + std::to_string(step));
-      const auto cloud = open(file.path);
+      const auto cloud = openWell(file.path);
       Host::PointMask kept(cloud->size());
       std::string points;
       for (std::uint64_t i = 0; i < cloud->size(); i += step) {
@@ -249,7 +275,7 @@ TEST_F(LazCloudTest, ExtractedPartsHaveTheirPointsAllRecordsAndAHeaderThatIsTrue
       }
       EXPECT_TRUE(cloud->extract(kept, path("out.laz"), goOn, error)) << error;
       EXPECT_TRUE(cloud->extract(kept, path("out.las"), goOn, error)) << error;
-      const auto las = open(path("out.las"));
+      const auto las = openWell(path("out.las"));
       EXPECT_TRUE(las->extract(Host::PointMask(las->size(), true), path("again.laz"), goOn, error)) << error;
       for (const char* made : {"out.laz", "again.laz"}) {
         const std::string bytes = readFile(path(made));
@@ -272,12 +298,12 @@ TEST_F(LazCloudTest, ExtractedPartsHaveTheirPointsAllRecordsAndAHeaderThatIsTrue
 TEST_F(LazCloudTest, AnExtractedPartOfACopcFileKeepsItsTree) {
   for (const std::string name : {"copc_pf7.copc.laz", "copc_pf7_pages.copc.laz", "copc_pf7_big.copc.laz"}) {
     SCOPED_TRACE(name);
-    const auto cloud = open(files.at(name).path);
+    const auto cloud = openWell(files.at(name).path);
     const std::vector<double> times = readField(*cloud, "GpsTime");
     Host::PointMask kept(cloud->size()); // all of the first half and nothing of the rest
     for (std::uint64_t i = 0; i < cloud->size() / 2; ++i) kept.set(i);
     ASSERT_TRUE(cloud->extract(kept, path(name), goOn, error)) << error;
-    const auto smaller = open(path(name));
+    const auto smaller = openWell(path(name));
     EXPECT_EQ(smaller->size(), kept.count());
     EXPECT_LT(smaller->blocks().size(), cloud->blocks().size());
     const std::string bytes = readFile(path(name));
@@ -286,7 +312,7 @@ TEST_F(LazCloudTest, AnExtractedPartOfACopcFileKeepsItsTree) {
     EXPECT_EQ(numberAt<double>(bytes, 429 + 56), *low);
     EXPECT_EQ(numberAt<double>(bytes, 429 + 64), *high);
     EXPECT_EQ(npmVerdict(path(name)), plainVerdict(bytes));
-    EXPECT_FALSE(open(files.at("pf6.laz").path)->extract(kept, path("b.copc.laz"), goOn, error));
+    EXPECT_FALSE(openWell(files.at("pf6.laz").path)->extract(kept, path("b.copc.laz"), goOn, error));
     EXPECT_TRUE(error.ends_with("Let the name end in .laz instead.")) << error;
   }
 }
