@@ -50,13 +50,13 @@ std::unique_ptr<MappedFile> MappedFile::open(const std::string& path, std::strin
     error = whyNotOpened(path, errno);
     return nullptr;
   }
-  result->content = {static_cast<const std::byte*>(start), size};
+  result->content_ = {static_cast<const std::byte*>(start), size};
   return result;
 }
 
 MappedFile::~MappedFile() {
-  if (!content.empty()) ::munmap(const_cast<std::byte*>(content.data()), content.size());
-  ::close(file);
+  if (!content_.empty()) ::munmap(const_cast<std::byte*>(content_.data()), content_.size());
+  ::close(file_);
 }
 
 } // namespace Zamt

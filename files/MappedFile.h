@@ -18,13 +18,13 @@ public:
   MappedFile(const MappedFile&) = delete;
   MappedFile& operator=(const MappedFile&) = delete;
 
-  std::span<const std::byte> bytes() const { return content; }
-  int descriptor() const { return file; }
+  std::span<const std::byte> bytes() const { return content_; }
+  int descriptor() const { return file_; }
 
 private:
-  explicit MappedFile(int descriptor) : file(descriptor) {}
-  int file;
-  std::span<const std::byte> content;
+  explicit MappedFile(int descriptor) : file_(descriptor) {}
+  int file_;
+  std::span<const std::byte> content_;
 };
 
 } // namespace Zamt

@@ -2,6 +2,7 @@
 
 #include "host/session/ClassTable.h"
 #include "host/session/Collection.h"
+#include "quindle/core/QuindleNodes.h"
 
 #include <algorithm>
 #include <string_view>
@@ -28,6 +29,18 @@ std::string offerFor(const Diag::Entry& entry) {
   const std::size_t end = message.size() - missing.size();
   const std::size_t begin = message.rfind('"', end - 1) + 1;
   return nearestInCollection(scanCollection(), message.substr(begin, end - begin));
+}
+
+bool runsOthers(const QuindleDocument& document) {
+  return std::ranges::any_of(quindleSteps(document),
+                             [](const QuindleStep* step) { return step->kind == QuindleStep::Kind::Run; });
+}
+
+/// The file that an entry is about. A place without a file is one in the Quindle that is run, if there is no
+/// other that it might be in.
+const std::string& fileOf(const Diag::Entry& entry, const QuindleDocument& document) {
+  const bool lacksFile = entry.file.empty() && entry.line != 0;
+  return lacksFile && !runsOthers(document) ? document.sourceFile : entry.file;
 }
 
 } // namespace
@@ -79,7 +92,7 @@ void JobScene::finishDiag(const JobCloud& cloud, Diag& diag) const {
   Diag kept;
   for (const Diag::Entry& entry : diag.entries) {
     if (!isWanted(entry)) continue;
-    kept.at(entry.severity, entry.message, entry.file, entry.line, entry.column);
+    kept.at(entry.severity, entry.message, fileOf(entry, job_.document), entry.line, entry.column);
     if (const std::string offer = offerFor(entry); !offer.empty()) kept.note(offer.substr(1), entry.file);
   }
   if (const auto grid = scene_.grid())

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <filesystem>
+#include <fmt/format.h>
 #include <system_error>
 
 namespace Zamt::Host {
@@ -29,8 +30,9 @@ bool readNumber(std::string_view text, double& number) {
 bool readLevel(std::string_view text, SurfaceText& surface, std::string& problem) {
   surface.kind = SurfaceText::Kind::Level;
   if (readNumber(text, surface.level)) return true;
-  problem = "The surface \"" + std::string(levelPrefix) + std::string(text) +
-            "\" has no height. Write the number of a height behind it, as in \"level:405.2\".";
+  problem = fmt::format("The surface \"{}{}\" has no height. Write the number of a height behind it, as in "
+                        "\"level:405.2\".",
+                        levelPrefix, text);
   return false;
 }
 
@@ -38,10 +40,9 @@ bool readOption(std::string_view text, SurfaceText& surface, std::string& proble
   if (text.starts_with(longestOption) && readNumber(text.substr(longestOption.size()), surface.longest) &&
       surface.longest > 0)
     return true;
-  problem =
-      "\"" + std::string(text) +
-      "\" says nothing about a surface of classes. Write how long a side of its triangles may be, as in "
-      "\"class:Ground?longest=20\".";
+  problem = fmt::format("\"{}\" says nothing about a surface of classes. Write how long a side of its "
+                        "triangles may be, as in \"class:Ground?longest=20\".",
+                        text);
   return false;
 }
 

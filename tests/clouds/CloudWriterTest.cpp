@@ -205,8 +205,8 @@ TEST_F(CloudWriterTest, AFileThatNoOtherMayReplaceIsRefusedWithAnotherWay) {
     std::filesystem::permissions(path(), of);
     EXPECT_TRUE(Testing::asNobody([&] {
       return refusal(*openWell(file), {}, file) == "The directory \"" + path() +
-                                                   "\" lets no other file take the place of \"" + file +
-                                                   "\". Write to another directory with -o.";
+                                                       "\" lets no other file take the place of \"" + file +
+                                                       "\". Write to another directory with -o.";
     }));
   }
   std::filesystem::permissions(path(), everybodys);
