@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <tuple>
 #include <utility>
 
 namespace Zamt::Host {
@@ -87,7 +88,7 @@ private:
     std::int64_t x;
     std::int64_t y;
     bool operator==(const Place&) const = default;
-    auto operator<=>(const Place&) const = default;
+    bool operator<(const Place& other) const { return std::tie(x, y) < std::tie(other.x, other.y); }
   };
 
   /// Brings the points into the order in which they are put in. Corners are positions in that order.

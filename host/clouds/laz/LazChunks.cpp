@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
-#include <ranges>
 
 namespace Zamt::Host {
 
@@ -23,50 +22,50 @@ constexpr std::size_t tableHead = 8;
 template <class Coder>
 class TableCoder {
 public:
-  explicit TableCoder(bool hasCounts_) : hasCounts(hasCounts_) { numbers.reset(); }
+  explicit TableCoder(bool hasCounts) : hasCounts_(hasCounts) { numbers_.reset(); }
 
   void code(Coder& coder, std::uint32_t& count, std::uint32_t& bytes) {
-    if (hasCounts) count = lastCount = numbers.code(coder, lastCount, count, 0);
-    bytes = lastBytes = numbers.code(coder, lastBytes, bytes, 1);
+    if (hasCounts_) count = lastCount_ = numbers_.code(coder, lastCount_, count, 0);
+    bytes = lastBytes_ = numbers_.code(coder, lastBytes_, bytes, 1);
   }
 
 private:
-  bool hasCounts;
-  std::uint32_t lastCount = 0;
-  std::uint32_t lastBytes = 0;
-  IntegerCoder<Coder, 32, 2> numbers;
+  bool hasCounts_;
+  std::uint32_t lastCount_ = 0;
+  std::uint32_t lastBytes_ = 0;
+  IntegerCoder<Coder, 32, 2> numbers_;
 };
 
 /// Finds the chunks of one file.
 class ChunkFinder {
 public:
-  ChunkFinder(const LazFormat& format_, std::span<const std::byte> file_, const LazPointData& data_)
-      : format(format_), file(file_), data(data_), firstChunk(data_.offset + sizeof(std::int64_t)) {}
+  ChunkFinder(const LazFormat& format, std::span<const std::byte> file, const LazPointData& data)
+      : format_(format), file_(file), data_(data), firstChunk_(data.offset + sizeof(std::int64_t)) {}
 
   std::string find(LazChunks& found) {
-    if (firstChunk < data.offset || firstChunk > file.size()) return "it ends before its first chunk";
+    if (firstChunk_ < data_.offset || firstChunk_ > file_.size()) return "it ends before its first chunk";
     if (readAnyTable(found)) return {};
     // A file without points may end behind a place that says nothing.
-    if (data.points == 0 && !tellsOfPoints) {
-      found = {{}, false, firstChunk};
+    if (data_.points == 0 && !tellsOfPoints_) {
+      found = {{}, false, firstChunk_};
       return {};
     }
-    if (tellsOfPoints) return problem;
-    if (format.isVariable()) return problem + ", and without it chunks of different sizes can't be found";
+    if (tellsOfPoints_) return problem_;
+    if (format_.isVariable()) return problem_ + ", and without it chunks of different sizes can't be found";
     return walk(found);
   }
 
 private:
   bool readAnyTable(LazChunks& found) {
-    const auto place = load<std::int64_t>(&file[data.offset]);
+    const auto place = load<std::int64_t>(&file_[data_.offset]);
     const auto at = static_cast<std::uint64_t>(place);
     if (place == -1) {
-      problem = "its compressor could not say where the chunk table is";
-      return readTableSaidAt(file.size(), found) ||
-             (data.evlrStart != 0 && readTableSaidAt(data.evlrStart, found));
+      problem_ = "its compressor could not say where the chunk table is";
+      return readTableSaidAt(file_.size(), found) ||
+             (data_.evlrStart != 0 && readTableSaidAt(data_.evlrStart, found));
     }
-    if (at == data.offset) {
-      problem = "it has no chunk table, since its compressor was interrupted";
+    if (at == data_.offset) {
+      problem_ = "it has no chunk table, since its compressor was interrupted";
       return false;
     }
     return readTable(at, found);
@@ -74,22 +73,22 @@ private:
 
   /// Reads the table whose place lies in the eight bytes before `end`; these then belong to the table.
   bool readTableSaidAt(std::uint64_t end, LazChunks& found) {
-    if (end > file.size() || end < firstChunk + tableHead + sizeof(std::int64_t)) return false;
-    if (!readTable(load<std::uint64_t>(&file[end - sizeof(std::int64_t)]), found)) return false;
+    if (end > file_.size() || end < firstChunk_ + tableHead + sizeof(std::int64_t)) return false;
+    if (!readTable(load<std::uint64_t>(&file_[end - sizeof(std::int64_t)]), found)) return false;
     if (found.end + sizeof(std::int64_t) == end) found.end = end;
     return true;
   }
 
   bool readTable(std::uint64_t at, LazChunks& found) {
-    problem = "its chunk table is damaged";
-    if (at < firstChunk || at > file.size() - tableHead) return false;
-    const auto count = load<std::uint32_t>(&file[at + 4]);
-    if (load<std::uint32_t>(&file[at]) != 0) return false;
-    if (count > (at - firstChunk) / format.smallestChunk()) return false;
-    if (count == 0 && data.points != 0) return false;
-    if (count != 0 && data.points == 0) {
-      problem = "its header says that it has no points, but its chunk table tells of some";
-      tellsOfPoints = true;
+    problem_ = "its chunk table is damaged";
+    if (at < firstChunk_ || at > file_.size() - tableHead) return false;
+    const auto count = load<std::uint32_t>(&file_[at + 4]);
+    if (load<std::uint32_t>(&file_[at]) != 0) return false;
+    if (count > (at - firstChunk_) / format_.smallestChunk()) return false;
+    if (count == 0 && data_.points != 0) return false;
+    if (count != 0 && data_.points == 0) {
+      problem_ = "its header says that it has no points, but its chunk table tells of some";
+      tellsOfPoints_ = true;
       return false;
     }
     found = {{}, true, at + tableHead};
@@ -99,13 +98,13 @@ private:
   bool readChunks(std::uint64_t table, std::uint32_t count, LazChunks& found) {
     StreamBytes stream;
     RangeDecoder coder;
-    coder.start(stream, file.subspan(table + tableHead));
-    auto numbers = std::make_unique<TableCoder<RangeDecoder>>(format.isVariable());
-    LazChunk next{0, 0, firstChunk, 0};
+    coder.start(stream, file_.subspan(table + tableHead));
+    auto numbers = std::make_unique<TableCoder<RangeDecoder>>(format_.isVariable());
+    LazChunk next{0, 0, firstChunk_, 0};
     for (std::uint32_t i = 0; i < count; ++i) {
       std::uint32_t bytes = 0;
       numbers->code(coder, next.points, bytes);
-      if (!format.isVariable()) next.points = pointsOfChunkAt(next.firstPoint);
+      if (!format_.isVariable()) next.points = pointsOfChunkAt(next.firstPoint);
       next.size = bytes;
       if (!coder.proceed() || coder.isBroken() || !isPossible(next, table)) return false;
       found.chunks.push_back(next);
@@ -114,31 +113,32 @@ private:
     }
     found.end += coder.consumed();
     // A gap before the table may be; but where a walk can tell, a table with one is more likely wrong.
-    return next.firstPoint == data.points && (next.offset == table || format.isVariable());
+    return next.firstPoint == data_.points && (next.offset == table || format_.isVariable());
   }
 
   std::uint32_t pointsOfChunkAt(std::uint64_t point) const {
-    const std::uint64_t rest = data.points - std::min(point, data.points);
-    return static_cast<std::uint32_t>(std::min<std::uint64_t>(rest, format.chunkSize));
+    const std::uint64_t rest = data_.points - std::min(point, data_.points);
+    return static_cast<std::uint32_t>(std::min<std::uint64_t>(rest, format_.chunkSize));
   }
 
   bool isPossible(const LazChunk& chunk, std::uint64_t end) const {
-    return chunk.points > 0 && chunk.points <= data.points - chunk.firstPoint &&
-           chunk.size >= format.smallestChunk() && chunk.size <= end - chunk.offset &&
+    return chunk.points > 0 && chunk.points <= data_.points - chunk.firstPoint &&
+           chunk.size >= format_.smallestChunk() && chunk.size <= end - chunk.offset &&
            (chunk.points - 1) / mostPointsPerByte < chunk.size;
   }
 
   /// Goes from chunk to chunk, all of which have as many points.
   std::string walk(LazChunks& found) {
-    found = {{}, false, firstChunk};
-    LazDecoder decoder(format);
-    LazChunk next{0, 0, firstChunk, 0};
-    while (next.firstPoint < data.points) {
+    found = {{}, false, firstChunk_};
+    LazDecoder decoder(format_);
+    LazChunk next{0, 0, firstChunk_, 0};
+    while (next.firstPoint < data_.points) {
       next.points = pointsOfChunkAt(next.firstPoint);
       std::string damage = measure(decoder, next);
-      if (damage.empty() && !isPossible(next, file.size())) damage = "there are too few bytes for its points";
+      if (damage.empty() && !isPossible(next, file_.size()))
+        damage = "there are too few bytes for its points";
       if (!damage.empty())
-        return problem + ", and in chunk " + std::to_string(found.chunks.size()) + ", at byte " +
+        return problem_ + ", and in chunk " + std::to_string(found.chunks.size()) + ", at byte " +
                std::to_string(next.offset) + ", " + damage;
       found.chunks.push_back(next);
       next.firstPoint += next.points;
@@ -150,10 +150,10 @@ private:
 
   /// Finds how many bytes a chunk has. Gives what is wrong with it; empty if nothing is.
   std::string measure(LazDecoder& decoder, LazChunk& chunk) const {
-    const auto bytes = file.subspan(static_cast<std::size_t>(chunk.offset));
-    if (!format.isLayered()) return measureByDecoding(decoder, bytes, chunk);
+    const auto bytes = file_.subspan(static_cast<std::size_t>(chunk.offset));
+    if (!format_.isLayered()) return measureByDecoding(decoder, bytes, chunk);
     LayeredChunk head;
-    if (!readLayeredChunk(format, bytes, head)) return "the file ends too early";
+    if (!readLayeredChunk(format_, bytes, head)) return "the file ends too early";
     if (head.points != chunk.points)
       return "there are " + std::to_string(head.points) + " points, where " + std::to_string(chunk.points) +
              " are expected";
@@ -163,7 +163,7 @@ private:
 
   std::string measureByDecoding(LazDecoder& decoder, std::span<const std::byte> bytes,
                                 LazChunk& chunk) const {
-    const std::vector<LazColumn> none(format.parts.size());
+    const std::vector<LazColumn> none(format_.parts.size());
     std::string damage;
     if (!decoder.begin(bytes, chunk.points, none, false, damage)) return damage;
     if (!decoder.next(chunk.points, none, damage)) return "the file ends too early";
@@ -172,12 +172,12 @@ private:
     return {};
   }
 
-  const LazFormat& format;
-  std::span<const std::byte> file;
-  LazPointData data;
-  std::uint64_t firstChunk;
-  std::string problem;        ///< Why there is no table that can be used.
-  bool tellsOfPoints = false; ///< The table, though there are none.
+  const LazFormat& format_;
+  std::span<const std::byte> file_;
+  LazPointData data_;
+  std::uint64_t firstChunk_;
+  std::string problem_;        ///< Why there is no table that can be used.
+  bool tellsOfPoints_ = false; ///< The table, though there are none.
 };
 
 } // namespace
@@ -201,7 +201,8 @@ std::vector<std::byte> lazChunkTable(const LazFormat& format, std::span<const La
   RangeEncoder coder;
   coder.start(bytes);
   auto numbers = std::make_unique<TableCoder<RangeEncoder>>(format.isVariable());
-  for (const LazChunk& chunk : chunks | std::views::filter(hasPoints)) {
+  for (const LazChunk& chunk : chunks) {
+    if (!hasPoints(chunk)) continue;
     std::uint32_t points = chunk.points;
     auto size = static_cast<std::uint32_t>(chunk.size);
     coder.proceed();

@@ -48,11 +48,11 @@ private:
   void setClasses(std::span<std::byte> records, std::span<const std::uint8_t> classes) const;
   LazDecoder& decoder();
 
-  const LazFormat* format;
-  std::optional<std::size_t> compatibleClassAt;
-  std::unique_ptr<Layer> layer;
-  std::optional<LazDecoder> decoderOfChunks; ///< Only once one is needed.
-  std::optional<LazEncoder> encoder;
+  const LazFormat* format_;
+  std::optional<std::size_t> compatibleClassAt_;
+  std::unique_ptr<Layer> layer_;
+  std::optional<LazDecoder> decoderOfChunks_; ///< Only once one is needed.
+  std::optional<LazEncoder> encoder_;
 };
 
 } // namespace Zamt::Host

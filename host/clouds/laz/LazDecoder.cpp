@@ -54,114 +54,114 @@ LazColumn behind(LazColumn column, std::size_t count) {
 /// filled.
 class LazDecoder::PointwiseBody : public LazDecoder::Body {
 public:
-  explicit PointwiseBody(const LazFormat& format_) : format(format_), points(format_) {
+  explicit PointwiseBody(const LazFormat& format) : format_(format), points_(format) {
     constexpr std::size_t blockBytes = 16384;
-    blockPoints = std::clamp<std::size_t>(blockBytes / format.recordLength, 1, 256);
-    records.resize((1 + blockPoints) * format.recordLength);
+    blockPoints_ = std::clamp<std::size_t>(blockBytes / format_.recordLength, 1, 256);
+    records_.resize((1 + blockPoints_) * format_.recordLength);
   }
 
   bool begin(std::span<const std::byte> bytes, std::uint64_t, std::span<const LazColumn>, bool,
              std::string& damage, std::span<const std::uint8_t>) override {
-    if (bytes.size() < format.recordLength) {
+    if (bytes.size() < format_.recordLength) {
       damage = "it is shorter than one point";
       return false;
     }
-    chunk = bytes;
-    atStart = true;
-    std::memcpy(records.data(), chunk.data(), format.recordLength);
-    points.reset(chunk.data());
-    coder.start(stream, chunk.subspan(format.recordLength));
+    chunk_ = bytes;
+    atStart_ = true;
+    std::memcpy(records_.data(), chunk_.data(), format_.recordLength);
+    points_.reset(chunk_.data());
+    coder_.start(stream_, chunk_.subspan(format_.recordLength));
     return true;
   }
 
   bool next(std::size_t count, std::span<const LazColumn> columns, std::string& damage,
             std::uint8_t*) override {
     std::size_t done = 0;
-    if (atStart && count > 0) {
+    if (atStart_ && count > 0) {
       fill(columns, 0, 0, 1);
-      atStart = false;
+      atStart_ = false;
       done = 1;
     }
     while (done < count) {
-      const std::size_t block = std::min(blockPoints, count - done);
+      const std::size_t block = std::min(blockPoints_, count - done);
       if (!decodeBlock(block)) {
         damage = "it ends too early";
         return false;
       }
       fill(columns, done, 1, block);
-      std::memcpy(records.data(), &records[block * format.recordLength], format.recordLength);
+      std::memcpy(records_.data(), &records_[block * format_.recordLength], format_.recordLength);
       done += block;
     }
     return true;
   }
 
   bool finish(std::string& damage) override {
-    if (!coder.proceed())
+    if (!coder_.proceed())
       damage = "it ends too early";
-    else if (coder.isBroken())
+    else if (coder_.isBroken())
       damage = "it holds what no compressor writes";
-    else if (consumed() != chunk.size())
+    else if (consumed() != chunk_.size())
       damage = "it is longer than its points";
     else
       return true;
     return false;
   }
 
-  std::size_t consumed() const override { return format.recordLength + coder.consumed(); }
+  std::size_t consumed() const override { return format_.recordLength + coder_.consumed(); }
 
 private:
   /// Decodes points behind the one that lies in front of the block.
   bool decodeBlock(std::size_t count) {
-    RangeDecoder local = coder;
-    std::byte* last = records.data();
-    for (std::size_t i = 0; i < count; ++i, last += format.recordLength)
-      if (!points.code(local, last, last + format.recordLength)) return false;
-    coder = local;
+    RangeDecoder local = coder_;
+    std::byte* last = records_.data();
+    for (std::size_t i = 0; i < count; ++i, last += format_.recordLength)
+      if (!points_.code(local, last, last + format_.recordLength)) return false;
+    coder_ = local;
     return true;
   }
 
   void fill(std::span<const LazColumn> columns, std::size_t target, std::size_t record, std::size_t count) {
-    const std::byte* const from = &records[record * format.recordLength];
-    for (std::size_t part = 0; part < format.parts.size(); ++part)
+    const std::byte* const from = &records_[record * format_.recordLength];
+    for (std::size_t part = 0; part < format_.parts.size(); ++part)
       if (columns[part].at)
-        copyPart(format.parts[part], from, format.recordLength, behind(columns[part], target), count);
+        copyPart(format_.parts[part], from, format_.recordLength, behind(columns[part], target), count);
   }
 
-  const LazFormat& format;
-  PointwiseCoder<RangeDecoder> points;
-  std::size_t blockPoints = 0;
-  std::vector<std::byte> records; ///< The last point before the block, then the block.
-  std::span<const std::byte> chunk;
-  bool atStart = false;
-  StreamBytes stream;
-  RangeDecoder coder;
+  const LazFormat& format_;
+  PointwiseCoder<RangeDecoder> points_;
+  std::size_t blockPoints_ = 0;
+  std::vector<std::byte> records_; ///< The last point before the block, then the block.
+  std::span<const std::byte> chunk_;
+  bool atStart_ = false;
+  StreamBytes stream_;
+  RangeDecoder coder_;
 };
 
 /// Chunks in layers. A block of points is decoded layer by layer, with the contexts that the first one gives.
 class LazDecoder::LayeredBody : public LazDecoder::Body {
 public:
-  explicit LayeredBody(const LazFormat& format_)
-      : format(format_), layers(format_), streams(format_.layerCount()) {}
+  explicit LayeredBody(const LazFormat& format)
+      : format_(format), layers_(format), streams_(format.layerCount()) {}
 
   bool begin(std::span<const std::byte> bytes, std::uint64_t points, std::span<const LazColumn> columns,
              bool wantsClassContexts, std::string& damage,
              std::span<const std::uint8_t> knownContexts) override {
-    if (!readLayeredChunk(format, bytes, chunk) || chunk.size != bytes.size()) {
+    if (!readLayeredChunk(format_, bytes, chunk_) || chunk_.size != bytes.size()) {
       damage = "the sizes of its layers are not those of the chunk";
       return false;
     }
-    if (chunk.points != points) {
-      damage = "it says " + std::to_string(chunk.points) + " points, where " + std::to_string(points) +
+    if (chunk_.points != points) {
+      damage = "it says " + std::to_string(chunk_.points) + " points, where " + std::to_string(points) +
                " are expected";
       return false;
     }
-    if (points > 1 && chunk.layers[returnLayer].empty()) {
+    if (points > 1 && chunk_.layers[returnLayer].empty()) {
       damage = "its layer of returns is empty";
       return false;
     }
-    first = bytes.first(format.recordLength);
-    atStart = true;
-    known = knownContexts;
+    first_ = bytes.first(format_.recordLength);
+    atStart_ = true;
+    known_ = knownContexts;
     startLayers(columns, wantsClassContexts);
     return true;
   }
@@ -169,33 +169,33 @@ public:
   bool next(std::size_t count, std::span<const LazColumn> columns, std::string& damage,
             std::uint8_t* classContexts) override {
     std::size_t done = 0;
-    if (atStart && count > 0) {
+    if (atStart_ && count > 0) {
       for (std::size_t part = 0; part < columns.size(); ++part)
-        if (columns[part].at) copyPart(format.parts[part], first.data(), 0, columns[part], 1);
-      if (classContexts) classContexts[0] = static_cast<std::uint8_t>(firstContext);
-      if (!known.empty()) known = known.subspan(1);
-      atStart = false;
+        if (columns[part].at) copyPart(format_.parts[part], first_.data(), 0, columns[part], 1);
+      if (classContexts) classContexts[0] = static_cast<std::uint8_t>(firstContext_);
+      if (!known_.empty()) known_ = known_.subspan(1);
+      atStart_ = false;
       done = 1;
     }
     for (; done < count; done += std::min(blockPoints, count - done))
       if (!decodeBlock(done, std::min(blockPoints, count - done), columns, classContexts)) {
-        damage = "its layer of " + layerName(endedLayer, format) + " ends too early";
+        damage = "its layer of " + layerName(endedLayer_, format_) + " ends too early";
         return false;
       }
     return true;
   }
 
   bool finish(std::string& damage) override {
-    for (std::size_t layer = 0; layer < streams.size(); ++layer) {
-      if (!streams[layer].isDecoded || isWhole(streams[layer])) continue;
-      damage = "its layer of " + layerName(layer, format) + " holds what no compressor writes";
+    for (std::size_t layer = 0; layer < streams_.size(); ++layer) {
+      if (!streams_[layer].isDecoded || isWhole(streams_[layer])) continue;
+      damage = "its layer of " + layerName(layer, format_) + " holds what no compressor writes";
       return false;
     }
     return true;
   }
 
-  std::size_t consumed() const override { return chunk.size; }
-  bool decodesClassContexts() const override { return streams[returnLayer].isDecoded; }
+  std::size_t consumed() const override { return chunk_.size; }
+  bool decodesClassContexts() const override { return streams_[returnLayer].isDecoded; }
 
 private:
   static constexpr std::size_t blockPoints = 1024;
@@ -215,51 +215,51 @@ private:
   }
 
   void startStream(std::size_t layer) {
-    streams[layer].isDecoded = true;
-    streams[layer].coder.start(streams[layer].bytes, chunk.layers[layer]);
+    streams_[layer].isDecoded = true;
+    streams_[layer].coder.start(streams_[layer].bytes, chunk_.layers[layer]);
   }
 
   void startLayers(std::span<const LazColumn> columns, bool wantsClassContexts) {
-    for (Stream& stream : streams) stream.isDecoded = false;
+    for (Stream& stream : streams_) stream.isDecoded = false;
     ReturnLayer<RangeDecoder>::Point point;
-    point.returns = load<std::uint8_t>(&first[14]);
-    point.channel = load<std::uint8_t>(&first[15]) >> 4 & 3;
-    point.x = load<std::uint32_t>(&first[0]);
-    point.y = load<std::uint32_t>(&first[4]);
-    firstContext = layers.returns.start(point);
+    point.returns = load<std::uint8_t>(&first_[14]);
+    point.channel = load<std::uint8_t>(&first_[15]) >> 4 & 3;
+    point.x = load<std::uint32_t>(&first_[0]);
+    point.y = load<std::uint32_t>(&first_[4]);
+    firstContext_ = layers_.returns.start(point);
     bool needsContexts =
         wantsClassContexts || columns[0].at || columns[1].at || columns[4].at || columns[5].at;
-    layers.each([&](std::size_t layer, std::size_t part, auto& coder) {
+    layers_.each([&](std::size_t layer, std::size_t part, auto& coder) {
       using Value = typename std::remove_reference_t<decltype(coder)>::Value;
-      if (!columns[part].at || chunk.layers[layer].empty()) return;
+      if (!columns[part].at || chunk_.layers[layer].empty()) return;
       needsContexts = true;
       startStream(layer);
-      coder.start(firstContext, load<Value>(&first[format.parts[part].offset]), layers.hasOddChannels);
+      coder.start(firstContext_, load<Value>(&first_[format_.parts[part].offset]), layers_.hasOddChannels);
     });
-    if (needsContexts && known.empty() && !chunk.layers[returnLayer].empty()) startStream(returnLayer);
+    if (needsContexts && known_.empty() && !chunk_.layers[returnLayer].empty()) startStream(returnLayer);
   }
 
   bool decodeBlock(std::size_t from, std::size_t count, std::span<const LazColumn> columns,
                    std::uint8_t* classContexts) {
-    if (streams[returnLayer].isDecoded && !decodeReturns(from, count, columns)) {
-      endedLayer = returnLayer;
+    if (streams_[returnLayer].isDecoded && !decodeReturns(from, count, columns)) {
+      endedLayer_ = returnLayer;
       return false;
     }
-    if (!known.empty()) {
-      std::ranges::copy(known.first(count), contexts.begin());
-      known = known.subspan(count);
+    if (!known_.empty()) {
+      std::ranges::copy(known_.first(count), contexts_.begin());
+      known_ = known_.subspan(count);
     }
     if (classContexts)
-      std::transform(contexts.begin(), contexts.begin() + static_cast<std::ptrdiff_t>(count),
+      std::transform(contexts_.begin(), contexts_.begin() + static_cast<std::ptrdiff_t>(count),
                      classContexts + from, [](PointContext each) { return static_cast<std::uint8_t>(each); });
     bool done = true;
-    layers.each([&](std::size_t layer, std::size_t part, auto& coder) {
+    layers_.each([&](std::size_t layer, std::size_t part, auto& coder) {
       if (!done || !columns[part].at) return;
       const LazColumn column = behind(columns[part], from);
-      if (!streams[layer].isDecoded) {
-        repeatFirst(format.parts[part], column, count);
-      } else if (!decodeLayer(coder, streams[layer], column, count)) {
-        endedLayer = layer;
+      if (!streams_[layer].isDecoded) {
+        repeatFirst(format_.parts[part], column, count);
+      } else if (!decodeLayer(coder, streams_[layer], column, count)) {
+        endedLayer_ = layer;
         done = false;
       }
     });
@@ -275,16 +275,16 @@ private:
 
   template <bool WithXy>
   bool decodeReturns(std::size_t count, LazColumn x, LazColumn y, LazColumn returns) {
-    RangeDecoder coder = streams[returnLayer].coder;
+    RangeDecoder coder = streams_[returnLayer].coder;
     ReturnLayer<RangeDecoder>::Point point;
     for (std::size_t i = 0; i < count; ++i) {
       if (!coder.proceed()) return false;
-      contexts[i] = layers.returns.code<WithXy>(coder, point);
+      contexts_[i] = layers_.returns.code<WithXy>(coder, point);
       if (x.at) store(x.at + i * x.stride, point.x);
       if (y.at) store(y.at + i * y.stride, point.y);
       if (returns.at) store(returns.at + i * returns.stride, point.returns);
     }
-    streams[returnLayer].coder = coder;
+    streams_[returnLayer].coder = coder;
     return true;
   }
 
@@ -294,37 +294,37 @@ private:
     std::byte* at = column.at;
     for (std::size_t i = 0; i < count; ++i, at += column.stride) {
       if (!coder.proceed()) return false;
-      store(at, layer.code(coder, contexts[i], {}));
+      store(at, layer.code(coder, contexts_[i], {}));
     }
     stream.coder = coder;
     return true;
   }
 
   void repeatFirst(const LazPart& part, LazColumn column, std::size_t count) {
-    copyPart(part, first.data(), 0, column, count);
+    copyPart(part, first_.data(), 0, column, count);
     if (part.kind != LazPartKind::Flags) return;
-    const unsigned flags = load<std::uint8_t>(&first[part.offset]) & 0xCFU;
+    const unsigned flags = load<std::uint8_t>(&first_[part.offset]) & 0xCFU;
     for (std::size_t i = 0; i < count; ++i)
-      store(column.at + i * column.stride, static_cast<std::uint8_t>(flags | channelOf(contexts[i]) << 4));
+      store(column.at + i * column.stride, static_cast<std::uint8_t>(flags | channelOf(contexts_[i]) << 4));
   }
 
-  const LazFormat& format;
-  PointLayers<RangeDecoder> layers;
-  std::vector<Stream> streams;
-  LayeredChunk chunk;
-  std::span<const std::byte> first;
-  PointContext firstContext = 0;
-  bool atStart = false;
-  std::span<const std::uint8_t> known; ///< Class contexts of the points that are left; mostly none.
-  std::size_t endedLayer = 0;
-  std::array<PointContext, blockPoints> contexts{};
+  const LazFormat& format_;
+  PointLayers<RangeDecoder> layers_;
+  std::vector<Stream> streams_;
+  LayeredChunk chunk_;
+  std::span<const std::byte> first_;
+  PointContext firstContext_ = 0;
+  bool atStart_ = false;
+  std::span<const std::uint8_t> known_; ///< Class contexts of the points that are left; mostly none.
+  std::size_t endedLayer_ = 0;
+  std::array<PointContext, blockPoints> contexts_{};
 };
 
 LazDecoder::LazDecoder(const LazFormat& format) {
   if (format.isLayered())
-    body = std::make_unique<LayeredBody>(format);
+    body_ = std::make_unique<LayeredBody>(format);
   else
-    body = std::make_unique<PointwiseBody>(format);
+    body_ = std::make_unique<PointwiseBody>(format);
 }
 
 LazDecoder::~LazDecoder() = default;
@@ -343,19 +343,19 @@ bool LazDecoder::decode(std::span<const std::byte> chunk, std::uint64_t points,
 bool LazDecoder::begin(std::span<const std::byte> chunk, std::uint64_t points,
                        std::span<const LazColumn> columns, bool wantsClassContexts, std::string& damage,
                        std::span<const std::uint8_t> known) {
-  return body->begin(chunk, points, columns, wantsClassContexts, damage, known);
+  return body_->begin(chunk, points, columns, wantsClassContexts, damage, known);
 }
 
-bool LazDecoder::decodesClassContexts() const { return body->decodesClassContexts(); }
+bool LazDecoder::decodesClassContexts() const { return body_->decodesClassContexts(); }
 
 bool LazDecoder::next(std::size_t count, std::span<const LazColumn> columns, std::string& damage,
                       std::uint8_t* classContexts) {
-  return body->next(count, columns, damage, classContexts);
+  return body_->next(count, columns, damage, classContexts);
 }
 
-bool LazDecoder::finish(std::string& damage) { return body->finish(damage); }
+bool LazDecoder::finish(std::string& damage) { return body_->finish(damage); }
 
-std::size_t LazDecoder::consumed() const { return body->consumed(); }
+std::size_t LazDecoder::consumed() const { return body_->consumed(); }
 
 std::string chunkDamaged(const std::string& path, std::uint64_t number, std::uint64_t offset,
                          const std::string& damage) {

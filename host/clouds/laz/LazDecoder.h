@@ -59,7 +59,7 @@ private:
   class Body;
   class PointwiseBody;
   class LayeredBody;
-  std::unique_ptr<Body> body;
+  std::unique_ptr<Body> body_;
 };
 
 /// What is said when a chunk can't be decoded. `damage` is the end of the sentence, `number` counts from 0.

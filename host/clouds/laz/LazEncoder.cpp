@@ -31,68 +31,68 @@ void append(std::vector<std::byte>& to, std::span<const std::byte> bytes) {
 class LazEncoder::PointwiseBody : public LazEncoder::Body {
 public:
   explicit PointwiseBody(const LazFormat& format)
-      : points(format), last(format.recordLength), now(format.recordLength) {}
+      : points_(format), last_(format.recordLength), now_(format.recordLength) {}
 
   void start(std::span<const std::byte> first) override {
-    points.reset(first.data());
-    std::ranges::copy(first, last.begin());
-    coder.start(bytes);
+    points_.reset(first.data());
+    std::ranges::copy(first, last_.begin());
+    coder_.start(bytes_);
   }
 
   void add(std::span<const std::byte> records) override {
-    RangeEncoder local = coder;
-    for (std::size_t at = 0; at < records.size(); at += now.size()) {
-      std::memcpy(now.data(), &records[at], now.size());
-      points.code(local, last.data(), now.data());
-      now.swap(last);
+    RangeEncoder local = coder_;
+    for (std::size_t at = 0; at < records.size(); at += now_.size()) {
+      std::memcpy(now_.data(), &records[at], now_.size());
+      points_.code(local, last_.data(), now_.data());
+      now_.swap(last_);
     }
-    coder = local;
+    coder_ = local;
   }
 
-  void finish(std::vector<std::byte>& chunk) override { append(chunk, coder.finish()); }
+  void finish(std::vector<std::byte>& chunk) override { append(chunk, coder_.finish()); }
 
 private:
-  PointwiseCoder<RangeEncoder> points;
-  std::vector<std::byte> last;
-  std::vector<std::byte> now;
-  GrowingBytes bytes;
-  RangeEncoder coder;
+  PointwiseCoder<RangeEncoder> points_;
+  std::vector<std::byte> last_;
+  std::vector<std::byte> now_;
+  GrowingBytes bytes_;
+  RangeEncoder coder_;
 };
 
 /// Chunks in layers, all of which grow at the same time.
 class LazEncoder::LayeredBody : public LazEncoder::Body {
 public:
-  explicit LayeredBody(const LazFormat& format_)
-      : format(format_), layers(format_), streams(format_.layerCount()) {}
+  explicit LayeredBody(const LazFormat& format)
+      : format_(format), layers_(format), streams_(format.layerCount()) {}
 
   void start(std::span<const std::byte> first) override {
-    points = 1;
-    for (Stream& stream : streams) {
+    points_ = 1;
+    for (Stream& stream : streams_) {
       stream.coder.start(stream.bytes);
       stream.isNeeded = false;
     }
-    const PointContext context = layers.returns.start(pointAt(first.data()));
-    layers.each([&](std::size_t, std::size_t part, auto& coder) {
+    const PointContext context = layers_.returns.start(pointAt(first.data()));
+    layers_.each([&](std::size_t, std::size_t part, auto& coder) {
       using Value = typename std::remove_reference_t<decltype(coder)>::Value;
-      coder.start(context, load<Value>(&first[format.parts[part].offset]), layers.hasOddChannels);
+      coder.start(context, load<Value>(&first[format_.parts[part].offset]), layers_.hasOddChannels);
     });
   }
 
   void add(std::span<const std::byte> records) override {
-    for (std::size_t at = 0; at < records.size(); at += blockPoints * format.recordLength)
-      addBlock(records.subspan(at, std::min(blockPoints * format.recordLength, records.size() - at)));
+    for (std::size_t at = 0; at < records.size(); at += blockPoints * format_.recordLength)
+      addBlock(records.subspan(at, std::min(blockPoints * format_.recordLength, records.size() - at)));
   }
 
   void finish(std::vector<std::byte>& chunk) override {
-    streams[returnLayer].isNeeded = streams[zLayer].isNeeded = true;
+    streams_[returnLayer].isNeeded = streams_[zLayer].isNeeded = true;
     std::array<std::byte, 4> number{};
-    store(number.data(), points);
+    store(number.data(), points_);
     append(chunk, number);
     const std::size_t sizes = chunk.size();
-    chunk.resize(sizes + 4 * streams.size());
-    for (std::size_t layer = 0; layer < streams.size(); ++layer) {
-      if (!streams[layer].isNeeded) continue;
-      const std::span<const std::byte> bytes = streams[layer].coder.finish();
+    chunk.resize(sizes + 4 * streams_.size());
+    for (std::size_t layer = 0; layer < streams_.size(); ++layer) {
+      if (!streams_[layer].isNeeded) continue;
+      const std::span<const std::byte> bytes = streams_[layer].coder.finish();
       store(&chunk[sizes + 4 * layer], static_cast<std::uint32_t>(bytes.size()));
       append(chunk, bytes);
     }
@@ -121,22 +121,22 @@ private:
   }
 
   void addBlock(std::span<const std::byte> records) {
-    const std::size_t count = records.size() / format.recordLength;
-    points += static_cast<std::uint32_t>(count);
+    const std::size_t count = records.size() / format_.recordLength;
+    points_ += static_cast<std::uint32_t>(count);
     encodeReturns(records.data(), count);
-    layers.each([&](std::size_t layer, std::size_t part, auto& coder) {
-      encodeLayer(coder, streams[layer], records.data(), format.parts[part], count);
+    layers_.each([&](std::size_t layer, std::size_t part, auto& coder) {
+      encodeLayer(coder, streams_[layer], records.data(), format_.parts[part], count);
     });
   }
 
   void encodeReturns(const std::byte* record, std::size_t count) {
-    RangeEncoder coder = streams[returnLayer].coder;
-    for (std::size_t i = 0; i < count; ++i, record += format.recordLength) {
+    RangeEncoder coder = streams_[returnLayer].coder;
+    for (std::size_t i = 0; i < count; ++i, record += format_.recordLength) {
       coder.proceed();
       auto point = pointAt(record);
-      contexts[i] = layers.returns.code<true>(coder, point);
+      contexts_[i] = layers_.returns.code<true>(coder, point);
     }
-    streams[returnLayer].coder = coder;
+    streams_[returnLayer].coder = coder;
   }
 
   template <class Layer>
@@ -148,11 +148,11 @@ private:
     // a colour that is not grey is coded even where it stays the same
     bool isNeeded = !canRepeat(first);
     const std::byte* at = records + part.offset;
-    for (std::size_t i = 0; i < count; ++i, at += format.recordLength) {
+    for (std::size_t i = 0; i < count; ++i, at += format_.recordLength) {
       coder.proceed();
       const auto value = load<Value>(at);
       isNeeded |= !isSame(value, first, part);
-      layer.code(coder, contexts[i], value);
+      layer.code(coder, contexts_[i], value);
     }
     stream.isNeeded |= isNeeded;
     stream.coder = coder;
@@ -173,19 +173,19 @@ private:
     return a == b;
   }
 
-  const LazFormat& format;
-  PointLayers<RangeEncoder> layers;
-  std::vector<Stream> streams;
-  std::uint32_t points = 0;
-  std::array<PointContext, blockPoints> contexts{};
+  const LazFormat& format_;
+  PointLayers<RangeEncoder> layers_;
+  std::vector<Stream> streams_;
+  std::uint32_t points_ = 0;
+  std::array<PointContext, blockPoints> contexts_{};
 };
 
 LazEncoder::LazEncoder(const LazFormat& format) {
   if (format.isLayered())
-    body = std::make_unique<LayeredBody>(format);
+    body_ = std::make_unique<LayeredBody>(format);
   else
-    body = std::make_unique<PointwiseBody>(format);
-  recordLength = format.recordLength;
+    body_ = std::make_unique<PointwiseBody>(format);
+  recordLength_ = format.recordLength;
 }
 
 LazEncoder::~LazEncoder() = default;
@@ -193,19 +193,19 @@ LazEncoder::LazEncoder(LazEncoder&&) noexcept = default;
 LazEncoder& LazEncoder::operator=(LazEncoder&&) noexcept = default;
 
 void LazEncoder::add(std::span<const std::byte> records) {
-  if (body->firstPoint.empty()) {
-    const auto first = records.first(recordLength);
-    body->firstPoint.assign(first.begin(), first.end());
-    body->start(first);
-    records = records.subspan(recordLength);
+  if (body_->firstPoint.empty()) {
+    const auto first = records.first(recordLength_);
+    body_->firstPoint.assign(first.begin(), first.end());
+    body_->start(first);
+    records = records.subspan(recordLength_);
   }
-  body->add(records);
+  body_->add(records);
 }
 
 void LazEncoder::finish(std::vector<std::byte>& chunk) {
-  append(chunk, body->firstPoint);
-  body->finish(chunk);
-  body->firstPoint.clear();
+  append(chunk, body_->firstPoint);
+  body_->finish(chunk);
+  body_->firstPoint.clear();
 }
 
 } // namespace Zamt::Host

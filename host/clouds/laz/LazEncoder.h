@@ -34,8 +34,8 @@ private:
   class Body;
   class PointwiseBody;
   class LayeredBody;
-  std::unique_ptr<Body> body;
-  std::size_t recordLength = 0;
+  std::unique_ptr<Body> body_;
+  std::size_t recordLength_ = 0;
 };
 
 } // namespace Zamt::Host

@@ -53,23 +53,23 @@ public:
   /// order.
   template <class Visit>
   void each(Visit visit) {
-    visit(1, 2, z);
-    visit(classLayer, 6, classes);
-    visit(3, 5, flags);
-    visit(4, 3, intensities);
-    visit(5, 8, angles);
-    visit(6, 7, users);
-    visit(7, 9, sources);
-    visit(8, 10, times);
+    visit(1, 2, z_);
+    visit(classLayer, 6, classes_);
+    visit(3, 5, flags_);
+    visit(4, 3, intensities_);
+    visit(5, 8, angles_);
+    visit(6, 7, users_);
+    visit(7, 9, sources_);
+    visit(8, 10, times_);
     std::size_t layer = firstItemLayer;
     const auto visitItem = [&](auto& item) {
       visit(layer, layer - firstItemLayer + firstItemPart, item);
       ++layer;
     };
-    if (colours) visitItem(*colours);
-    if (infrareds) visitItem(*infrareds);
-    if (packets) visitItem(*packets);
-    for (auto& bytes : extraBytes) visitItem(bytes);
+    if (colours_) visitItem(*colours_);
+    if (infrareds_) visitItem(*infrareds_);
+    if (packets_) visitItem(*packets_);
+    for (auto& bytes : extraBytes_) visitItem(bytes);
   }
 
   ReturnLayer<Coder> returns;
@@ -82,27 +82,27 @@ private:
       return;
     }
     if (item.type == LazItemType::Bytes14) {
-      extraBytes.resize(item.size);
+      extraBytes_.resize(item.size);
     } else if (item.type == LazItemType::WavePacket14) {
-      packets.emplace();
+      packets_.emplace();
     } else {
-      colours.emplace();
-      if (item.type == LazItemType::ColourInfrared14) infrareds.emplace();
+      colours_.emplace();
+      if (item.type == LazItemType::ColourInfrared14) infrareds_.emplace();
     }
   }
 
-  ChannelLayer<Coder, ZLayer<Coder>> z;
-  ChannelLayer<Coder, ClassLayer<Coder>> classes;
-  ChannelLayer<Coder, FlagLayer<Coder>> flags;
-  ChannelLayer<Coder, IntensityLayer<Coder>> intensities;
-  ChannelLayer<Coder, AngleLayer<Coder>> angles;
-  ChannelLayer<Coder, UserLayer<Coder>> users;
-  ChannelLayer<Coder, SourceLayer<Coder>> sources;
-  ChannelLayer<Coder, TimeLayer<Coder>> times;
-  std::optional<ItemLayer<Coder, ColourCoder<Coder>, Colour>> colours;
-  std::optional<ItemLayer<Coder, InfraredCoder<Coder>, std::uint16_t>> infrareds;
-  std::optional<ItemLayer<Coder, WavePacketCoder<Coder>, WavePacket>> packets;
-  std::vector<ItemLayer<Coder, ExtraByteCoder<Coder>, std::uint8_t>> extraBytes;
+  ChannelLayer<Coder, ZLayer<Coder>> z_;
+  ChannelLayer<Coder, ClassLayer<Coder>> classes_;
+  ChannelLayer<Coder, FlagLayer<Coder>> flags_;
+  ChannelLayer<Coder, IntensityLayer<Coder>> intensities_;
+  ChannelLayer<Coder, AngleLayer<Coder>> angles_;
+  ChannelLayer<Coder, UserLayer<Coder>> users_;
+  ChannelLayer<Coder, SourceLayer<Coder>> sources_;
+  ChannelLayer<Coder, TimeLayer<Coder>> times_;
+  std::optional<ItemLayer<Coder, ColourCoder<Coder>, Colour>> colours_;
+  std::optional<ItemLayer<Coder, InfraredCoder<Coder>, std::uint16_t>> infrareds_;
+  std::optional<ItemLayer<Coder, WavePacketCoder<Coder>, WavePacket>> packets_;
+  std::vector<ItemLayer<Coder, ExtraByteCoder<Coder>, std::uint8_t>> extraBytes_;
 };
 
 } // namespace Zamt::Host::Laz

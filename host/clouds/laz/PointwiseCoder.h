@@ -17,28 +17,28 @@ template <class Coder>
 class Point10Coder {
 public:
   void reset() {
-    changes.reset();
-    for (auto& model : flagModels) model.reset();
-    for (auto& model : classModels) model.reset();
-    for (auto& model : userModels) model.reset();
-    for (auto& model : angleModels) model.reset();
-    intensities.reset();
-    sources.reset();
-    xs.reset();
-    ys.reset();
-    zs.reset();
-    lastIntensity = {};
-    lastZ = {};
-    medianX = {};
-    medianY = {};
+    changes_.reset();
+    for (auto& model : flagModels_) model.reset();
+    for (auto& model : classModels_) model.reset();
+    for (auto& model : userModels_) model.reset();
+    for (auto& model : angleModels_) model.reset();
+    intensities_.reset();
+    sources_.reset();
+    xs_.reset();
+    ys_.reset();
+    zs_.reset();
+    lastIntensity_ = {};
+    lastZ_ = {};
+    medianX_ = {};
+    medianY_ = {};
   }
 
   [[gnu::always_inline]] void code(Coder& coder, const std::byte* last, std::byte* now) {
     unsigned wanted = 0;
     if constexpr (Coder::encodes) wanted = differences(last, now);
-    const unsigned changed = coder.symbol(changes, wanted);
+    const unsigned changed = coder.symbol(changes_, wanted);
     const unsigned flags =
-        changed & FlagsDiffer ? codeByte(coder, flagModels, last, now, 14) : byteAt(last, 14);
+        changed & FlagsDiffer ? codeByte(coder, flagModels_, last, now, 14) : byteAt(last, 14);
     const ReturnContext returns = table[flags];
     store(now + 14, static_cast<std::uint8_t>(flags));
     codeIntensity(coder, changed, returns.map, now);
@@ -67,7 +67,7 @@ private:
     const unsigned map = table[byteAt(now, 14)].map;
     return differ(14, FlagsDiffer) | differ(15, ClassDiffers) | differ(16, AngleDiffers) |
            differ(17, UserDataDiffers) | differ(18, SourceDiffers) | differ(19, SourceDiffers) |
-           (load<std::uint16_t>(now + 12) != lastIntensity[map] ? unsigned{IntensityDiffers} : 0U);
+           (load<std::uint16_t>(now + 12) != lastIntensity_[map] ? unsigned{IntensityDiffers} : 0U);
   }
 
   template <std::size_t Models>
@@ -78,10 +78,10 @@ private:
   }
 
   [[gnu::always_inline]] void codeIntensity(Coder& coder, unsigned changed, unsigned map, std::byte* now) {
-    std::uint16_t& intensity = lastIntensity[map];
+    std::uint16_t& intensity = lastIntensity_[map];
     if (changed & IntensityDiffers)
       intensity = static_cast<std::uint16_t>(
-          intensities.code(coder, intensity, load<std::uint16_t>(now + 12), std::min(map, 3U)));
+          intensities_.code(coder, intensity, load<std::uint16_t>(now + 12), std::min(map, 3U)));
     store(now + 12, intensity);
   }
 
@@ -91,12 +91,12 @@ private:
     unsigned angle = byteAt(last, 16);
     unsigned user = byteAt(last, 17);
     auto source = load<std::uint16_t>(last + 18);
-    if (changed & ClassDiffers) classByte = codeByte(coder, classModels, last, now, 15);
+    if (changed & ClassDiffers) classByte = codeByte(coder, classModels_, last, now, 15);
     if (changed & AngleDiffers)
-      angle = ByteDifferences<Coder>::code(coder, angleModels[direction], angle, byteAt(now, 16));
-    if (changed & UserDataDiffers) user = codeByte(coder, userModels, last, now, 17);
+      angle = ByteDifferences<Coder>::code(coder, angleModels_[direction], angle, byteAt(now, 16));
+    if (changed & UserDataDiffers) user = codeByte(coder, userModels_, last, now, 17);
     if (changed & SourceDiffers)
-      source = static_cast<std::uint16_t>(sources.code(coder, source, load<std::uint16_t>(now + 18), 0));
+      source = static_cast<std::uint16_t>(sources_.code(coder, source, load<std::uint16_t>(now + 18), 0));
     store(now + 15, static_cast<std::uint8_t>(classByte));
     store(now + 16, static_cast<std::uint8_t>(angle));
     store(now + 17, static_cast<std::uint8_t>(user));
@@ -112,27 +112,27 @@ private:
       median.push(static_cast<std::int32_t>(d));
       store(now + at, from + d);
     };
-    codeAxis(xs, medianX[returns.map], returns.single, 0);
-    codeAxis(ys, medianY[returns.map], contextOfY(returns.single, xs.k()), 4);
-    std::uint32_t& z = lastZ[returns.level];
-    z = zs.code(coder, z, load<std::uint32_t>(now + 8), contextOfZ(returns.single, xs.k(), ys.k()));
+    codeAxis(xs_, medianX_[returns.map], returns.single, 0);
+    codeAxis(ys_, medianY_[returns.map], contextOfY(returns.single, xs_.k()), 4);
+    std::uint32_t& z = lastZ_[returns.level];
+    z = zs_.code(coder, z, load<std::uint32_t>(now + 8), contextOfZ(returns.single, xs_.k(), ys_.k()));
     store(now + 8, z);
   }
 
-  typename Coder::template Model<64> changes;
-  std::array<ByteModel, 256> flagModels;
-  std::array<ByteModel, 256> classModels;
-  std::array<ByteModel, 256> userModels;
-  std::array<ByteModel, 2> angleModels;
-  IntegerCoder<Coder, 16, 4> intensities;
-  IntegerCoder<Coder, 16, 1> sources;
-  IntegerCoder<Coder, 32, 2> xs;
-  IntegerCoder<Coder, 32, 22> ys;
-  IntegerCoder<Coder, 32, 20> zs;
-  std::array<std::uint16_t, 16> lastIntensity{};
-  std::array<std::uint32_t, 8> lastZ{};
-  std::array<MovingMedian, 16> medianX;
-  std::array<MovingMedian, 16> medianY;
+  typename Coder::template Model<64> changes_;
+  std::array<ByteModel, 256> flagModels_;
+  std::array<ByteModel, 256> classModels_;
+  std::array<ByteModel, 256> userModels_;
+  std::array<ByteModel, 2> angleModels_;
+  IntegerCoder<Coder, 16, 4> intensities_;
+  IntegerCoder<Coder, 16, 1> sources_;
+  IntegerCoder<Coder, 32, 2> xs_;
+  IntegerCoder<Coder, 32, 22> ys_;
+  IntegerCoder<Coder, 32, 20> zs_;
+  std::array<std::uint16_t, 16> lastIntensity_{};
+  std::array<std::uint32_t, 8> lastZ_{};
+  std::array<MovingMedian, 16> medianX_;
+  std::array<MovingMedian, 16> medianY_;
 };
 
 /// Codes the points of chunks whose items share one stream. When encoding, `now` is left as it is.
@@ -142,40 +142,40 @@ public:
   explicit PointwiseCoder(const LazFormat& format) {
     std::size_t offset = 0;
     for (const LazItem& item : format.items) {
-      if (item.type == LazItemType::Time11) timeAt = offset;
-      if (item.type == LazItemType::Colour12) colourAt = offset;
-      if (item.type == LazItemType::WavePacket13) packetAt = offset;
+      if (item.type == LazItemType::Time11) timeAt_ = offset;
+      if (item.type == LazItemType::Colour12) colourAt_ = offset;
+      if (item.type == LazItemType::WavePacket13) packetAt_ = offset;
       if (item.type == LazItemType::Bytes) {
-        bytesAt = offset;
-        byteModels.resize(item.size);
+        bytesAt_ = offset;
+        byteModels_.resize(item.size);
       }
       offset += item.size;
     }
-    if (packetAt) packets.emplace();
+    if (packetAt_) packets_.emplace();
   }
 
   void reset(const std::byte* first) {
-    point.reset();
-    if (timeAt) times.reset(load<std::uint64_t>(first + *timeAt));
-    if (colourAt) colours.reset();
-    if (packetAt) packets->reset();
-    for (auto& model : byteModels) model.reset();
+    point_.reset();
+    if (timeAt_) times_.reset(load<std::uint64_t>(first + *timeAt_));
+    if (colourAt_) colours_.reset();
+    if (packetAt_) packets_->reset();
+    for (auto& model : byteModels_) model.reset();
   }
 
   /// False when the stream has ended before the point.
   [[gnu::always_inline]] bool code(Coder& coder, const std::byte* last, std::byte* now) {
     if (!coder.proceed()) return false;
-    point.code(coder, last, now);
-    if (timeAt) {
-      std::byte* const at = now + *timeAt;
-      store(at, times.code(coder, load<std::uint64_t>(at)));
+    point_.code(coder, last, now);
+    if (timeAt_) {
+      std::byte* const at = now + *timeAt_;
+      store(at, times_.code(coder, load<std::uint64_t>(at)));
     }
-    if (colourAt) codeValue<Colour>(coder, colours, last + *colourAt, now + *colourAt);
-    if (packetAt) {
+    if (colourAt_) codeValue<Colour>(coder, colours_, last + *colourAt_, now + *colourAt_);
+    if (packetAt_) {
       if (!coder.proceed()) return false;
-      codeValue<WavePacket>(coder, *packets, last + *packetAt, now + *packetAt);
+      codeValue<WavePacket>(coder, *packets_, last + *packetAt_, now + *packetAt_);
     }
-    return byteModels.empty() || codeBytes(coder, last + bytesAt, now + bytesAt);
+    return byteModels_.empty() || codeBytes(coder, last + bytesAt_, now + bytesAt_);
   }
 
 private:
@@ -188,23 +188,23 @@ private:
 
   bool codeBytes(Coder& coder, const std::byte* last, std::byte* now) {
     constexpr std::size_t bytesBetweenQuestions = 32;
-    for (std::size_t i = 0; i < byteModels.size(); ++i) {
+    for (std::size_t i = 0; i < byteModels_.size(); ++i) {
       if (i % bytesBetweenQuestions == 0 && !coder.proceed()) return false;
       now[i] = static_cast<std::byte>(ByteDifferences<Coder>::code(
-          coder, byteModels[i], std::to_integer<unsigned>(last[i]), std::to_integer<unsigned>(now[i])));
+          coder, byteModels_[i], std::to_integer<unsigned>(last[i]), std::to_integer<unsigned>(now[i])));
     }
     return true;
   }
 
-  Point10Coder<Coder> point;
-  TimeCoder<Coder, false> times;
-  ColourCoder<Coder> colours;
-  std::optional<WavePacketCoder<Coder>> packets;
-  std::vector<typename Coder::template Model<256>> byteModels;
-  std::optional<std::size_t> timeAt;
-  std::optional<std::size_t> colourAt;
-  std::optional<std::size_t> packetAt;
-  std::size_t bytesAt = 0;
+  Point10Coder<Coder> point_;
+  TimeCoder<Coder, false> times_;
+  ColourCoder<Coder> colours_;
+  std::optional<WavePacketCoder<Coder>> packets_;
+  std::vector<typename Coder::template Model<256>> byteModels_;
+  std::optional<std::size_t> timeAt_;
+  std::optional<std::size_t> colourAt_;
+  std::optional<std::size_t> packetAt_;
+  std::size_t bytesAt_ = 0;
 };
 
 } // namespace Zamt::Host::Laz

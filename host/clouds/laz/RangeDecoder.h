@@ -23,9 +23,9 @@ public:
   };
 
   Place start(std::span<const std::byte> bytes) {
-    whole = bytes;
-    inTail = false;
-    consumedBeforeTail = 0;
+    whole_ = bytes;
+    inTail_ = false;
+    consumedBeforeTail_ = 0;
     if (bytes.size() > tailSize) return {bytes.data(), bytes.data() + (bytes.size() - tailSize)};
     return enterTail(0);
   }
@@ -33,34 +33,34 @@ public:
   /// Where to go on from `at`, which is beyond the limit. Still beyond it when the bytes have ended. By
   /// value, so that what a decoder keeps in registers need not have an address.
   [[gnu::noinline]] Place moveOn(Place beyond) {
-    if (inTail) return beyond;
-    return enterTail(static_cast<std::size_t>(beyond.at - whole.data()));
+    if (inTail_) return beyond;
+    return enterTail(static_cast<std::size_t>(beyond.at - whole_.data()));
   }
 
   /// How many bytes lie before `at`.
   std::size_t consumed(const std::byte* at) const {
-    return inTail ? consumedBeforeTail + static_cast<std::size_t>(at - tail.data())
-                  : static_cast<std::size_t>(at - whole.data());
+    return inTail_ ? consumedBeforeTail_ + static_cast<std::size_t>(at - tail_.data())
+                   : static_cast<std::size_t>(at - whole_.data());
   }
 
-  std::span<const std::byte> bytes() const { return whole; }
+  std::span<const std::byte> bytes() const { return whole_; }
 
 private:
   static constexpr std::size_t tailSize = stride + sizeof(std::uint32_t);
 
   Place enterTail(std::size_t from) {
-    const std::size_t rest = whole.size() - from; // at most `tailSize`
-    tail.fill(std::byte{0});
-    if (rest > 0) std::memcpy(tail.data(), whole.data() + from, rest);
-    inTail = true;
-    consumedBeforeTail = from;
-    return {tail.data(), tail.data() + rest};
+    const std::size_t rest = whole_.size() - from; // at most `tailSize`
+    tail_.fill(std::byte{0});
+    if (rest > 0) std::memcpy(tail_.data(), whole_.data() + from, rest);
+    inTail_ = true;
+    consumedBeforeTail_ = from;
+    return {tail_.data(), tail_.data() + rest};
   }
 
-  std::span<const std::byte> whole;
-  std::size_t consumedBeforeTail = 0;
-  bool inTail = false;
-  std::array<std::byte, 2 * tailSize> tail{};
+  std::span<const std::byte> whole_;
+  std::size_t consumedBeforeTail_ = 0;
+  bool inTail_ = false;
+  std::array<std::byte, 2 * tailSize> tail_{};
 };
 
 /// Decodes one stream. Whatever the bytes are, every call comes back with a symbol that its model has; a
@@ -76,28 +76,28 @@ public:
 
   /// `source` must outlive the decoder, and so must the bytes.
   void start(StreamBytes& source, std::span<const std::byte> bytes) {
-    stream = &source;
-    place = source.start(bytes);
-    length = 0xFFFFFFFF;
-    value = loadBigEndian(place.at);
-    place.at += sizeof(std::uint32_t);
-    broken = value == length;
-    if (broken) --value;
+    stream_ = &source;
+    place_ = source.start(bytes);
+    length_ = 0xFFFFFFFF;
+    value_ = loadBigEndian(place_.at);
+    place_.at += sizeof(std::uint32_t);
+    broken_ = value_ == length_;
+    if (broken_) --value_;
   }
 
   /// To be asked at least every `StreamBytes::stride` consumed bytes: false when the stream has ended before
   /// what was decoded from it.
   [[gnu::always_inline]] bool proceed() {
-    if (place.at <= place.limit) [[likely]]
+    if (place_.at <= place_.limit) [[likely]]
       return true;
-    place = stream->moveOn(place);
-    return place.at <= place.limit;
+    place_ = stream_->moveOn(place_);
+    return place_.at <= place_.limit;
   }
 
   /// No encoder makes the stream.
-  bool isBroken() const { return broken; }
-  void markBroken() { broken = true; }
-  std::size_t consumed() const { return stream->consumed(place.at); }
+  bool isBroken() const { return broken_; }
+  void markBroken() { broken_ = true; }
+  std::size_t consumed() const { return stream_->consumed(place_.at); }
 
   template <unsigned Capacity>
   [[gnu::always_inline]] unsigned symbol(Model<Capacity>& model, unsigned = 0) {
@@ -108,25 +108,25 @@ public:
   /// As `symbol`, of a model that `prepare` was called for.
   template <unsigned Capacity>
   [[gnu::always_inline]] unsigned preparedSymbol(Model<Capacity>& model, unsigned = 0) {
-    const std::uint32_t step = length >> 15;
-    const std::uint32_t share = value / step;
+    const std::uint32_t step = length_ >> 15;
+    const std::uint32_t share = value_ / step;
     unsigned symbol = model.cells.symbolAt[share >> SymbolCells<Capacity>::shift];
     symbol += model.starts[symbol + 1] <= share ? 1 : 0;
     while (model.starts[symbol + 1] <= share) [[unlikely]]++ symbol;
     const std::uint32_t low = model.starts[symbol] * step;
-    const std::uint32_t high = symbol == model.last ? length : model.starts[symbol + 1] * step;
-    value -= low;
-    length = high - low;
+    const std::uint32_t high = symbol == model.last ? length_ : model.starts[symbol + 1] * step;
+    value_ -= low;
+    length_ = high - low;
     renormalise();
     model.learn(symbol);
     return symbol;
   }
 
   [[gnu::always_inline]] bool bit(BitModel& model, bool = false) {
-    const std::uint32_t zeros = model.zeroShare * (length >> 13);
-    const bool one = value >= zeros;
-    value -= one ? zeros : 0;
-    length = one ? length - zeros : zeros;
+    const std::uint32_t zeros = model.zeroShare * (length_ >> 13);
+    const bool one = value_ >= zeros;
+    value_ -= one ? zeros : 0;
+    length_ = one ? length_ - zeros : zeros;
     renormalise();
     model.learn(one);
     return one;
@@ -141,10 +141,10 @@ public:
 
 private:
   [[gnu::always_inline]] std::uint32_t fewRaw(unsigned bits) {
-    length >>= bits;
-    const std::uint32_t bitsRead = value / length;
-    value -= bitsRead * length;
-    broken |= bitsRead >> bits != 0;
+    length_ >>= bits;
+    const std::uint32_t bitsRead = value_ / length_;
+    value_ -= bitsRead * length_;
+    broken_ |= bitsRead >> bits != 0;
     renormalise<3>();
     return bitsRead & ((1U << bits) - 1);
   }
@@ -153,20 +153,20 @@ private:
   /// branch: how many it takes can't be guessed.
   template <unsigned Most = 2>
   [[gnu::always_inline]] void renormalise() {
-    unsigned bytes = isBelow<24>(length) + isBelow<16>(length);
-    if constexpr (Most == 3) bytes += isBelow<8>(length);
+    unsigned bytes = isBelow<24>(length_) + isBelow<16>(length_);
+    if constexpr (Most == 3) bytes += isBelow<8>(length_);
     const unsigned bits = 8 * bytes;
-    const std::uint64_t next = loadBigEndian(place.at);
-    value = value << bits | static_cast<std::uint32_t>(next >> (32 - bits));
-    length <<= bits;
-    place.at += bytes;
+    const std::uint64_t next = loadBigEndian(place_.at);
+    value_ = value_ << bits | static_cast<std::uint32_t>(next >> (32 - bits));
+    length_ <<= bits;
+    place_.at += bytes;
   }
 
-  std::uint32_t value = 0;
-  std::uint32_t length = 0;
-  StreamBytes::Place place;
-  StreamBytes* stream = nullptr;
-  bool broken = false;
+  std::uint32_t value_ = 0;
+  std::uint32_t length_ = 0;
+  StreamBytes::Place place_;
+  StreamBytes* stream_ = nullptr;
+  bool broken_ = false;
 };
 
 } // namespace Zamt::Host::Laz

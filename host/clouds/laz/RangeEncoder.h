@@ -12,24 +12,24 @@ namespace Zamt::Host::Laz {
 /// The bytes of a stream while it grows.
 class GrowingBytes {
 public:
-  std::byte* begin() { return bytes.get(); }
-  std::byte* end() { return bytes.get() + capacity; }
-  std::size_t room() const { return capacity; }
+  std::byte* begin() { return bytes_.get(); }
+  std::byte* end() { return bytes_.get() + capacity_; }
+  std::size_t room() const { return capacity_; }
 
   /// Makes it larger, keeping the bytes before `at`. Gives the place that `at` has then.
   [[gnu::noinline]] std::byte* makeRoom(std::byte* at) {
-    const auto used = static_cast<std::size_t>(at - bytes.get());
-    const std::size_t larger = std::max<std::size_t>(512, 2 * capacity);
+    const auto used = static_cast<std::size_t>(at - bytes_.get());
+    const std::size_t larger = std::max<std::size_t>(512, 2 * capacity_);
     auto grown = std::make_unique_for_overwrite<std::byte[]>(larger);
-    if (used > 0) std::memcpy(grown.get(), bytes.get(), used);
-    bytes = std::move(grown);
-    capacity = larger;
-    return bytes.get() + used;
+    if (used > 0) std::memcpy(grown.get(), bytes_.get(), used);
+    bytes_ = std::move(grown);
+    capacity_ = larger;
+    return bytes_.get() + used;
   }
 
 private:
-  std::unique_ptr<std::byte[]> bytes;
-  std::size_t capacity = 0;
+  std::unique_ptr<std::byte[]> bytes_;
+  std::size_t capacity_ = 0;
 };
 
 /// Encodes one stream. The counterpart of RangeDecoder, call by call, so that one text of an item's coding
@@ -44,19 +44,19 @@ public:
 
   /// `target` must outlive the encoder; what it held is overwritten.
   void start(GrowingBytes& target) {
-    output = &target;
-    if (output->room() == 0) output->makeRoom(output->begin());
-    at = output->begin();
-    limit = output->end() - tailRoom;
-    base = 0;
-    length = 0xFFFFFFFF;
+    output_ = &target;
+    if (output_->room() == 0) output_->makeRoom(output_->begin());
+    at_ = output_->begin();
+    limit_ = output_->end() - tailRoom;
+    base_ = 0;
+    length_ = 0xFFFFFFFF;
   }
 
   /// To be called at least every `stride` bytes: makes room. Always true.
   [[gnu::always_inline]] bool proceed() {
-    if (at > limit) [[unlikely]] {
-      at = output->makeRoom(at);
-      limit = output->end() - tailRoom;
+    if (at_ > limit_) [[unlikely]] {
+      at_ = output_->makeRoom(at_);
+      limit_ = output_->end() - tailRoom;
     }
     return true;
   }
@@ -64,13 +64,13 @@ public:
   /// Ends the stream and gives its bytes, which stay until the next `start`.
   std::span<const std::byte> finish() {
     proceed();
-    const bool wide = length > 1U << 25;
+    const bool wide = length_ > 1U << 25;
     add(wide ? 1U << 24 : 1U << 23);
-    length = wide ? 1U << 23 : 1U << 15;
+    length_ = wide ? 1U << 23 : 1U << 15;
     renormalise();
     const std::size_t zeros = wide ? 3 : 2;
-    for (std::size_t i = 0; i < zeros; ++i) *at++ = std::byte{0};
-    return {output->begin(), at};
+    for (std::size_t i = 0; i < zeros; ++i) *at_++ = std::byte{0};
+    return {output_->begin(), at_};
   }
 
   template <unsigned Capacity>
@@ -81,20 +81,20 @@ public:
 
   template <unsigned Capacity>
   [[gnu::always_inline]] unsigned preparedSymbol(Model<Capacity>& model, unsigned symbol) {
-    const std::uint32_t step = length >> 15;
+    const std::uint32_t step = length_ >> 15;
     const std::uint32_t low = model.starts[symbol] * step;
-    const std::uint32_t high = symbol == model.last ? length : model.starts[symbol + 1] * step;
+    const std::uint32_t high = symbol == model.last ? length_ : model.starts[symbol + 1] * step;
     add(low);
-    length = high - low;
+    length_ = high - low;
     renormalise();
     model.learn(symbol);
     return symbol;
   }
 
   [[gnu::always_inline]] bool bit(BitModel& model, bool one) {
-    const std::uint32_t zeros = model.zeroShare * (length >> 13);
+    const std::uint32_t zeros = model.zeroShare * (length_ >> 13);
     if (one) add(zeros);
-    length = one ? length - zeros : zeros;
+    length_ = one ? length_ - zeros : zeros;
     renormalise();
     model.learn(one);
     return one;
@@ -115,15 +115,15 @@ private:
   static constexpr std::size_t tailRoom = stride + 8;
 
   [[gnu::always_inline]] void fewRaw(unsigned bits, std::uint32_t value) {
-    length >>= bits;
-    add(value * length);
+    length_ >>= bits;
+    add(value * length_);
     renormalise<3>();
   }
 
   [[gnu::always_inline]] void add(std::uint32_t amount) {
-    base += amount;
-    if (base < amount) [[unlikely]]
-      carry(at);
+    base_ += amount;
+    if (base_ < amount) [[unlikely]]
+      carry(at_);
   }
 
   // The sum of all that is added stays below one, so that the carry never passes the first byte.
@@ -135,19 +135,19 @@ private:
 
   template <unsigned Most = 2>
   [[gnu::always_inline]] void renormalise() {
-    unsigned bytes = isBelow<24>(length) + isBelow<16>(length);
-    if constexpr (Most == 3) bytes += isBelow<8>(length);
-    storeBigEndian(at, base);
-    at += bytes;
-    base <<= 8 * bytes;
-    length <<= 8 * bytes;
+    unsigned bytes = isBelow<24>(length_) + isBelow<16>(length_);
+    if constexpr (Most == 3) bytes += isBelow<8>(length_);
+    storeBigEndian(at_, base_);
+    at_ += bytes;
+    base_ <<= 8 * bytes;
+    length_ <<= 8 * bytes;
   }
 
-  std::uint32_t base = 0;
-  std::uint32_t length = 0;
-  std::byte* at = nullptr;
-  std::byte* limit = nullptr;
-  GrowingBytes* output = nullptr;
+  std::uint32_t base_ = 0;
+  std::uint32_t length_ = 0;
+  std::byte* at_ = nullptr;
+  std::byte* limit_ = nullptr;
+  GrowingBytes* output_ = nullptr;
 };
 
 } // namespace Zamt::Host::Laz

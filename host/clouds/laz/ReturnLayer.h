@@ -31,26 +31,26 @@ public:
 
   /// Starts a chunk with its first point, which is not coded. Gives its context.
   PointContext start(const Point& first) {
-    used = 0;
-    current = first.channel & 3U;
-    select(current, first);
+    used_ = 0;
+    current_ = first.channel & 3U;
+    select(current_, first);
     const unsigned place = table[first.returns].place;
     const unsigned level = table[first.returns].level;
-    return static_cast<PointContext>(place | level << 3 | current << 6 | 1U << 15);
+    return static_cast<PointContext>(place | level << 3 | current_ << 6 | 1U << 15);
   }
 
   /// Codes one point and gives its context. X and Y are left out, without losing step, unless `WithXy`.
   template <bool WithXy>
   [[gnu::always_inline]] PointContext code(Coder& coder, Point& now) {
-    Channel& before = *channels[current];
+    Channel& before = *channels_[current_];
     unsigned wanted = 0;
     if constexpr (Coder::encodes) wanted = differences(now);
     const unsigned changed = coder.symbol(before.changes[before.returnPlace()], wanted);
     if (changed & ChannelDiffers) {
-      const unsigned turn = coder.symbol(before.turns, (now.channel - current - 1U) & 3);
-      select((current + 1 + turn) & 3, before.last);
+      const unsigned turn = coder.symbol(before.turns, (now.channel - current_ - 1U) & 3);
+      select((current_ + 1 + turn) & 3, before.last);
     }
-    Channel& channel = *channels[current];
+    Channel& channel = *channels_[current_];
     const unsigned newTime = changed & TimeDiffers ? 1 : 0;
     const unsigned returns = codeReturns(coder, channel, changed, now.returns);
     const ReturnContext meaning = table[returns];
@@ -67,7 +67,7 @@ public:
       now = channel.last;
     }
     return static_cast<PointContext>(
-        unsigned{meaning.place} | newTime << 2 | unsigned{meaning.level} << 3 | current << 6 |
+        unsigned{meaning.place} | newTime << 2 | unsigned{meaning.level} << 3 | current_ << 6 |
         contextOfZ(meaning.single, kx, channel.ys.k()) << 8 | (changed & AngleDiffers ? 1U << 13 : 0U) |
         (changed & SourceDiffers ? 1U << 14 : 0U) | (changed & ChannelDiffers ? 1U << 15 : 0U));
   }
@@ -118,20 +118,20 @@ private:
 
   /// Makes a channel the current one; one that is not used yet starts with `point`.
   [[gnu::noinline]] void select(unsigned channel, Point point) {
-    current = channel;
-    if (used >> channel & 1) return;
-    used |= 1U << channel;
-    if (!channels[channel]) channels[channel] = std::make_unique_for_overwrite<Channel>();
-    channels[channel]->seed(point);
-    channels[channel]->last.channel = static_cast<std::uint8_t>(channel);
+    current_ = channel;
+    if (used_ >> channel & 1) return;
+    used_ |= 1U << channel;
+    if (!channels_[channel]) channels_[channel] = std::make_unique_for_overwrite<Channel>();
+    channels_[channel]->seed(point);
+    channels_[channel]->last.channel = static_cast<std::uint8_t>(channel);
   }
 
   unsigned differences(const Point& now) const {
-    const bool isUsed = used >> now.channel & 1;
-    const Point& last = channels[isUsed ? now.channel : current]->last;
+    const bool isUsed = used_ >> now.channel & 1;
+    const Point& last = channels_[isUsed ? now.channel : current_]->last;
     const unsigned turned = (now.returns - last.returns) & 15U;
     const unsigned number = turned == 0 ? 0 : turned == 1 ? 1 : turned == 15 ? 2 : 3;
-    return number | (now.channel != current ? unsigned{ChannelDiffers} : 0U) |
+    return number | (now.channel != current_ ? unsigned{ChannelDiffers} : 0U) |
            (now.source != last.source ? unsigned{SourceDiffers} : 0U) |
            (now.time != last.time ? unsigned{TimeDiffers} : 0U) |
            (now.angle != last.angle ? unsigned{AngleDiffers} : 0U) |
@@ -168,9 +168,9 @@ private:
     }
   }
 
-  std::array<std::unique_ptr<Channel>, 4> channels;
-  unsigned used = 0; ///< One bit for each channel.
-  unsigned current = 0;
+  std::array<std::unique_ptr<Channel>, 4> channels_;
+  unsigned used_ = 0; ///< One bit for each channel.
+  unsigned current_ = 0;
 };
 
 } // namespace Zamt::Host::Laz

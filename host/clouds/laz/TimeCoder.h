@@ -25,15 +25,15 @@ template <class Coder, bool Layered>
 class TimeCoder {
 public:
   void reset(std::uint64_t first) {
-    sequences = {};
-    sequences[0].time = first;
-    current = newest = 0;
-    starts.reset();
-    multiples.reset();
-    steps.reset();
+    sequences_ = {};
+    sequences_[0].time = first;
+    current_ = newest_ = 0;
+    starts_.reset();
+    multiples_.reset();
+    steps_.reset();
   }
 
-  std::uint64_t last() const { return sequences[current].time; }
+  std::uint64_t last() const { return sequences_[current_].time; }
 
   /// The time, which is `time` when encoding. Layers code only times that differ from `last`.
   [[gnu::always_inline]] std::uint64_t code(Coder& coder, std::uint64_t time) {
@@ -66,16 +66,17 @@ private:
   [[gnu::always_inline]] std::int32_t codeStep(Coder& coder, std::int32_t factor, std::int32_t real,
                                                unsigned context) {
     const auto predicted =
-        static_cast<std::uint32_t>(factor) * static_cast<std::uint32_t>(sequences[current].step);
-    return static_cast<std::int32_t>(steps.code(coder, predicted, static_cast<std::uint32_t>(real), context));
+        static_cast<std::uint32_t>(factor) * static_cast<std::uint32_t>(sequences_[current_].step);
+    return static_cast<std::int32_t>(
+        steps_.code(coder, predicted, static_cast<std::uint32_t>(real), context));
   }
 
   void advance(std::int32_t step) {
-    sequences[current].time += static_cast<std::uint64_t>(static_cast<std::int64_t>(step));
+    sequences_[current_].time += static_cast<std::uint64_t>(static_cast<std::int64_t>(step));
   }
 
   void noteExtreme(std::int32_t step) {
-    Sequence& sequence = sequences[current];
+    Sequence& sequence = sequences_[current_];
     if (++sequence.extremes > 3) {
       sequence.step = step;
       sequence.extremes = 0;
@@ -84,8 +85,8 @@ private:
 
   [[gnu::always_inline]] void codeFirstStep(Coder& coder, std::int32_t real) {
     const std::int32_t step = codeStep(coder, 0, real, 0);
-    sequences[current].step = step;
-    sequences[current].extremes = 0;
+    sequences_[current_].step = step;
+    sequences_[current_].extremes = 0;
     advance(step);
   }
 
@@ -106,25 +107,25 @@ private:
     const std::int32_t step = codeStep(coder, way.factor, real, way.context);
     advance(step);
     if (symbol == 0 || symbol == greatestMultiple || symbol == leastMultiple) noteExtreme(step);
-    if (symbol == 1) sequences[current].extremes = 0;
+    if (symbol == 1) sequences_[current_].extremes = 0;
   }
 
   [[gnu::always_inline]] void codeFresh(Coder& coder, std::uint64_t real) {
     const auto upper = static_cast<std::uint32_t>(last() >> 32);
-    const std::uint64_t high = steps.code(coder, upper, static_cast<std::uint32_t>(real >> 32), 8);
+    const std::uint64_t high = steps_.code(coder, upper, static_cast<std::uint32_t>(real >> 32), 8);
     const std::uint32_t low = coder.raw(32, static_cast<std::uint32_t>(real));
-    newest = (newest + 1) & 3;
-    current = newest;
-    sequences[current] = {high << 32 | low, 0, 0};
+    newest_ = (newest_ + 1) & 3;
+    current_ = newest_;
+    sequences_[current_] = {high << 32 | low, 0, 0};
   }
 
   /// One symbol and what it asks for. True if it only changed the sequence, so that the time follows.
   [[gnu::always_inline]] bool readChange(Coder& coder) {
-    const bool hasStep = sequences[current].step != 0;
-    const unsigned symbol = hasStep ? coder.symbol(multiples) : coder.symbol(starts);
+    const bool hasStep = sequences_[current_].step != 0;
+    const unsigned symbol = hasStep ? coder.symbol(multiples_) : coder.symbol(starts_);
     const unsigned fresh = hasStep ? symbols.freshBehind : symbols.fresh;
     if (symbol > fresh) {
-      current = (current + symbol - fresh) & 3;
+      current_ = (current_ + symbol - fresh) & 3;
       return true;
     }
     if (symbol == fresh)
@@ -138,9 +139,9 @@ private:
 
   void writeSymbol(Coder& coder, bool hasStep, unsigned withStep, unsigned without) {
     if (hasStep)
-      coder.symbol(multiples, withStep);
+      coder.symbol(multiples_, withStep);
     else
-      coder.symbol(starts, without);
+      coder.symbol(starts_, without);
   }
 
   static bool isStep(std::uint64_t difference) {
@@ -162,7 +163,7 @@ private:
   void write(Coder& coder, std::uint64_t time) {
     if (!isStep(time - last())) changeSequence(coder, time);
     const std::uint64_t difference = time - last();
-    const bool hasStep = sequences[current].step != 0;
+    const bool hasStep = sequences_[current_].step != 0;
     if (!isStep(difference)) {
       writeSymbol(coder, hasStep, symbols.freshBehind, symbols.fresh);
       codeFresh(coder, time);
@@ -174,33 +175,33 @@ private:
   }
 
   void writeStep(Coder& coder, std::int32_t step) {
-    if (sequences[current].step == 0) {
-      coder.symbol(starts, symbols.small);
+    if (sequences_[current_].step == 0) {
+      coder.symbol(starts_, symbols.small);
       codeFirstStep(coder, step);
       return;
     }
-    const unsigned symbol = multipleSymbol(step, sequences[current].step);
-    coder.symbol(multiples, symbol);
+    const unsigned symbol = multipleSymbol(step, sequences_[current_].step);
+    coder.symbol(multiples_, symbol);
     codeMultiple(coder, symbol, step);
   }
 
   /// Goes to the next sequence from which `time` is a small step, if there is one.
   void changeSequence(Coder& coder, std::uint64_t time) {
     for (unsigned i = 1; i < 4; ++i) {
-      const unsigned other = (current + i) & 3;
-      if (!isStep(time - sequences[other].time)) continue;
-      writeSymbol(coder, sequences[current].step != 0, symbols.freshBehind + i, symbols.fresh + i);
-      current = other;
+      const unsigned other = (current_ + i) & 3;
+      if (!isStep(time - sequences_[other].time)) continue;
+      writeSymbol(coder, sequences_[current_].step != 0, symbols.freshBehind + i, symbols.fresh + i);
+      current_ = other;
       return;
     }
   }
 
-  std::array<Sequence, 4> sequences{};
-  unsigned current = 0;
-  unsigned newest = 0;
-  typename Coder::template Model<Layered ? 5 : 6> starts;
-  typename Coder::template Model<Layered ? 515 : 516> multiples;
-  IntegerCoder<Coder, 32, 9> steps;
+  std::array<Sequence, 4> sequences_{};
+  unsigned current_ = 0;
+  unsigned newest_ = 0;
+  typename Coder::template Model<Layered ? 5 : 6> starts_;
+  typename Coder::template Model<Layered ? 515 : 516> multiples_;
+  IntegerCoder<Coder, 32, 9> steps_;
 };
 
 } // namespace Zamt::Host::Laz

@@ -33,20 +33,20 @@ template <class Coder>
 class ColourCoder {
 public:
   void reset() {
-    used.reset();
-    for (auto& model : models) model.reset();
+    used_.reset();
+    for (auto& model : models_) model.reset();
   }
 
   /// False if the colour is grey and the same as the last one.
   bool code(Coder& coder, const Colour& last, Colour& now) {
-    unsigned used_ = 0;
-    if constexpr (Coder::encodes) used_ = differences(last, now);
-    const unsigned symbol = coder.symbol(used, used_);
+    unsigned used = 0;
+    if constexpr (Coder::encodes) used = differences(last, now);
+    const unsigned symbol = coder.symbol(used_, used);
     std::array<Bytes, 3> from{split(last, 0), split(last, 1), split(last, 2)};
     std::array<Bytes, 3> to{split(now, 0), split(now, 1), split(now, 2)};
     if constexpr (!Coder::encodes) to = from;
     for (unsigned half = 0; half < 2; ++half)
-      if (symbol >> half & 1) to[0][half] = Way::code(coder, models[half], from[0][half], to[0][half]);
+      if (symbol >> half & 1) to[0][half] = Way::code(coder, models_[half], from[0][half], to[0][half]);
     if (symbol & 64) {
       for (unsigned half = 0; half < 2; ++half) codeOthers(coder, symbol, half, from, to);
     } else {
@@ -82,44 +82,44 @@ private:
     const auto old = [&](unsigned i) { return static_cast<int>(from[i][half]); };
     const int red = static_cast<int>(to[0][half]) - old(0);
     if (symbol >> (2 + half) & 1)
-      to[1][half] = Way::code(coder, models[2 + half], Way::clamp(old(1) + red), to[1][half]);
+      to[1][half] = Way::code(coder, models_[2 + half], Way::clamp(old(1) + red), to[1][half]);
     else
       to[1][half] = from[1][half];
     if (symbol >> (4 + half) & 1) {
       const int both = (red + static_cast<int>(to[1][half]) - old(1)) / 2;
-      to[2][half] = Way::code(coder, models[4 + half], Way::clamp(old(2) + both), to[2][half]);
+      to[2][half] = Way::code(coder, models_[4 + half], Way::clamp(old(2) + both), to[2][half]);
     } else {
       to[2][half] = from[2][half];
     }
   }
 
-  typename Coder::template Model<128> used;
-  std::array<typename Way::Model, 6> models;
+  typename Coder::template Model<128> used_;
+  std::array<typename Way::Model, 6> models_;
 };
 
 template <class Coder>
 class InfraredCoder {
 public:
   void reset() {
-    used.reset();
-    for (auto& model : models) model.reset();
+    used_.reset();
+    for (auto& model : models_) model.reset();
   }
 
   /// False if it is the same as the last one.
   bool code(Coder& coder, const std::uint16_t& last, std::uint16_t& now) {
     const unsigned changed = last ^ now;
-    const unsigned symbol = coder.symbol(used, (changed & 255 ? 1U : 0U) | (changed >> 8 ? 2U : 0U));
+    const unsigned symbol = coder.symbol(used_, (changed & 255 ? 1U : 0U) | (changed >> 8 ? 2U : 0U));
     unsigned low = last & 255U;
     unsigned high = last >> 8U;
-    if (symbol & 1) low = ByteDifferences<Coder>::code(coder, models[0], low, now & 255U);
-    if (symbol & 2) high = ByteDifferences<Coder>::code(coder, models[1], high, now >> 8U);
+    if (symbol & 1) low = ByteDifferences<Coder>::code(coder, models_[0], low, now & 255U);
+    if (symbol & 2) high = ByteDifferences<Coder>::code(coder, models_[1], high, now >> 8U);
     now = static_cast<std::uint16_t>(low | high << 8);
     return symbol != 0;
   }
 
 private:
-  typename Coder::template Model<4> used;
-  std::array<typename ByteDifferences<Coder>::Model, 2> models;
+  typename Coder::template Model<4> used_;
+  std::array<typename ByteDifferences<Coder>::Model, 2> models_;
 };
 
 /// u8 descriptor index, u64 offset, u32 size, then four floats whose bits are coded as numbers.
@@ -129,25 +129,25 @@ template <class Coder>
 class WavePacketCoder {
 public:
   void reset() {
-    index.reset();
-    for (auto& model : ways) model.reset();
-    steps.reset();
-    sizes.reset();
-    locations.reset();
-    directions.reset();
-    lastWay = 0;
-    lastStep = 0;
+    index_.reset();
+    for (auto& model : ways_) model.reset();
+    steps_.reset();
+    sizes_.reset();
+    locations_.reset();
+    directions_.reset();
+    lastWay_ = 0;
+    lastStep_ = 0;
   }
 
   /// False if all bytes are those of the last one.
   bool code(Coder& coder, const WavePacket& last, WavePacket& now) {
     const bool differs = Coder::encodes && last != now;
     const auto byte = std::to_integer<unsigned>(now[0]);
-    now[0] = static_cast<std::byte>(coder.symbol(index, byte));
+    now[0] = static_cast<std::byte>(coder.symbol(index_, byte));
     codeOffset(coder, last, now);
-    codeNumber(coder, sizes, 0, 9, last, now);
-    codeNumber(coder, locations, 0, 13, last, now);
-    for (unsigned axis = 0; axis < 3; ++axis) codeNumber(coder, directions, axis, 17 + 4 * axis, last, now);
+    codeNumber(coder, sizes_, 0, 9, last, now);
+    codeNumber(coder, locations_, 0, 13, last, now);
+    for (unsigned axis = 0; axis < 3; ++axis) codeNumber(coder, directions_, axis, 17 + 4 * axis, last, now);
     return differs;
   }
 
@@ -165,14 +165,14 @@ private:
     const auto from = load<std::uint64_t>(&last[1]);
     const auto size = load<std::uint32_t>(&last[9]);
     const std::uint64_t difference = load<std::uint64_t>(&now[1]) - from;
-    lastWay = coder.symbol(ways[lastWay], Coder::encodes ? wayOf(difference, size) : 0U);
+    lastWay_ = coder.symbol(ways_[lastWay_], Coder::encodes ? wayOf(difference, size) : 0U);
     std::uint64_t to = from;
-    if (lastWay == Behind) to += size;
-    if (lastWay == Step) {
-      lastStep = steps.code(coder, lastStep, static_cast<std::uint32_t>(difference), 0);
-      to += static_cast<std::uint64_t>(static_cast<std::int64_t>(static_cast<std::int32_t>(lastStep)));
+    if (lastWay_ == Behind) to += size;
+    if (lastWay_ == Step) {
+      lastStep_ = steps_.code(coder, lastStep_, static_cast<std::uint32_t>(difference), 0);
+      to += static_cast<std::uint64_t>(static_cast<std::int64_t>(static_cast<std::int32_t>(lastStep_)));
     }
-    if (lastWay == Anywhere) {
+    if (lastWay_ == Anywhere) {
       const std::uint64_t low = coder.raw(32, load<std::uint32_t>(&now[1]));
       to = std::uint64_t{coder.raw(32, load<std::uint32_t>(&now[5]))} << 32 | low;
     }
@@ -186,14 +186,14 @@ private:
     return signedDifference == static_cast<std::int32_t>(signedDifference) ? Step : Anywhere;
   }
 
-  typename Coder::template Model<256> index;
-  std::array<typename Coder::template Model<4>, 4> ways;
-  IntegerCoder<Coder, 32, 1> steps;
-  IntegerCoder<Coder, 32, 1> sizes;
-  IntegerCoder<Coder, 32, 1> locations;
-  IntegerCoder<Coder, 32, 3> directions;
-  unsigned lastWay = 0;
-  std::uint32_t lastStep = 0;
+  typename Coder::template Model<256> index_;
+  std::array<typename Coder::template Model<4>, 4> ways_;
+  IntegerCoder<Coder, 32, 1> steps_;
+  IntegerCoder<Coder, 32, 1> sizes_;
+  IntegerCoder<Coder, 32, 1> locations_;
+  IntegerCoder<Coder, 32, 3> directions_;
+  unsigned lastWay_ = 0;
+  std::uint32_t lastStep_ = 0;
 };
 
 } // namespace Zamt::Host::Laz
