@@ -100,13 +100,13 @@ std::string didYouMean(std::string_view wanted, const std::vector<std::string>& 
 }
 
 Diag withNearestNames(const Diag& diag) {
-  Diag offered;
+  Diag whole;
   for (const Diag::Entry& entry : diag.entries) {
-    offered.at(entry.severity, entry.message, entry.file, entry.line, entry.column);
+    whole.at(entry.severity, entry.message, entry.file, entry.line, entry.column);
     if (const std::string offer = offerFor(entry.message); !offer.empty())
-      offered.at(Diag::Severity::Note, offer.substr(1), entry.file, entry.line, entry.column);
+      whole.at(Diag::Severity::Note, offer.substr(1), entry.file, entry.line, entry.column);
   }
-  return offered;
+  return whole;
 }
 
 } // namespace Zamt::Host
