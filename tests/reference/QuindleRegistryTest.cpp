@@ -82,7 +82,8 @@ TEST_F(QuindleRegistryTest, TellsWhatTheGoldenDocumentShows) {
   expectCases("reference/golden/registry.md", [this](const std::string& text) {
     std::istringstream words(text);
     std::string verb, name;
-    int level = 0, limit = 0;
+    int level = 0;
+    std::uint64_t limit = 0;
     words >> verb >> level;
     if (verb == "names") return namesFrom(level);
     if (verb == "categories") return categoriesFrom(level);

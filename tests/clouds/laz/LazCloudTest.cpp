@@ -264,7 +264,7 @@ TEST_F(LazCloudTest, ExtractedPartsHaveTheirPointsAllRecordsAndAHeaderThatIsTrue
     if (file.sum.empty()) continue;
     const std::string input = readFile(file.path);
     const Laz::LazFile before = Laz::decodeLaz(input);
-    for (const std::uint64_t step : {1, 3, 1000000}) { // the last one keeps the first point
+    for (const std::uint64_t step : {1U, 3U, 1000000U}) { // the last one keeps the first point
       SCOPED_TRACE(name + " " + std::to_string(step));
       const auto cloud = openWell(file.path);
       Host::PointMask kept(cloud->size());
