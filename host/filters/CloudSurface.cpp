@@ -23,7 +23,10 @@ struct Axis {
   std::int64_t perStep = 1; ///< Steps of the lattice in one of the file's.
 
   std::int64_t onLattice(double value) const { return std::llround((value - origin) / step) * perStep; }
-  double inWorld(std::int64_t place) const { return static_cast<double>(place / perStep) * step + origin; }
+  double inWorld(std::int64_t place) const {
+    const std::int64_t stored = place / perStep; // a multiple, as `onLattice` made it
+    return static_cast<double>(stored) * step + origin;
+  }
 };
 
 using Axes = std::array<Axis, 2>;
