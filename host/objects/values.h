@@ -29,14 +29,14 @@ namespace Zamt {
 template <>
 struct VValueTrait<Host::Region> {
   static bool setValueFromText(Host::Region& region, const std::string& text);
-  static std::string Text(const Host::Region& region);
+  static std::string Text(const Host::Region& region); // NOLINT(readability-identifier-naming): prescribed
 };
 
 /// A position as text: three numbers, as `parseVector` reads them; empty while none was given.
 template <>
 struct VValueTrait<Host::WorldPoint> {
   static bool setValueFromText(Host::WorldPoint& point, const std::string& text);
-  static std::string Text(const Host::WorldPoint& point);
+  static std::string Text(const Host::WorldPoint& point); // NOLINT(readability-identifier-naming): prescribed
 };
 
 } // namespace Zamt

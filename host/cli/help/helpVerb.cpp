@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Zamt::Host {
@@ -40,9 +41,9 @@ std::string unknownWord(const Program& program, const std::string& word) {
 Answer showHelp(const Program& program, const Request& request) {
   const bool manual = request.flag("man");
   const std::string& word = request.text("word");
-  const std::string text = manual ? manPage(program) : helpOn(program, word);
+  std::string text = manual ? manPage(program) : helpOn(program, word);
   if (text.empty()) return refused(Status::Failed, unknownWord(program, word));
-  Answer answer = answerOf({{}, [text] { return text; }, {}, {}});
+  Answer answer = answerOf({{}, [text = std::move(text)] { return text; }, {}, {}});
   answer.isLong = !manual;
   return answer;
 }
